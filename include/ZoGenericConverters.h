@@ -1,0 +1,72 @@
+// Identity and chained converters.
+#ifndef ZO_GENERIC_CONVERTERS_H
+#define ZO_GENERIC_CONVERTERS_H
+
+#include <mutex>
+
+#include "ZoPixelConverter.h"
+
+// Copies bytes unchanged (GetSourceByteSize(count) bytes a line). Registered
+// from an interlaced type to its progressive twin it deinterlaces, through
+// the base area walk's two field passes.
+class ZO_API ZoIdentityConverter : public ZoPixelConverter {
+public:
+    ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
+                        std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize);
+    ~ZoIdentityConverter() override;
+
+    using ZoPixelConverter::Convert;
+    std::uint32_t Convert(const unsigned char* source, unsigned char* destination,
+                          std::uint32_t count) const override;
+    std::uint32_t Convert(const unsigned char* source, unsigned char* destination) const override;
+};
+
+// Two converters chained through an intermediate buffer: first's source type
+// to second's destination type. The stages are not owned and must outlive
+// the chain.
+//
+// The area form converts the whole source frame (sourceWidth x sourceHeight)
+// through the first stage, whatever `width` and `height` say, and the caller's
+// filter acts on the first stage only; the second runs with the default
+// identity filter. Several threads may convert through one chain at once.
+class ZO_API ZoComplexConverter : public ZoPixelConverter {
+public:
+    ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second);
+    ~ZoComplexConverter() override;
+
+    std::uint32_t GetSourceByteSize(std::uint32_t pixelCount) const override;
+    using ZoPixelConverter::GetSourceByteSize;
+    std::uint32_t GetDestinationByteSize(std::uint32_t pixelCount) const override;
+    using ZoPixelConverter::GetDestinationByteSize;
+
+    using ZoPixelConverter::Convert;
+    std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth, std::uint32_t sourceHeight,
+                          unsigned char* destination, std::uint32_t destinationWidth,
+                          std::uint32_t destinationHeight, std::uint32_t width, std::uint32_t height,
+                          std::uint32_t flags, std::uint32_t destinationPadding) const override;
+    std::uint32_t Convert(const unsigned char* source, unsigned char* destination,
+                          std::uint32_t count) const override;
+    std::uint32_t Convert(const unsigned char* source, unsigned char* destination) const override;
+
+    const ZoPixelConverter* GetFirst() const { return mFirst; }
+    const ZoPixelConverter* GetSecond() const { return mSecond; }
+
+    // combine(a, b): the larger of a and b if both divide it, else a x b
+    // (not the least common multiple: combine(4, 6) is 24).
+    static std::uint32_t Combine(std::uint32_t a, std::uint32_t b);
+
+private:
+    class Scratch;
+    unsigned char* AcquireBuffer(std::uint32_t needed, Scratch& scratch) const;
+
+    // The chain's own intermediate buffer, used by whichever thread holds
+    // mBufferLock; a thread that finds it busy uses a buffer of its own for
+    // that call, so concurrent conversions never share bytes.
+    mutable unsigned char* mBuffer;
+    mutable std::uint32_t mBufferSize;
+    mutable std::mutex mBufferLock;
+    ZoPixelConverter* mFirst;
+    ZoPixelConverter* mSecond;
+};
+
+#endif

@@ -1,0 +1,140 @@
+// Identity copies and chains of two converters.
+#include "ZoGenericConverters.h"
+
+#include <cstring>
+#include <vector>
+
+ZoIdentityConverter::ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
+                                         std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize)
+    : ZoPixelConverter(sourceType, destinationType, sourcePixelSize, destinationPixelSize, 1, 1)
+{
+}
+
+ZoIdentityConverter::~ZoIdentityConverter() = default;
+
+// Both forms copy source-sized pixels; the destination size is not used.
+std::uint32_t ZoIdentityConverter::Convert(const unsigned char* source, unsigned char* destination,
+                                           std::uint32_t count) const
+{
+    std::memcpy(destination, source, GetSourceByteSize(count));
+    return ZO_OK;
+}
+
+std::uint32_t ZoIdentityConverter::Convert(const unsigned char* source, unsigned char* destination) const
+{
+    std::memcpy(destination, source, GetSourceByteSize(1));
+    return ZO_OK;
+}
+
+// ---------------------------------------------------------------------------
+
+// The intermediate buffer of one call: the chain's own when it is free, else
+// one for this call alone.
+class ZoComplexConverter::Scratch {
+public:
+    explicit Scratch(std::mutex& lock) : mLock(lock, std::try_to_lock) {}
+    std::unique_lock<std::mutex> mLock;
+    std::vector<unsigned char> mOwn;
+};
+
+std::uint32_t ZoComplexConverter::Combine(std::uint32_t a, std::uint32_t b)
+{
+    const std::uint32_t m = a > b ? a : b;
+    return (m % a == 0 && m % b == 0) ? m : a * b;
+}
+
+ZoComplexConverter::ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second)
+    : ZoPixelConverter(first->GetSourceType(), second->GetDestinationType(), first->GetSourceByteSize(),
+                       second->GetDestinationByteSize(),
+                       Combine(first->GetPipeliningSize(), second->GetPipeliningSize()),
+                       Combine(first->GetLinesPerConvert(), second->GetLinesPerConvert())),
+      mBuffer(nullptr),
+      mBufferSize(0),
+      mFirst(first),
+      mSecond(second)
+{
+}
+
+ZoComplexConverter::~ZoComplexConverter()
+{
+    delete[] mBuffer;
+    mBuffer = nullptr;
+    mBufferSize = 0;
+}
+
+std::uint32_t ZoComplexConverter::GetSourceByteSize(std::uint32_t pixelCount) const
+{
+    return mFirst->GetSourceByteSize(pixelCount);
+}
+
+std::uint32_t ZoComplexConverter::GetDestinationByteSize(std::uint32_t pixelCount) const
+{
+    return mSecond->GetDestinationByteSize(pixelCount);
+}
+
+unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, Scratch& scratch) const
+{
+    if (!scratch.mLock.owns_lock()) {
+        scratch.mOwn.resize(needed ? needed : 1);
+        return scratch.mOwn.data();
+    }
+    // The shared buffer grows (contents not kept) and never shrinks.
+    if (mBufferSize < needed) {
+        mBufferSize = needed;
+        delete[] mBuffer;
+        mBuffer = new unsigned char[needed];
+    }
+    if (!mBuffer)
+        mBuffer = new unsigned char[1];
+    return mBuffer;
+}
+
+std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned char* destination) const
+{
+    Scratch scratch(mBufferLock);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(1), scratch);
+    const std::uint32_t r = mFirst->Convert(source, buffer);
+    if (r != ZO_OK)
+        return r;
+    return mSecond->Convert(buffer, destination);
+}
+
+std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned char* destination,
+                                          std::uint32_t count) const
+{
+    // The chain and each stage hold the thread's record for the call.
+    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+    ZoPixelConverterContext& context = chain.Context();
+    Scratch scratch(mBufferLock);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(GetLinesPerConvert() * count), scratch);
+    // Both stages step through the intermediate buffer by intermediate lines.
+    context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
+    context.sourceLineBytes = mSecond->GetSourceByteSize(count);
+    const std::uint32_t r = mFirst->Convert(source, buffer, count);
+    if (r != ZO_OK)
+        return r;
+    return mSecond->Convert(buffer, destination, count);
+}
+
+std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint32_t sourceWidth,
+                                          std::uint32_t sourceHeight, unsigned char* destination,
+                                          std::uint32_t destinationWidth, std::uint32_t destinationHeight,
+                                          std::uint32_t width, std::uint32_t height, std::uint32_t flags,
+                                          std::uint32_t destinationPadding) const
+{
+    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+    ZoPixelConverterContext& context = chain.Context();
+    Scratch scratch(mBufferLock);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(sourceWidth * sourceHeight), scratch);
+    // The first stage converts the whole source frame, with the caller's
+    // filter if there is one; it clears the filter when it returns, so the
+    // second stage runs with the default identity filter.
+    std::uint32_t r = mFirst->Convert(source, sourceWidth, sourceHeight, buffer, sourceWidth, sourceHeight,
+                                      sourceWidth, sourceHeight, flags, 0);
+    if (r != ZO_OK)
+        return r;
+    r = mSecond->Convert(buffer, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
+                         width, height, flags, destinationPadding);
+    context.filter = nullptr;
+    return r;
+}

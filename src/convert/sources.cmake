@@ -1,0 +1,13 @@
+set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/convert)
+list(APPEND ZO_LIB_SOURCES
+  ${_dir}/RGBFilter.cpp
+  ${_dir}/PixelConverter.cpp
+  ${_dir}/GenericConverters.cpp
+  ${_dir}/IdentityRegistry.cpp
+  ${_dir}/ChainRegistry.cpp
+  ${_dir}/FlatConvert.cpp)
+list(APPEND ZO_TEST_SOURCES
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/FilterTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/AreaWalkTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/GenericConvertersTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ConcurrencyTest.cpp)

@@ -1,0 +1,6 @@
+// Registered instances of this family (placeholder until the family lands).
+#include "core/StaticConverters.h"
+
+void ZoInitGrayscaleTables() {}
+
+void ZoAddGrayscaleConverters(ZoStaticConverters&) {}

@@ -1,0 +1,3 @@
+set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/rgb)
+list(APPEND ZO_LIB_SOURCES
+  ${_dir}/RGBRegistry.cpp)
