@@ -1,9 +1,3 @@
-set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/gray)
-# Grayscale depth and expansion converters.
-list(APPEND ZO_LIB_SOURCES
-  ${_dir}/GrayscaleTables.cpp
-  ${_dir}/GrayscaleRegistry.cpp)
-# Packed unpacking and dual-tap recombination.
-list(APPEND ZO_LIB_SOURCES
-  ${_dir}/PackedRegistry.cpp
-  ${_dir}/DualTapRegistry.cpp)
+# Grayscale depth/expansion converters, then packed unpacking and dual-tap.
+include(${CMAKE_CURRENT_SOURCE_DIR}/src/gray/grayscale.cmake)
+include(${CMAKE_CURRENT_SOURCE_DIR}/src/gray/packed.cmake)
