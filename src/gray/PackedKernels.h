@@ -1,0 +1,141 @@
+// Line kernels of the packed 10/12-bit unpacking converters.
+//
+// A packed group is three bytes holding two samples. Each sample is taken
+// from one of two overlapping little-endian words of the group:
+//
+//   bytes     b0        b1        b2
+//   W0   =  [ b0 ] | [ b1 ] << 8                 first sample A from W0
+//   W1   =            [ b1 ] | [ b2 ] << 8       second sample B from W1
+//
+//   group bits (24-bit little-endian value of b0 b1 b2):
+//   10-bit:  A = bits 0..9  (W0 & 0x3FF)     B = bits 12..21 ((W1 >> 4) & 0x3FF)
+//   12-bit:  A = bits 0..11 (W0 & 0xFFF)     B = bits 12..23 ((W1 >> 4) & 0xFFF)
+//
+// A sample is ((W << left) >> right) & mask, computed in 32 bits: with a
+// 16-bit mask this is a left shift truncated to 16 bits, or a logical right
+// shift. Each converter supplies one rule for A and one for B; the samples
+// are placed in the line by the dual-tap rule (gray/DualTapPlacement.h) and
+// stored by a destination writer.
+//
+// Odd n: the last group is converted whole, reading three source bytes from
+// offset (n >> 1) x 3 on (past the (n >> 1) x 3 bytes a line of n pixels is
+// counted as) and writing both its samples (see DualTapPlacement.h for where).
+#ifndef ZO_PACKED_KERNELS_H
+#define ZO_PACKED_KERNELS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "gray/DualTapPlacement.h"
+#include "gray/GrayscaleTables.h"
+#include "rgb/RGBLayouts.h"
+
+namespace zo {
+
+// How one sample is taken from its word.
+struct PackedSampleRule {
+    std::uint32_t left;   // 0..16
+    std::uint32_t right;  // 0..16
+    std::uint32_t mask;   // at most 0xFFFF
+
+    std::uint32_t Extract(std::uint32_t word) const { return ((word << left) >> right) & mask; }
+};
+
+// A signed left shift (negative: right shift) as a rule whose counts are no
+// larger than 16; that gives the same 16-bit result as the plain shift of a
+// 16-bit word (counts of 16 and beyond shift everything out).
+inline PackedSampleRule LeftShiftRule(std::int32_t shift, std::uint32_t mask)
+{
+    if (shift >= 0)
+        return {static_cast<std::uint32_t>(shift < 16 ? shift : 16), 0, mask & 0xFFFFu};
+    return {0, static_cast<std::uint32_t>(shift > -16 ? -shift : 16), mask & 0xFFFFu};
+}
+// A logical right shift of the word.
+inline PackedSampleRule RightShiftRule(std::uint32_t shift, std::uint32_t mask)
+{
+    return {0, shift < 16 ? shift : 16, mask & 0xFFFFu};
+}
+
+struct PackedRules {
+    PackedSampleRule a;
+    PackedSampleRule b;
+};
+
+// Gray to RGB32 with the gray value in all four bytes (g x 0x1010101). The
+// unpacking converters fill the fourth byte too, unlike the grayscale
+// expansion whose RGB32 pixels end in 0: this difference is deliberate and
+// kept.
+constexpr std::array<std::uint32_t, 256> MakePackedGrayToRGB32()
+{
+    std::array<std::uint32_t, 256> t{};
+    for (std::uint32_t g = 0; g < 256; ++g)
+        t[g] = g * 0x1010101u;
+    return t;
+}
+extern const std::array<std::uint32_t, 256> kPackedGrayToRGB32;
+
+// Destination writers: Put(d, v) stores the sample v at pixel d.
+struct PackedToGray16 {
+    static constexpr unsigned kBytes = 2;
+    static void Put(unsigned char* d, std::uint32_t v) { StoreWord(d, static_cast<std::uint16_t>(v)); }
+};
+struct PackedToGray8 {
+    static constexpr unsigned kBytes = 1;
+    static void Put(unsigned char* d, std::uint32_t v) { d[0] = static_cast<unsigned char>(v); }
+};
+// The RGB writers take the 8-bit gray value (the rule's mask is 0xFF).
+struct PackedToRGB16 {
+    static constexpr unsigned kBytes = 2;
+    static void Put(unsigned char* d, std::uint32_t v) { StoreWord(d, kGrayToRGB16_8[v & 0xFF]); }
+};
+struct PackedToRGB24 {  // the same three bytes serve RGB24 and BGR24
+    static constexpr unsigned kBytes = 3;
+    static void Put(unsigned char* d, std::uint32_t v)
+    {
+        const auto g = static_cast<unsigned char>(v);
+        d[0] = g;
+        d[1] = g;
+        d[2] = g;
+    }
+};
+struct PackedToRGB32 {  // RGB32 and BGR32; fourth byte = gray, see kPackedGrayToRGB32
+    static constexpr unsigned kBytes = 4;
+    static void Put(unsigned char* d, std::uint32_t v)
+    {
+        const std::uint32_t p = kPackedGrayToRGB32[v & 0xFF];
+        d[0] = static_cast<unsigned char>(p);
+        d[1] = static_cast<unsigned char>(p >> 8);
+        d[2] = static_cast<unsigned char>(p >> 16);
+        d[3] = static_cast<unsigned char>(p >> 24);
+    }
+};
+
+// Unpacks one line of n pixels from `source` (packed groups) to `destination`
+// in the layout of Writer, placing the samples by tap mode Mode.
+template <class Writer, unsigned Mode>
+void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                      std::uint32_t pipelining, PackedRules rules)
+{
+    ForEachDualTapPair<Mode>(n, pipelining, [&](std::uint32_t i, std::ptrdiff_t a, std::ptrdiff_t b) {
+        const unsigned char* g = source + static_cast<std::size_t>(i) * 3;
+        const std::uint32_t w0 = g[0] | (static_cast<std::uint32_t>(g[1]) << 8);
+        const std::uint32_t w1 = g[1] | (static_cast<std::uint32_t>(g[2]) << 8);
+        Writer::Put(destination + a * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.a.Extract(w0));
+        Writer::Put(destination + b * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.b.Extract(w1));
+    });
+}
+
+// The same with the tap mode given at run time (switched once).
+template <class Writer>
+void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                      std::uint32_t pipelining, PackedRules rules, std::uint32_t mode)
+{
+    WithDualTapMode(mode, [&](auto m) {
+        UnpackPackedLine<Writer, decltype(m)::value>(source, destination, n, pipelining, rules);
+    });
+}
+
+}  // namespace zo
+
+#endif
