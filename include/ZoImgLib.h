@@ -11,6 +11,8 @@
 #include "ZoRGBFilter.h"
 #include "ZoPixelConverter.h"
 #include "ZoGenericConverters.h"
+#include "ZoPackedConverters.h"
+#include "ZoDualTapConverters.h"
 #include "ZoImgLibC.h"
 
 #endif
