@@ -1,0 +1,195 @@
+// Line kernels of the YUV families: free functions over one line, templated
+// over the destination writer (rgb/RGBLayouts.h). Every parameter comes in
+// explicitly; the kernels never touch a converter or its context.
+//
+// 4:2:2 sources: a pair of pixels is four samples Y0 U Y1 V; pixel 0 is
+// (Y0, U, V), pixel 1 is (Y1, U, V).
+//
+//   8-bit, sample of (extra + 1) bytes, the value is its last byte:
+//     extra 0:  | Y0 | U | Y1 | V |                      4 bytes a pair
+//     extra 1:  | .. Y0 | .. U | .. Y1 | .. V |          8 bytes a pair
+//   10-bit, little-endian words, value = low 8 bits of (word >> shift):
+//               | Y0 lo hi | U lo hi | Y1 lo hi | V lo hi |   8 bytes a pair
+//
+// 4:4:4 sources: pixel i starts at i x pixelBytes; with p = its byte
+// `extra`, Y = p[yOffset], U = p[uOffset], V = p[vOffset].
+#ifndef ZO_YUV_KERNELS_H
+#define ZO_YUV_KERNELS_H
+
+#include <cstdint>
+
+#include "rgb/RGBLayouts.h"
+#include "yuv/YUVTransform.h"
+
+namespace zo {
+
+// The filter's 8-bit channel tables, and whether they are the identity (then
+// the lookups are skipped; the result is the same).
+struct YUVChannelTables {
+    const std::uint8_t* red;
+    const std::uint8_t* green;
+    const std::uint8_t* blue;
+    bool identity;
+};
+
+// Transform, clamp, filter and store one pixel.
+template <class Writer, bool Filtered>
+inline void PutYUVPixel(unsigned char* d, std::int32_t y, std::int32_t u, std::int32_t v, const YUVChannelTables& t)
+{
+    const RGB8 c = YUVToRGB8(y, u, v);
+    if (Filtered)
+        Writer::Put(d, t.red[c.r], t.green[c.g], t.blue[c.b]);
+    else
+        Writer::Put(d, c.r, c.g, c.b);
+}
+
+// Readers of one 4:2:2 pair: the four sample values Y0, U, Y1, V.
+struct YUV8PairReader {
+    std::uint32_t sampleBytes;  // extra + 1
+    std::uint32_t PairBytes() const { return 4 * sampleBytes; }
+    void Read(const unsigned char* s, std::int32_t (&out)[4]) const
+    {
+        const unsigned char* last = s + sampleBytes - 1;
+        out[0] = last[0];
+        out[1] = last[sampleBytes];
+        out[2] = last[2 * sampleBytes];
+        out[3] = last[3 * sampleBytes];
+    }
+};
+
+struct YUV10PairReader {
+    std::uint32_t shift;
+    std::uint32_t PairBytes() const { return 8; }
+    void Read(const unsigned char* s, std::int32_t (&out)[4]) const
+    {
+        // No clamping: bits above the eighth of the shifted word are dropped.
+        for (int i = 0; i < 4; ++i)
+            out[i] = static_cast<std::int32_t>((static_cast<std::uint32_t>(LoadWord(s + 2 * i)) >> shift) & 0xFF);
+    }
+};
+
+// Pairs [firstPair, pairEnd) of a 4:2:2 line.
+template <class Writer, bool Filtered, class Reader>
+inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t firstPair,
+                             std::uint32_t pairEnd, const Reader& reader, const YUVChannelTables& t)
+{
+    const std::uint32_t pairBytes = reader.PairBytes();
+    const unsigned char* s = src + static_cast<std::size_t>(firstPair) * pairBytes;
+    unsigned char* d = dst + static_cast<std::size_t>(firstPair) * 2 * Writer::kBytes;
+    for (std::uint32_t p = firstPair; p < pairEnd; ++p, s += pairBytes, d += 2 * Writer::kBytes) {
+        std::int32_t q[4];
+        reader.Read(s, q);
+        PutYUVPixel<Writer, Filtered>(d, q[0], q[1], q[3], t);
+        PutYUVPixel<Writer, Filtered>(d + Writer::kBytes, q[2], q[1], q[3], t);
+    }
+}
+
+// Number of pairs a 4:2:2 line of `count` pixels converts: count rounded up
+// to even, halved. An odd count therefore writes one pixel past `count`
+// (deliberately: the last pixel of a pair cannot be left out). Zero gives
+// zero: no pair is converted.
+inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (count & 1); }
+
+// Vector part of the identity-filter path (YUVSimd.cpp): converts whole
+// groups from the start of the line and returns how many pairs it did; the
+// scalar kernel finishes the line. Returns 0 where no vector path applies.
+std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
+std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                    std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex);
+std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
+                                std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
+                                std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
+
+// Writer-dependent arguments of the vector entry points.
+template <class Writer>
+struct WriterShape;
+template <>
+struct WriterShape<WriteRGB16> {
+    static constexpr std::uint32_t kRedIndex = 0;
+};
+template <unsigned R>
+struct WriterShape<Write24<R>> {
+    static constexpr std::uint32_t kRedIndex = R;
+};
+template <unsigned R>
+struct WriterShape<Write32<R>> {
+    static constexpr std::uint32_t kRedIndex = R;
+};
+
+// A whole 4:2:2 line of `count` pixels (rounded up to even, see above).
+// `vector` allows the vector path when the tables are the identity.
+template <class Writer, class Reader>
+void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
+                     const YUVChannelTables& t, bool vector);
+
+template <class Writer>
+inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                  const YUV8PairReader& r)
+{
+    return YUV8PairsToRGBVector(src, dst, pairs, r.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex);
+}
+
+template <class Writer>
+inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                  const YUV10PairReader& r)
+{
+    return YUV10PairsToRGBVector(src, dst, pairs, r.shift, Writer::kBytes, WriterShape<Writer>::kRedIndex);
+}
+
+template <class Writer, class Reader>
+void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
+                     const YUVChannelTables& t, bool vector)
+{
+    const std::uint32_t pairs = YUV422PairCount(count);
+    if (!t.identity) {
+        YUV422PairsToRGB<Writer, true>(src, dst, 0, pairs, reader, t);
+        return;
+    }
+    const std::uint32_t done = vector ? YUV422Vector<Writer>(src, dst, pairs, reader) : 0;
+    YUV422PairsToRGB<Writer, false>(src, dst, done, pairs, reader, t);
+}
+
+// Pixels [first, end) of a 4:4:4 line.
+template <class Writer, bool Filtered>
+inline void YUV444PixelsToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t first, std::uint32_t end,
+                              std::uint32_t pixelBytes, std::uint32_t extra, std::uint32_t yOffset,
+                              std::uint32_t uOffset, std::uint32_t vOffset, const YUVChannelTables& t)
+{
+    const unsigned char* p = src + static_cast<std::size_t>(first) * pixelBytes + extra;
+    unsigned char* d = dst + static_cast<std::size_t>(first) * Writer::kBytes;
+    for (std::uint32_t i = first; i < end; ++i, p += pixelBytes, d += Writer::kBytes)
+        PutYUVPixel<Writer, Filtered>(d, p[yOffset], p[uOffset], p[vOffset], t);
+}
+
+// A whole 4:4:4 line: pixels [0, blocked) in the four-at-a-time part through
+// `blockTables`, the rest one by one through `tables` (the caller decides
+// both; they differ only where a class says so).
+template <class Writer>
+void YUV444LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, std::uint32_t blocked,
+                     std::uint32_t extra, std::uint32_t yOffset, std::uint32_t uOffset, std::uint32_t vOffset,
+                     const YUVChannelTables& blockTables, const YUVChannelTables& tables, bool vector)
+{
+    const std::uint32_t pixelBytes = 3 * (extra + 1);
+    std::uint32_t done = 0;
+    if (blockTables.identity && tables.identity && vector)
+        done = YUV444ToRGBVector(src + extra, dst, count, pixelBytes, yOffset, uOffset, vOffset, Writer::kBytes,
+                                 WriterShape<Writer>::kRedIndex);
+    if (done < blocked) {
+        if (blockTables.identity)
+            YUV444PixelsToRGB<Writer, false>(src, dst, done, blocked, pixelBytes, extra, yOffset, uOffset, vOffset,
+                                             blockTables);
+        else
+            YUV444PixelsToRGB<Writer, true>(src, dst, done, blocked, pixelBytes, extra, yOffset, uOffset, vOffset,
+                                            blockTables);
+        done = blocked;
+    }
+    if (tables.identity)
+        YUV444PixelsToRGB<Writer, false>(src, dst, done, count, pixelBytes, extra, yOffset, uOffset, vOffset, tables);
+    else
+        YUV444PixelsToRGB<Writer, true>(src, dst, done, count, pixelBytes, extra, yOffset, uOffset, vOffset, tables);
+}
+
+}  // namespace zo
+
+#endif

@@ -1,0 +1,126 @@
+// The one home of the YUV-to-RGB colour transform: ITU-R BT.601 studio range
+// (Y 16..235, U and V 16..240 centred on 128) in 8.8 fixed point.
+//
+//   C = Y - 16, D = U - 128, E = V - 128
+//   R = (298 C         + 409 E + 128) >> 8
+//   G = (298 C - 100 D - 208 E + 128) >> 8
+//   B = (298 C + 516 D         + 128) >> 8
+//
+// The shifts are arithmetic (they round toward minus infinity, so -18.1
+// becomes -19) on 32-bit signed sums; each result is then clamped to 0..255.
+// Every kernel of the family, scalar or vector, computes exactly this.
+#ifndef ZO_YUV_TRANSFORM_H
+#define ZO_YUV_TRANSFORM_H
+
+#include <cstdint>
+
+namespace zo {
+namespace bt601 {
+
+constexpr std::int32_t kLumaOffset = 16;     // black level of Y
+constexpr std::int32_t kChromaOffset = 128;  // zero of U and V
+constexpr std::int32_t kLumaScale = 298;     // 255 / 219 in 8.8
+constexpr std::int32_t kRedFromV = 409;
+constexpr std::int32_t kGreenFromU = 100;    // subtracted
+constexpr std::int32_t kGreenFromV = 208;    // subtracted
+constexpr std::int32_t kBlueFromU = 516;
+constexpr std::int32_t kRound = 128;         // half of the 8.8 unit
+constexpr int kFractionBits = 8;
+
+// Largest and smallest unclamped results for 8-bit inputs (the ranges a
+// clamping table would have to cover).
+constexpr std::int32_t kRedMin = -223, kRedMax = 481;
+constexpr std::int32_t kGreenMin = -171, kGreenMax = 432;
+constexpr std::int32_t kBlueMin = -277, kBlueMax = 534;
+
+// Arithmetic right shift of a signed value (floor division by 2^bits). The
+// compilers this library supports shift negative values by sign extension;
+// the assertion stops a build where that does not hold.
+constexpr std::int32_t FloorShift(std::int32_t v, int bits) { return v >> bits; }
+static_assert((-19 >> 1) == -10 && (-4640 >> 8) == -19, "signed >> must be arithmetic");
+
+constexpr std::int32_t RedUnclamped(std::int32_t y, std::int32_t, std::int32_t v)
+{
+    return FloorShift(kLumaScale * (y - kLumaOffset) + kRedFromV * (v - kChromaOffset) + kRound, kFractionBits);
+}
+
+constexpr std::int32_t GreenUnclamped(std::int32_t y, std::int32_t u, std::int32_t v)
+{
+    return FloorShift(kLumaScale * (y - kLumaOffset) - kGreenFromU * (u - kChromaOffset) -
+                          kGreenFromV * (v - kChromaOffset) + kRound,
+                      kFractionBits);
+}
+
+constexpr std::int32_t BlueUnclamped(std::int32_t y, std::int32_t u, std::int32_t)
+{
+    return FloorShift(kLumaScale * (y - kLumaOffset) + kBlueFromU * (u - kChromaOffset) + kRound, kFractionBits);
+}
+
+// Plain clamp to 0..255 (the same result as a clamping table over the
+// ranges above).
+constexpr std::uint8_t Clamp255(std::int32_t v)
+{
+    return static_cast<std::uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v));
+}
+
+static_assert(RedUnclamped(0, 0, 0) == kRedMin && RedUnclamped(255, 255, 255) == kRedMax, "red range");
+static_assert(GreenUnclamped(0, 255, 255) == kGreenMin && GreenUnclamped(255, 0, 0) == kGreenMax, "green range");
+static_assert(BlueUnclamped(0, 0, 0) == kBlueMin && BlueUnclamped(255, 255, 255) == kBlueMax, "blue range");
+static_assert(RedUnclamped(16, 128, 128) == 0 && GreenUnclamped(235, 128, 128) == 255, "black and white");
+static_assert(RedUnclamped(0, 128, 128) == -19, "arithmetic shift rounds toward minus infinity");
+
+// ---------------------------------------------------------------------------
+// 16-bit form for vector kernels. Splitting off multiples of 256 from each
+// coefficient (298 = 256 + 42, 409 = 256 + 153, -208 = -256 + 48,
+// 516 = 512 + 4) moves whole units out of the shifted sum, and
+// floor((a + 256 k) / 256) = k + floor(a / 256), so
+//   R = C + E      + ((42 C + 153 E + 128) >> 8)
+//   G = C - E      + ((42 C - 100 D + 48 E + 128) >> 8)
+//   B = C + 2 D    + ((42 C + 4 D + 128) >> 8)
+// gives the same integers while every sum stays within signed 16 bits.
+constexpr std::int32_t kLumaFraction = kLumaScale - 256;            // 42
+constexpr std::int32_t kRedFromVFraction = kRedFromV - 256;         // 153
+constexpr std::int32_t kGreenFromVFraction = 256 - kGreenFromV;     // 48 (added)
+constexpr std::int32_t kBlueFromUWhole = kBlueFromU >> 8;           // 2
+constexpr std::int32_t kBlueFromUFraction = kBlueFromU - 512;       // 4
+
+constexpr bool FitsInt16(std::int32_t v) { return v >= -32768 && v <= 32767; }
+static_assert(FitsInt16(kLumaFraction * 239 + kRedFromVFraction * 127 + kRound) &&
+                  FitsInt16(kLumaFraction * -16 + kRedFromVFraction * -128 + kRound),
+              "red fraction fits in 16 bits");
+static_assert(FitsInt16(kLumaFraction * 239 + kGreenFromU * 128 + kGreenFromVFraction * 127 + kRound) &&
+                  FitsInt16(kLumaFraction * -16 - kGreenFromU * 127 + kGreenFromVFraction * -128 + kRound),
+              "green fraction fits in 16 bits");
+// The split form, for checking the vector kernels' arithmetic in scalar code.
+constexpr std::int32_t RedSplit(std::int32_t y, std::int32_t, std::int32_t v)
+{
+    const std::int32_t c = y - kLumaOffset, e = v - kChromaOffset;
+    return c + e + FloorShift(kLumaFraction * c + kRedFromVFraction * e + kRound, kFractionBits);
+}
+constexpr std::int32_t GreenSplit(std::int32_t y, std::int32_t u, std::int32_t v)
+{
+    const std::int32_t c = y - kLumaOffset, d = u - kChromaOffset, e = v - kChromaOffset;
+    return c - e + FloorShift(kLumaFraction * c - kGreenFromU * d + kGreenFromVFraction * e + kRound, kFractionBits);
+}
+constexpr std::int32_t BlueSplit(std::int32_t y, std::int32_t u, std::int32_t)
+{
+    const std::int32_t c = y - kLumaOffset, d = u - kChromaOffset;
+    return c + kBlueFromUWhole * d + FloorShift(kLumaFraction * c + kBlueFromUFraction * d + kRound, kFractionBits);
+}
+
+}  // namespace bt601
+
+// One pixel through the transform and the clamp.
+struct RGB8 {
+    std::uint8_t r, g, b;
+};
+
+inline RGB8 YUVToRGB8(std::int32_t y, std::int32_t u, std::int32_t v)
+{
+    return RGB8{bt601::Clamp255(bt601::RedUnclamped(y, u, v)), bt601::Clamp255(bt601::GreenUnclamped(y, u, v)),
+                bt601::Clamp255(bt601::BlueUnclamped(y, u, v))};
+}
+
+}  // namespace zo
+
+#endif

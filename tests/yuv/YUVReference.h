@@ -1,0 +1,178 @@
+// Plain per-pixel reference of the YUV converters, written from the rules
+// (reader / formula / writer), independent of the library's kernels.
+#ifndef ZO_TESTS_YUV_REFERENCE_H
+#define ZO_TESTS_YUV_REFERENCE_H
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace yuvref {
+
+struct RGB {
+    int r, g, b;
+};
+
+// floor(a / 256) for any sign.
+inline int FloorDiv256(int a)
+{
+    int q = a / 256;
+    if (a % 256 != 0 && a < 0)
+        --q;
+    return q;
+}
+
+inline int Clamp(int v) { return v < 0 ? 0 : (v > 255 ? 255 : v); }
+
+inline RGB Unclamped(int y, int u, int v)
+{
+    const int c = y - 16, d = u - 128, e = v - 128;
+    return RGB{FloorDiv256(298 * c + 409 * e + 128), FloorDiv256(298 * c - 100 * d - 208 * e + 128),
+               FloorDiv256(298 * c + 516 * d + 128)};
+}
+
+inline RGB Convert(int y, int u, int v)
+{
+    const RGB x = Unclamped(y, u, v);
+    return RGB{Clamp(x.r), Clamp(x.g), Clamp(x.b)};
+}
+
+enum class Family { YUV8, YUV10, YUV444 };
+
+// Destination layout from the destination ID.
+inline int DestBytes(std::int64_t dest)
+{
+    switch (dest) {
+    case 0x20001: return 2;
+    case 0x20002: case 0x20006: return 3;
+    default: return 4;
+    }
+}
+
+inline void WritePixel(std::int64_t dest, unsigned char* d, int r, int g, int b)
+{
+    switch (dest) {
+    case 0x20001: {
+        const unsigned w = (unsigned(r >> 3) << 11) | (unsigned(g >> 2) << 5) | unsigned(b >> 3);
+        d[0] = static_cast<unsigned char>(w & 0xFF);
+        d[1] = static_cast<unsigned char>(w >> 8);
+        break;
+    }
+    case 0x20002: d[0] = r; d[1] = g; d[2] = b; break;
+    case 0x20006: d[0] = b; d[1] = g; d[2] = r; break;
+    case 0x20003: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
+    case 0x20007: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
+    }
+}
+
+struct Tables {
+    unsigned char r[256], g[256], b[256];
+    static Tables Identity()
+    {
+        Tables t;
+        for (int i = 0; i < 256; ++i)
+            t.r[i] = t.g[i] = t.b[i] = static_cast<unsigned char>(i);
+        return t;
+    }
+};
+
+// One registered converter as the rules describe it.
+struct Instance {
+    std::int64_t source;
+    std::int64_t dest;
+    Family family;
+    unsigned param;  // extra bytes (YUV8, YUV444) or shift (YUV10)
+    unsigned y, u, v;  // YUV444 byte offsets
+
+    unsigned SourcePixelBytes() const  // stride of one pixel in a line
+    {
+        switch (family) {
+        case Family::YUV8: return 2 * (param + 1);
+        case Family::YUV10: return 4;
+        default: return 3 * (param + 1);
+        }
+    }
+    unsigned PixelsWritten(unsigned count) const
+    {
+        return family == Family::YUV444 ? count : (count + 1) / 2 * 2;
+    }
+};
+
+// The bytes a line call writes, at their place in `dst`.
+inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count, const Tables& t)
+{
+    const int db = DestBytes(in.dest);
+    if (in.family == Family::YUV444) {
+        const unsigned blocked = count / 4 * 4;
+        for (unsigned i = 0; i < count; ++i) {
+            const unsigned char* p = src + i * 3 * (in.param + 1) + in.param;
+            const RGB c = Convert(p[in.y], p[in.u], p[in.v]);
+            int g = t.g[c.g], b = t.b[c.b];
+            if (in.dest == 0x20001 && i < blocked) {  // RGB16: tables swapped in the blocks of four
+                g = t.b[c.g];
+                b = t.g[c.b];
+            }
+            WritePixel(in.dest, dst + i * db, t.r[c.r], g, b);
+        }
+        return;
+    }
+    const unsigned pixels = in.PixelsWritten(count);
+    for (unsigned i = 0; i < pixels; ++i) {
+        const unsigned pair = i / 2;
+        int sample[4];
+        for (int k = 0; k < 4; ++k) {
+            if (in.family == Family::YUV8) {
+                sample[k] = src[(pair * 4 + k) * (in.param + 1) + in.param];
+            } else {
+                const unsigned char* w = src + (pair * 4 + k) * 2;
+                sample[k] = ((w[0] | (w[1] << 8)) >> in.param) & 0xFF;
+            }
+        }
+        const RGB c = Convert(sample[i % 2 == 0 ? 0 : 2], sample[1], sample[3]);
+        WritePixel(in.dest, dst + i * db, t.r[c.r], t.g[c.g], t.b[c.b]);
+    }
+}
+
+// The 50 registered instances, in registration order.
+inline std::vector<Instance> RegisteredInstances()
+{
+    const std::int64_t dests[5] = {0x20001, 0x20002, 0x20006, 0x20003, 0x20007};
+    struct Row {
+        std::int64_t source;
+        Family family;
+        unsigned param;
+    };
+    const Row rows[] = {
+        {0x40001, Family::YUV8, 0},  {0x240001, Family::YUV8, 0}, {0x140002, Family::YUV8, 1},
+        {0x340002, Family::YUV8, 1}, {0x40002, Family::YUV10, 2}, {0x240002, Family::YUV10, 2},
+        {0x40003, Family::YUV444, 0}, {0x240003, Family::YUV444, 0}, {0x40005, Family::YUV444, 0},
+        {0x240005, Family::YUV444, 0},
+    };
+    std::vector<Instance> out;
+    for (const Row& r : rows)
+        for (std::int64_t d : dests) {
+            Instance in{r.source, d, r.family, r.param, 0, 1, 2};
+            if ((r.source & 0xFFFF) == 5) {  // YCrCb
+                if (d == 0x20001) {
+                    in.y = 2; in.u = 1; in.v = 2;
+                } else {
+                    in.y = 0; in.u = 2; in.v = 1;
+                }
+            }
+            out.push_back(in);
+        }
+    return out;
+}
+
+inline std::vector<unsigned char> RandomBytes(std::size_t n, std::mt19937& rng)
+{
+    std::vector<unsigned char> v(n);
+    for (auto& b : v)
+        b = static_cast<unsigned char>(rng());
+    return v;
+}
+
+}  // namespace yuvref
+
+#endif
