@@ -1,0 +1,350 @@
+// RGB repacking converters: each form reads the filter from the thread's
+// context once and hands the line to a kernel of RGBKernels.h.
+#include "ZoRGBConverters.h"
+
+#include "rgb/RGBKernels.h"
+#include "rgb/RGBSimd.h"
+
+using zo::ChannelTables16;
+using zo::ChannelTables8;
+
+namespace {
+
+ChannelTables8 Tables8(const ZoRGBFilter& f)
+{
+    return {f.RedTable8(), f.GreenTable8(), f.BlueTable8()};
+}
+
+ChannelTables16 Tables16(const ZoRGBFilter& f)
+{
+    return {f.RedTable16(), f.GreenTable16(), f.BlueTable16()};
+}
+
+// Calls f with the red-first or the blue-first writer of a layout.
+template <template <unsigned> class Layout, class F>
+void WithOrder(bool blueFirst, F&& f)
+{
+    if (blueFirst)
+        f(Layout<2>{});
+    else
+        f(Layout<0>{});
+}
+
+// An 8-bit-channel line: the kernel specialised for the common channel steps
+// and for the identity filter.
+template <class Writer, unsigned Group>
+void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f)
+{
+    const ChannelTables8 t = Tables8(f);
+    if (f.IsIdentity8()) {
+        if (k == 1) {
+            const std::uint32_t done = zo::simd::RepackBytesIdentity<Writer, Group>(s, d, n);
+            zo::RepackBytesLine<Writer, Group, 1, true>(s + done * Group, d + done * Writer::kBytes, n - done, 1, t);
+        } else if (k == 2) {
+            zo::RepackBytesLine<Writer, Group, 2, true>(s, d, n, 2, t);
+        } else {
+            zo::RepackBytesLine<Writer, Group, 0, true>(s, d, n, k, t);
+        }
+    } else {
+        if (k == 1)
+            zo::RepackBytesLine<Writer, Group, 1, false>(s, d, n, 1, t);
+        else if (k == 2)
+            zo::RepackBytesLine<Writer, Group, 2, false>(s, d, n, 2, t);
+        else
+            zo::RepackBytesLine<Writer, Group, 0, false>(s, d, n, k, t);
+    }
+}
+
+template <unsigned RedIndex>
+void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k,
+                         const ZoRGBFilter& f)
+{
+    const ChannelTables8 t = Tables8(f);
+    if (f.IsIdentity8()) {
+        if (k == 1) {
+            const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
+            zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
+        } else if (k == 2) {
+            zo::RepackBytesKeepFourthLine<RedIndex, 2, true>(s, d, n, 2, t);
+        } else {
+            zo::RepackBytesKeepFourthLine<RedIndex, 0, true>(s, d, n, k, t);
+        }
+    } else {
+        if (k == 1)
+            zo::RepackBytesKeepFourthLine<RedIndex, 1, false>(s, d, n, 1, t);
+        else if (k == 2)
+            zo::RepackBytesKeepFourthLine<RedIndex, 2, false>(s, d, n, 2, t);
+        else
+            zo::RepackBytesKeepFourthLine<RedIndex, 0, false>(s, d, n, k, t);
+    }
+}
+
+template <class Writer, unsigned Words>
+void WordsLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift, const ZoRGBFilter& f)
+{
+    if (f.IsIdentity16()) {
+        const std::uint32_t done = zo::simd::RepackWordsIdentity<Writer, Words>(s, d, n, shift);
+        zo::RepackWordsLine<Writer, Words, true>(s + done * 2 * Words, d + done * Writer::kBytes, n - done, shift,
+                                                 Tables16(f));
+    } else {
+        zo::RepackWordsLine<Writer, Words, false>(s, d, n, shift, Tables16(f));
+    }
+}
+
+// Single pixel of an 8-bit-channel source: unlike the line form it reads
+// the FIRST byte of each k-byte channel (bytes 0, k, 2k). The two forms agree
+// for k = 1 only; the difference is deliberate and kept.
+template <class Writer>
+void BytesPixel(const unsigned char* s, unsigned char* d, std::uint32_t k, const ZoRGBFilter& f)
+{
+    Writer::Put(d, f.RedTable8()[s[0]], f.GreenTable8()[s[k]], f.BlueTable8()[s[2 * k]]);
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+
+ZoRGBtoRGB::ZoRGBtoRGB(const std::int64_t& sourceType, const std::int64_t& destinationType,
+                       std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize,
+                       std::uint32_t pipeliningSize, bool blueFirst, std::uint32_t skip, std::uint32_t shift,
+                       std::uint32_t linesPerConvert)
+    : ZoPixelConverter(sourceType, destinationType, (skip + 1) * sourcePixelSize, destinationPixelSize,
+                       pipeliningSize, linesPerConvert),
+      mBlueFirst(blueFirst),
+      mChannelStep(skip + 1),
+      mShift(shift),
+      mRedIndex(blueFirst ? 2 : 0),
+      mGreenIndex(1),
+      mBlueIndex(blueFirst ? 0 : 2)
+{
+}
+
+ZoRGBtoRGB::~ZoRGBtoRGB() = default;
+
+namespace {
+const std::int64_t kRGB16 = ZO_PT_RGB16;
+const std::int64_t kRGB24 = ZO_PT_RGB24;
+const std::int64_t kBGR24 = ZO_PT_BGR24;
+const std::int64_t kRGB32 = ZO_PT_RGB32;
+const std::int64_t kBGR32 = ZO_PT_BGR32;
+const std::int64_t kRGB24Planar = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
+}  // namespace
+
+// Arguments to the base: (source type, destination type, channel group or
+// pixel size, destination pixel size, pipelining 4, blue first, skip, shift,
+// lines per convert 1).
+ZoRGB24ToRGB16::ZoRGB24ToRGB16(const std::int64_t& s, std::uint32_t skip)
+    : ZoRGBtoRGB(s, kRGB16, 3, 2, 4, false, skip, 0, 1) {}
+ZoRGB32ToRGB16::ZoRGB32ToRGB16(const std::int64_t& s, std::uint32_t skip)
+    : ZoRGBtoRGB(s, kRGB16, 4, 2, 4, false, skip, 0, 1) {}
+ZoRGB48ToRGB16::ZoRGB48ToRGB16(const std::int64_t& s, unsigned int shift)
+    : ZoRGBtoRGB(s, kRGB16, 6, 2, 4, false, 0, shift, 1) {}
+ZoRGB64ToRGB16::ZoRGB64ToRGB16(const std::int64_t& s, unsigned int shift)
+    : ZoRGBtoRGB(s, kRGB16, 8, 2, 4, false, 0, shift, 1) {}
+ZoRGB16ToRGB24::ZoRGB16ToRGB24(const std::int64_t& s, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR24 : kRGB24, 2, 3, 4, blueFirst, 0, 0, 1) {}
+ZoRGB24ToRGB24::ZoRGB24ToRGB24(const std::int64_t& s, bool blueFirst, std::uint32_t skip)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR24 : kRGB24, 3, 3, 4, blueFirst, skip, 0, 1) {}
+ZoRGB32ToRGB24::ZoRGB32ToRGB24(const std::int64_t& s, bool blueFirst, std::uint32_t skip)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR24 : kRGB24, 4, 3, 4, blueFirst, skip, 0, 1) {}
+ZoRGB48ToRGB24::ZoRGB48ToRGB24(const std::int64_t& s, unsigned int shift, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR24 : kRGB24, 6, 3, 4, blueFirst, 0, shift, 1) {}
+ZoRGB64ToRGB24::ZoRGB64ToRGB24(const std::int64_t& s, unsigned int shift, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR24 : kRGB24, 8, 3, 4, blueFirst, 0, shift, 1) {}
+ZoRGB24ToRGB24Planar::ZoRGB24ToRGB24Planar(const std::int64_t& s, std::uint32_t skip)
+    : ZoRGBtoRGB(s, kRGB24Planar, 3, 3, 4, false, skip, 0, 1) {}
+ZoRGB16ToRGB32::ZoRGB16ToRGB32(const std::int64_t& s, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR32 : kRGB32, 2, 4, 4, blueFirst, 0, 0, 1) {}
+ZoRGB24ToRGB32::ZoRGB24ToRGB32(const std::int64_t& s, bool blueFirst, std::uint32_t skip)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR32 : kRGB32, 3, 4, 4, blueFirst, skip, 0, 1) {}
+ZoRGB32ToRGB32::ZoRGB32ToRGB32(const std::int64_t& s, bool blueFirst, std::uint32_t skip)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR32 : kRGB32, 4, 4, 4, blueFirst, skip, 0, 1) {}
+ZoRGB48ToRGB32::ZoRGB48ToRGB32(const std::int64_t& s, unsigned int shift, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR32 : kRGB32, 6, 4, 4, blueFirst, 0, shift, 1) {}
+ZoRGB64ToRGB32::ZoRGB64ToRGB32(const std::int64_t& s, unsigned int shift, bool blueFirst)
+    : ZoRGBtoRGB(s, blueFirst ? kBGR32 : kRGB32, 8, 4, 4, blueFirst, 0, shift, 1) {}
+
+ZoRGB24ToRGB16::~ZoRGB24ToRGB16() = default;
+ZoRGB32ToRGB16::~ZoRGB32ToRGB16() = default;
+ZoRGB48ToRGB16::~ZoRGB48ToRGB16() = default;
+ZoRGB64ToRGB16::~ZoRGB64ToRGB16() = default;
+ZoRGB16ToRGB24::~ZoRGB16ToRGB24() = default;
+ZoRGB24ToRGB24::~ZoRGB24ToRGB24() = default;
+ZoRGB32ToRGB24::~ZoRGB32ToRGB24() = default;
+ZoRGB48ToRGB24::~ZoRGB48ToRGB24() = default;
+ZoRGB64ToRGB24::~ZoRGB64ToRGB24() = default;
+ZoRGB24ToRGB24Planar::~ZoRGB24ToRGB24Planar() = default;
+ZoRGB16ToRGB32::~ZoRGB16ToRGB32() = default;
+ZoRGB24ToRGB32::~ZoRGB24ToRGB32() = default;
+ZoRGB32ToRGB32::~ZoRGB32ToRGB32() = default;
+ZoRGB48ToRGB32::~ZoRGB48ToRGB32() = default;
+ZoRGB64ToRGB32::~ZoRGB64ToRGB32() = default;
+
+// ---------------------------------------------------------------------------
+// Line forms. Those marked "groups of four" convert `count` rounded up to a
+// multiple of four pixels, reading and writing up to three pixels past the
+// line; the others exactly `count`. The split is deliberate and part of each
+// class's contract (see the header).
+
+#define ZO_RGB_LINE(Name)                                                                          \
+    std::uint32_t Name::Convert(const unsigned char* s, unsigned char* d, std::uint32_t count) const \
+    {                                                                                              \
+        ContextHold hold(*this);                                                                   \
+        const ZoRGBFilter& filter = ActiveFilter(hold.Context());
+#define ZO_RGB_PIXEL(Name)                                                                         \
+    std::uint32_t Name::Convert(const unsigned char* s, unsigned char* d) const                    \
+    {                                                                                              \
+        ContextHold hold(*this);                                                                   \
+        const ZoRGBFilter& filter = ActiveFilter(hold.Context());
+#define ZO_RGB_END \
+    return ZO_OK;  \
+    }
+
+ZO_RGB_LINE(ZoRGB24ToRGB16)
+    BytesLine<zo::WriteRGB16, 3>(s, d, count, mChannelStep, filter);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB24ToRGB16)
+    BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB32ToRGB16)
+    BytesLine<zo::WriteRGB16, 4>(s, d, count, mChannelStep, filter);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB32ToRGB16)
+    BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB48ToRGB16)
+    WordsLine<zo::WriteRGB16, 3>(s, d, count, mShift, filter);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB48ToRGB16)
+    zo::RepackWordsLine<zo::WriteRGB16, 3, false>(s, d, 1, mShift, Tables16(filter));
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB64ToRGB16)
+    WordsLine<zo::WriteRGB16, 4>(s, d, count, mShift, filter);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB64ToRGB16)
+    zo::RepackWordsLine<zo::WriteRGB16, 4, false>(s, d, 1, mShift, Tables16(filter));
+ZO_RGB_END
+
+// The 24-bit line form expands before filtering and takes blue from the
+// word; the single-pixel form filters before expanding and, like the 32-bit
+// forms, gives red and blue from the filter's entry 0. Kept as they are.
+ZO_RGB_LINE(ZoRGB16ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        zo::ExpandThenFilterRGB16Line<decltype(w)>(s, d, count, Tables8(filter));
+    });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB16ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, 1, Tables8(filter)); });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB24ToRGB24)  // groups of four
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        BytesLine<decltype(w), 3>(s, d, WholeGroupsOfFour(count), mChannelStep, filter);
+    });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB24ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB32ToRGB24)  // groups of four
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        BytesLine<decltype(w), 4>(s, d, WholeGroupsOfFour(count), mChannelStep, filter);
+    });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB32ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB48ToRGB24)  // groups of four
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        WordsLine<decltype(w), 3>(s, d, WholeGroupsOfFour(count), mShift, filter);
+    });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB48ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        zo::RepackWordsLine<decltype(w), 3, false>(s, d, 1, mShift, Tables16(filter));
+    });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB64ToRGB24)  // groups of four
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        WordsLine<decltype(w), 4>(s, d, WholeGroupsOfFour(count), mShift, filter);
+    });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB64ToRGB24)
+    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
+        zo::RepackWordsLine<decltype(w), 4, false>(s, d, 1, mShift, Tables16(filter));
+    });
+ZO_RGB_END
+
+// Planes at the offsets the area conversion put in the context (all zero for
+// a direct call, when the three channels land on the same bytes).
+ZO_RGB_LINE(ZoRGB24ToRGB24Planar)
+    const ZoPixelConverterContext& context = hold.Context();
+    const ChannelTables8 t = Tables8(filter);
+    unsigned char* red = d + context.planeOffsets[0];
+    unsigned char* green = d + context.planeOffsets[1];
+    unsigned char* blue = d + context.planeOffsets[2];
+    if (mChannelStep == 1 && filter.IsIdentity8())
+        zo::RepackBytesPlanarLine<1, true>(s, red, green, blue, count, 1, t);
+    else if (mChannelStep == 1)
+        zo::RepackBytesPlanarLine<1, false>(s, red, green, blue, count, 1, t);
+    else
+        zo::RepackBytesPlanarLine<0, false>(s, red, green, blue, count, mChannelStep, t);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB24ToRGB24Planar)
+    const ZoPixelConverterContext& context = hold.Context();
+    d[context.planeOffsets[0]] = filter.RedTable8()[s[0]];
+    d[context.planeOffsets[1]] = filter.GreenTable8()[s[mChannelStep]];
+    d[context.planeOffsets[2]] = filter.BlueTable8()[s[2 * mChannelStep]];
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB16ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, count, Tables8(filter)); });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB16ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, 1, Tables8(filter)); });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB24ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter); });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB24ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
+ZO_RGB_END
+
+// The fourth byte is the source's, unfiltered: the only 32-bit output of this
+// family that does not write 0 there (the line form from the last byte of the
+// fourth channel, the single-pixel form from byte 3).
+ZO_RGB_LINE(ZoRGB32ToRGB32)  // groups of four
+    const std::uint32_t n = WholeGroupsOfFour(count);
+    if (mBlueFirst)
+        BytesKeepFourthLine<2>(s, d, n, mChannelStep, filter);
+    else
+        BytesKeepFourthLine<0>(s, d, n, mChannelStep, filter);
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB32ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
+    d[3] = s[3];
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB48ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { WordsLine<decltype(w), 3>(s, d, count, mShift, filter); });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB48ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) {
+        zo::RepackWordsLine<decltype(w), 3, false>(s, d, 1, mShift, Tables16(filter));
+    });
+ZO_RGB_END
+
+ZO_RGB_LINE(ZoRGB64ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { WordsLine<decltype(w), 4>(s, d, count, mShift, filter); });
+ZO_RGB_END
+ZO_RGB_PIXEL(ZoRGB64ToRGB32)
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) {
+        zo::RepackWordsLine<decltype(w), 4, false>(s, d, 1, mShift, Tables16(filter));
+    });
+ZO_RGB_END
