@@ -11,7 +11,6 @@
 #include "ZoRGBFilter.h"
 #include "ZoPixelConverter.h"
 #include "ZoGenericConverters.h"
-#include "ZoBayerConverters.h"
 #include "ZoRGBConverters.h"
 #include "ZoYUVConverters.h"
 #include "ZoPackedConverters.h"
