@@ -1,4 +1,5 @@
-// RGB repacking benchmarks, and the memcpy baseline every family compares to.
+// RGB repacking benchmarks, and the memcpy baseline every family compares to
+// (destination bytes per second).
 #include "BenchCommon.h"
 
 #include "ZoPixelTypeIDs.h"
@@ -11,10 +12,48 @@ void BM_MemcpyDestination(benchmark::State& state)
 }
 BENCHMARK(BM_MemcpyDestination)->Apply(zobench::MemcpySizes);
 
-void BM_RGB24ToBGR32(benchmark::State& state)
+constexpr std::int64_t kPacked = ZO_PIXEL_PACKED, kNormalized = ZO_PIXEL_NORMALIZED;
+
+template <std::int64_t Source, std::int64_t Destination, unsigned Bits>
+void BM_RGB(benchmark::State& state)
 {
-    zobench::ConvertFrames(state, ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32);
+    zobench::ConvertFrames(state, Source, Destination, Bits);
 }
-BENCHMARK(BM_RGB24ToBGR32)->Apply(zobench::FrameSizes);
+
+// A white-balance filter: the table path instead of the identity fast path.
+template <std::int64_t Source, std::int64_t Destination, unsigned Bits>
+void BM_RGBFiltered(benchmark::State& state)
+{
+    ZoRGBFilter filter(Bits > 8 ? 16 : 8);
+    filter.SetMultipliers(1.2, 1.0, 0.8);
+    zobench::ConvertFrames(state, Source, Destination, Bits, &filter);
+}
+
+#define ZO_RGB_BENCH(Source, Destination, Bits)                                   \
+    BENCHMARK_TEMPLATE(BM_RGB, Source, Destination, Bits)                         \
+        ->Name("BM_" #Source "_To_" #Destination)                                 \
+        ->Apply(zobench::FrameSizes)
+#define ZO_RGB_FILTERED_BENCH(Source, Destination, Bits)                          \
+    BENCHMARK_TEMPLATE(BM_RGBFiltered, Source, Destination, Bits)                 \
+        ->Name("BM_" #Source "_To_" #Destination "_Filtered")                     \
+        ->Apply(zobench::FrameSizes)
+
+ZO_RGB_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_BGR32, 8);
+ZO_RGB_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_RGB32, 8);
+ZO_RGB_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_BGR24, 8);
+ZO_RGB_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_RGB16, 8);
+ZO_RGB_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_RGB24 | ZO_PIXEL_PLANAR, 8);
+ZO_RGB_BENCH(ZO_PT_RGB32, ZO_PT_BGR32, 8);
+ZO_RGB_BENCH(ZO_PT_RGB32, ZO_PT_RGB32, 8);
+ZO_RGB_BENCH(ZO_PT_RGB32, ZO_PT_BGR24, 8);
+ZO_RGB_BENCH(ZO_PT_RGB16, ZO_PT_BGR32, 8);
+ZO_RGB_BENCH(ZO_PT_RGB16, ZO_PT_RGB24, 8);
+ZO_RGB_BENCH(ZO_PT_RGB48_12BITS, ZO_PT_RGB24, 12);
+ZO_RGB_BENCH(ZO_PT_RGB48_12BITS, ZO_PT_BGR24, 12);
+ZO_RGB_BENCH(ZO_PT_RGB48_10BITS, ZO_PT_BGR32, 10);
+ZO_RGB_BENCH(ZO_PT_RGB64_12BITS, ZO_PT_RGB16, 12);
+ZO_RGB_BENCH(ZO_PT_RGB48_12BITS | kNormalized, ZO_PT_BGR32, 16);
+ZO_RGB_FILTERED_BENCH(ZO_PT_RGB24 | kPacked, ZO_PT_BGR32, 8);
+ZO_RGB_FILTERED_BENCH(ZO_PT_RGB48_12BITS, ZO_PT_RGB24, 12);
 
 }  // namespace

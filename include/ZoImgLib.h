@@ -12,6 +12,7 @@
 #include "ZoPixelConverter.h"
 #include "ZoGenericConverters.h"
 #include "ZoRGBConverters.h"
+#include "ZoGrayscaleConverters.h"
 #include "ZoYUVConverters.h"
 #include "ZoPackedConverters.h"
 #include "ZoDualTapConverters.h"
