@@ -3,6 +3,23 @@
 #include "ZoPixelConverter.h"
 #include "ZoRGBFilter.h"
 
+namespace {
+
+// Runs a conversion for a flat caller: no exception crosses into C. The only
+// one a conversion raises is a failed allocation of a chain's intermediate
+// buffer (a frame too large for memory), reported as a bad argument.
+template <class F>
+std::uint32_t Guarded(F&& convert)
+{
+    try {
+        return convert();
+    } catch (...) {
+        return ZO_ERR_BAD_ARGUMENT;
+    }
+}
+
+}  // namespace
+
 extern "C" {
 
 int64_t ZoPixelConverter_GetSourceType(const ZoPixelConverter* converter)
@@ -28,13 +45,17 @@ uint32_t ZoPixelConverter_GetDestinationByteSize(const ZoPixelConverter* convert
 uint32_t ZoPixelConverter_ConvertPixel(const ZoPixelConverter* converter, const unsigned char* source,
                                        unsigned char* destination)
 {
-    return converter ? converter->Convert(source, destination) : ZO_ERR_BAD_ARGUMENT;
+    if (!converter)
+        return ZO_ERR_BAD_ARGUMENT;
+    return Guarded([&] { return converter->Convert(source, destination); });
 }
 
 uint32_t ZoPixelConverter_ConvertLine(const ZoPixelConverter* converter, const unsigned char* source,
                                       unsigned char* destination, uint32_t count)
 {
-    return converter ? converter->Convert(source, destination, count) : ZO_ERR_BAD_ARGUMENT;
+    if (!converter)
+        return ZO_ERR_BAD_ARGUMENT;
+    return Guarded([&] { return converter->Convert(source, destination, count); });
 }
 
 uint32_t ZoPixelConverter_ConvertArea(const ZoPixelConverter* converter, const unsigned char* source,
@@ -44,8 +65,10 @@ uint32_t ZoPixelConverter_ConvertArea(const ZoPixelConverter* converter, const u
 {
     if (!converter)
         return ZO_ERR_BAD_ARGUMENT;
-    return converter->Convert(source, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
-                              width, height, flags, destinationPadding);
+    return Guarded([&] {
+        return converter->Convert(source, sourceWidth, sourceHeight, destination, destinationWidth,
+                                  destinationHeight, width, height, flags, destinationPadding);
+    });
 }
 
 uint32_t ZoPixelConverter_ConvertAreaFilter(const ZoPixelConverter* converter, const ZoRGBFilter* filter,
@@ -56,8 +79,10 @@ uint32_t ZoPixelConverter_ConvertAreaFilter(const ZoPixelConverter* converter, c
 {
     if (!converter)
         return ZO_ERR_BAD_ARGUMENT;
-    return converter->Convert(*filter, source, sourceWidth, sourceHeight, destination, destinationWidth,
-                              destinationHeight, width, height, flags, destinationPadding);
+    return Guarded([&] {
+        return converter->Convert(*filter, source, sourceWidth, sourceHeight, destination, destinationWidth,
+                                  destinationHeight, width, height, flags, destinationPadding);
+    });
 }
 
 ZoRGBFilter* ZoRGBFilter_Init(uint32_t bitSize)

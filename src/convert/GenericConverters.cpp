@@ -37,8 +37,13 @@ public:
     std::vector<unsigned char> mOwn;
 };
 
+// Deliberately not the least common multiple: combine(4, 6) is 24, as the
+// line and pipelining sizes of chains have always been reckoned. A zero size
+// (which would divide by zero) gives 0.
 std::uint32_t ZoComplexConverter::Combine(std::uint32_t a, std::uint32_t b)
 {
+    if (a == 0 || b == 0)
+        return 0;
     const std::uint32_t m = a > b ? a : b;
     return (m % a == 0 && m % b == 0) ? m : a * b;
 }
@@ -80,9 +85,11 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, Scratch& 
     }
     // The shared buffer grows (contents not kept) and never shrinks.
     if (mBufferSize < needed) {
-        mBufferSize = needed;
         delete[] mBuffer;
+        mBuffer = nullptr;
+        mBufferSize = 0;
         mBuffer = new unsigned char[needed];
+        mBufferSize = needed;
     }
     if (!mBuffer)
         mBuffer = new unsigned char[1];

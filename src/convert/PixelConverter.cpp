@@ -29,6 +29,15 @@ thread_local ZoPixelConverterContext* tContext = nullptr;
 
 }  // namespace
 
+// Out-of-class definitions, so that the flags may be bound to references
+// (and are exported with the class).
+const std::uint32_t ZoPixelConverter::FLAG_INVERT_DEINTERLACER;
+const std::uint32_t ZoPixelConverter::FLAG_BAYER_GRBG;
+const std::uint32_t ZoPixelConverter::FLAG_BAYER_GBRG;
+const std::uint32_t ZoPixelConverter::FLAG_BAYER_RGGB;
+const std::uint32_t ZoPixelConverter::FLAG_BAYER_BGGR;
+const std::uint32_t ZoPixelConverter::FLAG_BAYER_INTERPOLATE;
+
 ZoPixelConverter::ZoPixelConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
                                    std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize,
                                    std::uint32_t pipeliningSize, std::uint32_t linesPerConvert)
@@ -144,6 +153,8 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
         context.planeOffsets[1] = plane;
         context.planeOffsets[2] = 2 * plane;
         context.destinationLineBytes = sourceWidth;
+    } else {
+        context.planeOffsets[0] = context.planeOffsets[1] = context.planeOffsets[2] = 0;
     }
     const std::uint32_t destinationLineBytes = context.destinationLineBytes;
 
@@ -169,7 +180,7 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
     } else {
         std::uint32_t step = GetLinesPerConvert();
         if (step == 0)
-            step = 1;
+            step = 1;  // a converter reporting 0 lines would never advance
         pass(source, destination, step, step * sourceLineBytes, step * destinationLineBytes);
     }
     context.filter = nullptr;

@@ -20,18 +20,25 @@ Data* NewData(std::uint32_t bitSize)
         return nullptr;
     d->refs = 1;
     d->bitSize = bitSize;
+    // 2^bitSize, computed in floating point and truncated. A count that does
+    // not fit in 32 bits cannot be indexed: such a filter gets no tables, as
+    // if they could not be allocated.
     const double entries = std::pow(2.0, static_cast<double>(bitSize));
-    d->entryCount = entries >= 4294967295.0 ? 0xFFFFFFFFu : static_cast<std::uint32_t>(entries);
-    d->tableSize = std::max(d->entryCount, kFullRange16);
-    d->red16 = new (std::nothrow) std::uint16_t[d->tableSize];
-    d->green16 = new (std::nothrow) std::uint16_t[d->tableSize];
-    d->blue16 = new (std::nothrow) std::uint16_t[d->tableSize];
+    if (entries <= 4294967295.0) {
+        d->entryCount = static_cast<std::uint32_t>(entries);
+        d->tableSize = std::max(d->entryCount, kFullRange16);
+        d->red16 = new (std::nothrow) std::uint16_t[d->tableSize];
+        d->green16 = new (std::nothrow) std::uint16_t[d->tableSize];
+        d->blue16 = new (std::nothrow) std::uint16_t[d->tableSize];
+    }
     if (!d->red16 || !d->green16 || !d->blue16) {
         delete[] d->red16;
         delete[] d->green16;
         delete[] d->blue16;
         d->red16 = d->green16 = d->blue16 = nullptr;
         d->entryCount = d->tableSize = 0;
+        // The zeroed 8-bit tables are not the identity.
+        d->nonIdentity8 = d->nonIdentity16 = 1;
         return d;
     }
     // Every entry starts at min(i, entryCount - 1): the identity within the
@@ -114,23 +121,26 @@ std::uint32_t ZoRGBFilter::GetEntryCount() const { return mData->entryCount; }
 std::uint32_t ZoRGBFilter::SetMultipliers(double red, double green, double blue, std::uint16_t redOffset,
                                           std::uint16_t greenOffset, std::uint16_t blueOffset)
 {
-    if (red < 0.0 || green < 0.0 || blue < 0.0)
+    // Written so that a NaN multiplier is refused as well.
+    if (!(red >= 0.0) || !(green >= 0.0) || !(blue >= 0.0))
         return ZO_ERR_BAD_ARGUMENT;
     const std::uint32_t count = GetEntryCount();
     const double limit = static_cast<double>(count);
-    // No rounding: the product is truncated toward zero.
-    auto entry = [&](std::uint32_t i, double multiplier, std::uint16_t offset) {
-        double v = static_cast<double>(i) * multiplier + offset;
+    // No rounding: the value is clamped to the last entry, then truncated
+    // toward zero and its low 16 bits kept. Entry 0 is the offset even for an
+    // infinite multiplier.
+    auto entry = [limit](std::uint32_t i, double multiplier, std::uint16_t offset) {
+        double v = (i == 0 ? 0.0 : static_cast<double>(i) * multiplier) + offset;
         if (v >= limit)
             v = limit - 1.0;
         return static_cast<std::uint16_t>(static_cast<std::int64_t>(v));
     };
-    for (std::uint32_t i = 0; i < count; ++i)
+    // Entry by entry, red then green then blue, through the virtual setters.
+    for (std::uint32_t i = 0; i < count; ++i) {
         SetRedValue(i, entry(i, red, redOffset));
-    for (std::uint32_t i = 0; i < count; ++i)
         SetGreenValue(i, entry(i, green, greenOffset));
-    for (std::uint32_t i = 0; i < count; ++i)
         SetBlueValue(i, entry(i, blue, blueOffset));
+    }
     return ZO_OK;
 }
 
