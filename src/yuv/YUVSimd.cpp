@@ -8,7 +8,7 @@
 // the clamp to 0..255.
 #include "yuv/YUVSimd.h"
 
-#include "yuv/YUVTransform.h"
+#include "yuv/YUVSimdTransform.h"
 
 #if defined(ZO_YUV_HAVE_X86)
 #include <emmintrin.h>
@@ -18,25 +18,23 @@
 namespace zo {
 namespace {
 
-using namespace bt601;
-static_assert(kBlueFromUWhole == 2 && kBlueFromUFraction == 4, "blue terms are shifts below");
-
-inline __m128i Set16(std::int32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
+// 16-bit lane operations for TransformLanes.
+struct V128 {
+    using Reg = __m128i;
+    static Reg Set(std::int32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
+    static Reg Add(Reg a, Reg b) { return _mm_add_epi16(a, b); }
+    static Reg Sub(Reg a, Reg b) { return _mm_sub_epi16(a, b); }
+    static Reg MulLo(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
+    template <int N>
+    static Reg Slli(Reg a) { return _mm_slli_epi16(a, N); }
+    template <int N>
+    static Reg Srai(Reg a) { return _mm_srai_epi16(a, N); }
+};
 
 // Eight pixels: Y, U, V as 16-bit lanes -> unclamped R, G, B as 16-bit lanes.
 inline void Transform8(__m128i y, __m128i u, __m128i v, __m128i& r, __m128i& g, __m128i& b)
 {
-    const __m128i c = _mm_sub_epi16(y, Set16(kLumaOffset));
-    const __m128i d = _mm_sub_epi16(u, Set16(kChromaOffset));
-    const __m128i e = _mm_sub_epi16(v, Set16(kChromaOffset));
-    const __m128i base = _mm_add_epi16(_mm_mullo_epi16(c, Set16(kLumaFraction)), Set16(kRound));
-    const __m128i rf = _mm_add_epi16(base, _mm_mullo_epi16(e, Set16(kRedFromVFraction)));
-    const __m128i gf = _mm_add_epi16(
-        base, _mm_sub_epi16(_mm_mullo_epi16(e, Set16(kGreenFromVFraction)), _mm_mullo_epi16(d, Set16(kGreenFromU))));
-    const __m128i bf = _mm_add_epi16(base, _mm_slli_epi16(d, 2));
-    r = _mm_add_epi16(_mm_add_epi16(c, e), _mm_srai_epi16(rf, kFractionBits));
-    g = _mm_add_epi16(_mm_sub_epi16(c, e), _mm_srai_epi16(gf, kFractionBits));
-    b = _mm_add_epi16(_mm_add_epi16(c, _mm_slli_epi16(d, 1)), _mm_srai_epi16(bf, kFractionBits));
+    TransformLanes<V128>(y, u, v, r, g, b);
 }
 
 // Eight 4:2:2 pixels (bytes Y0 U Y1 V ...) -> unclamped R, G, B.

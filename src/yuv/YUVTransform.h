@@ -91,6 +91,28 @@ static_assert(FitsInt16(kLumaFraction * 239 + kRedFromVFraction * 127 + kRound) 
 static_assert(FitsInt16(kLumaFraction * 239 + kGreenFromU * 128 + kGreenFromVFraction * 127 + kRound) &&
                   FitsInt16(kLumaFraction * -16 - kGreenFromU * 127 + kGreenFromVFraction * -128 + kRound),
               "green fraction fits in 16 bits");
+// Folded for vector code: with y the raw luma, the offsets move into the
+// chroma terms (exact, the same integers):
+//   R = (y + v - 144)       + ((42 y + 153 E - 544) >> 8)
+//   G = (y - v + 112)       + ((42 y - 100 D + 48 E - 544) >> 8)
+//   B = (y + 2 u - 272)     + ((42 y + 4 D - 544) >> 8)
+constexpr std::int32_t kFoldedRound = kRound - kLumaFraction * kLumaOffset;                  // -544
+constexpr std::int32_t kRedWholeOffset = -(kLumaOffset + kChromaOffset);                     // v - 144
+constexpr std::int32_t kGreenWholeOffset = kChromaOffset - kLumaOffset;                      // 112 - v
+constexpr std::int32_t kBlueWholeOffset = -(kLumaOffset + kBlueFromUWhole * kChromaOffset);  // 2 u - 272
+
+// The same sums with the raw samples y, u, v (AVX2 4:2:2 path): the
+// constants absorb every offset. Intermediate products may wrap in 16-bit
+// lanes; the sums themselves lie in signed 16-bit range, so wrapping
+// arithmetic gives them exactly.
+//   R sum = 42 y + 153 v + kRedSumOffset
+//   G sum = 42 y - 100 u + 48 v + kGreenSumOffset
+//   B sum = 42 y + 4 u + kBlueSumOffset
+constexpr std::int32_t kRedSumOffset = kFoldedRound - kRedFromVFraction * kChromaOffset;  // -20128
+constexpr std::int32_t kGreenSumOffset =
+    kFoldedRound + kGreenFromU * kChromaOffset - kGreenFromVFraction * kChromaOffset;      // 6112
+constexpr std::int32_t kBlueSumOffset = kFoldedRound - kBlueFromUFraction * kChromaOffset; // -1056
+
 // The split form, for checking the vector kernels' arithmetic in scalar code.
 constexpr std::int32_t RedSplit(std::int32_t y, std::int32_t, std::int32_t v)
 {

@@ -2,6 +2,7 @@
 // and every vector path of the YUV kernels against the scalar kernels.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -52,6 +53,35 @@ TEST(YUVTransform, EveryTripleThroughRGB32Converter)
         }
     }
     EXPECT_EQ(mismatches, 0);
+}
+
+// Every triple through the 4:2:2 converters (two pixels a pair: Y and
+// Y + 128 share each (U, V)), to a 32-bit and a 24-bit layout.
+TEST(YUVTransform, EveryTripleThroughYUV422Converters)
+{
+    for (std::int64_t dest : {ZO_PT_BGR32, ZO_PT_RGB24}) {
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(ZO_PT_YUV8, dest);
+        const int db = yuvref::DestBytes(dest);
+        std::vector<unsigned char> src(65536 * 4), dst(65536 * 2 * db);
+        long mismatches = 0;
+        for (int y = 0; y < 128; ++y) {
+            for (int j = 0; j < 65536; ++j) {
+                src[4 * j] = static_cast<unsigned char>(y);
+                src[4 * j + 1] = static_cast<unsigned char>(j >> 8);
+                src[4 * j + 2] = static_cast<unsigned char>(y + 128);
+                src[4 * j + 3] = static_cast<unsigned char>(j);
+            }
+            c.Convert(src.data(), dst.data(), 2 * 65536);
+            for (int i = 0; i < 2 * 65536; ++i) {
+                const int j = i / 2;
+                const yuvref::RGB want = yuvref::Convert(i % 2 ? y + 128 : y, j >> 8, j & 0xFF);
+                unsigned char expect[4];
+                yuvref::WritePixel(dest, expect, want.r, want.g, want.b);
+                mismatches += std::memcmp(expect, dst.data() + i * db, db) != 0;
+            }
+        }
+        EXPECT_EQ(mismatches, 0) << std::hex << dest;
+    }
 }
 
 // --- vector paths against the scalar kernels --------------------------------

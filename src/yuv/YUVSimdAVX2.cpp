@@ -1,0 +1,329 @@
+// AVX2 paths of the YUV kernels (this file alone is compiled with -mavx2;
+// the paths run only when the CPU reports AVX2, see YUVSimd.cpp).
+//
+// Thirty-two pixels a step. Byte vectors of R, G, B are kept in pixel order
+// (pixels 0..15 in the low 128-bit lane, 16..31 in the high one); the
+// in-lane unpacks of the stores are put back in order with lane permutes.
+#include "yuv/YUVSimd.h"
+
+#if defined(ZO_YUV_HAVE_AVX2)
+#include <immintrin.h>
+
+#include "yuv/YUVSimdTransform.h"
+#include "yuv/YUVTransform.h"
+
+namespace zo {
+namespace {
+
+struct V256 {
+    using Reg = __m256i;
+    static Reg Set(std::int32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
+    static Reg Add(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
+    static Reg Sub(Reg a, Reg b) { return _mm256_sub_epi16(a, b); }
+    static Reg MulLo(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
+    template <int N>
+    static Reg Slli(Reg a) { return _mm256_slli_epi16(a, N); }
+    template <int N>
+    static Reg Srai(Reg a) { return _mm256_srai_epi16(a, N); }
+};
+
+inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
+inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
+
+// Thirty-two pixels as clamped bytes, in pixel order.
+struct Bytes32 {
+    __m256i r, g, b;
+};
+
+// --- destination writers -----------------------------------------------------
+
+// 32-bit pixels (first, g, third, 0), eight per register, in pixel order.
+template <unsigned RedIndex>
+inline void Interleave32(const Bytes32& p, __m256i (&out)[4])
+{
+    const __m256i first = RedIndex == 0 ? p.r : p.b;
+    const __m256i third = RedIndex == 0 ? p.b : p.r;
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i lo = _mm256_unpacklo_epi8(first, p.g);   // 0-7 | 16-23
+    const __m256i hi = _mm256_unpacklo_epi8(third, zero);
+    const __m256i lo2 = _mm256_unpackhi_epi8(first, p.g);  // 8-15 | 24-31
+    const __m256i hi2 = _mm256_unpackhi_epi8(third, zero);
+    const __m256i q0 = _mm256_unpacklo_epi16(lo, hi);    // 0-3 | 16-19
+    const __m256i q1 = _mm256_unpackhi_epi16(lo, hi);    // 4-7 | 20-23
+    const __m256i q2 = _mm256_unpacklo_epi16(lo2, hi2);  // 8-11 | 24-27
+    const __m256i q3 = _mm256_unpackhi_epi16(lo2, hi2);  // 12-15 | 28-31
+    out[0] = _mm256_permute2x128_si256(q0, q1, 0x20);
+    out[1] = _mm256_permute2x128_si256(q2, q3, 0x20);
+    out[2] = _mm256_permute2x128_si256(q0, q1, 0x31);
+    out[3] = _mm256_permute2x128_si256(q2, q3, 0x31);
+}
+
+template <unsigned RedIndex>
+struct Store32 {
+    static constexpr std::uint32_t kBytes = 4;
+    static void Put(unsigned char* d, const Bytes32& p)
+    {
+        __m256i q[4];
+        Interleave32<RedIndex>(p, q);
+        for (int i = 0; i < 4; ++i)
+            Store(d + 32 * i, q[i]);
+    }
+};
+
+template <unsigned RedIndex>
+struct Store24 {
+    static constexpr std::uint32_t kBytes = 3;
+    // Four 32-bit pixels of a 128-bit lane -> their 12 bytes, low end.
+    static __m128i Compact(__m128i x)
+    {
+        const __m128i shuffle = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+        return _mm_shuffle_epi8(x, shuffle);
+    }
+    // Sixteen pixels (two registers) -> 48 bytes.
+    static void Put16(unsigned char* d, __m256i a, __m256i b)
+    {
+        const __m128i c0 = Compact(_mm256_castsi256_si128(a)), c1 = Compact(_mm256_extracti128_si256(a, 1));
+        const __m128i c2 = Compact(_mm256_castsi256_si128(b)), c3 = Compact(_mm256_extracti128_si256(b, 1));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_or_si128(c0, _mm_slli_si128(c1, 12)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16), _mm_or_si128(_mm_srli_si128(c1, 4), _mm_slli_si128(c2, 8)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 32), _mm_or_si128(_mm_srli_si128(c2, 8), _mm_slli_si128(c3, 4)));
+    }
+    static void Put(unsigned char* d, const Bytes32& p)
+    {
+        __m256i q[4];
+        Interleave32<RedIndex>(p, q);
+        Put16(d, q[0], q[1]);
+        Put16(d + 48, q[2], q[3]);
+    }
+};
+
+struct Store16 {
+    static constexpr std::uint32_t kBytes = 2;
+    static __m256i Words(__m256i r, __m256i g, __m256i b)
+    {
+        const __m256i red = _mm256_and_si256(_mm256_slli_epi16(r, 8), _mm256_set1_epi16(static_cast<short>(0xF800)));
+        const __m256i green = _mm256_slli_epi16(_mm256_and_si256(g, _mm256_set1_epi16(0xFC)), 3);
+        return _mm256_or_si256(_mm256_or_si256(red, green), _mm256_srli_epi16(b, 3));
+    }
+    static void Put(unsigned char* d, const Bytes32& p)
+    {
+        const __m256i zero = _mm256_setzero_si256();
+        const __m256i w0 = Words(_mm256_unpacklo_epi8(p.r, zero), _mm256_unpacklo_epi8(p.g, zero),
+                                 _mm256_unpacklo_epi8(p.b, zero));  // 0-7 | 16-23
+        const __m256i w1 = Words(_mm256_unpackhi_epi8(p.r, zero), _mm256_unpackhi_epi8(p.g, zero),
+                                 _mm256_unpackhi_epi8(p.b, zero));  // 8-15 | 24-31
+        Store(d, _mm256_permute2x128_si256(w0, w1, 0x20));
+        Store(d + 32, _mm256_permute2x128_si256(w0, w1, 0x31));
+    }
+};
+
+// --- 4:2:2 -------------------------------------------------------------------
+
+// Sixteen pixels (bytes Y0 U Y1 V ...) -> unclamped R, G, B in 16-bit lanes.
+// The same integers as TransformLanes, with fewer operations: byte shuffles
+// spread each pair's U and V over its two pixels, and one multiply-add of
+// the (U, V) byte pairs gives the green chroma term (-100 U + 48 V lies in
+// -25500..12240, so the instruction's saturation never acts).
+inline void Transform422(__m256i x, __m256i& r, __m256i& g, __m256i& b)
+{
+    using namespace bt601;
+    const __m256i spreadU = _mm256_setr_epi8(1, -1, 1, -1, 5, -1, 5, -1, 9, -1, 9, -1, 13, -1, 13, -1,  //
+                                             1, -1, 1, -1, 5, -1, 5, -1, 9, -1, 9, -1, 13, -1, 13, -1);
+    const __m256i spreadV = _mm256_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1,  //
+                                             3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1);
+    const __m256i spreadUV = _mm256_setr_epi8(1, 3, 1, 3, 5, 7, 5, 7, 9, 11, 9, 11, 13, 15, 13, 15,  //
+                                              1, 3, 1, 3, 5, 7, 5, 7, 9, 11, 9, 11, 13, 15, 13, 15);
+    const __m256i greenUV = _mm256_set1_epi16(static_cast<short>(((kGreenFromVFraction & 0xFF) << 8) |
+                                                                 ((-kGreenFromU) & 0xFF)));
+    const __m256i y = _mm256_and_si256(x, _mm256_set1_epi16(0xFF));
+    const __m256i u = _mm256_shuffle_epi8(x, spreadU);
+    const __m256i v = _mm256_shuffle_epi8(x, spreadV);
+    const __m256i base = _mm256_mullo_epi16(y, V256::Set(kLumaFraction));
+    const __m256i rs = _mm256_add_epi16(
+        base, _mm256_add_epi16(_mm256_mullo_epi16(v, V256::Set(kRedFromVFraction)), V256::Set(kRedSumOffset)));
+    const __m256i gs = _mm256_add_epi16(
+        base, _mm256_add_epi16(_mm256_maddubs_epi16(_mm256_shuffle_epi8(x, spreadUV), greenUV),
+                               V256::Set(kGreenSumOffset)));
+    const __m256i bs = _mm256_add_epi16(base, _mm256_add_epi16(_mm256_slli_epi16(u, 2), V256::Set(kBlueSumOffset)));
+    r = _mm256_add_epi16(_mm256_add_epi16(y, _mm256_add_epi16(v, V256::Set(kRedWholeOffset))),
+                         _mm256_srai_epi16(rs, kFractionBits));
+    g = _mm256_add_epi16(_mm256_sub_epi16(y, _mm256_sub_epi16(v, V256::Set(kGreenWholeOffset))),
+                         _mm256_srai_epi16(gs, kFractionBits));
+    b = _mm256_add_epi16(_mm256_add_epi16(y, _mm256_add_epi16(_mm256_slli_epi16(u, 1), V256::Set(kBlueWholeOffset))),
+                         _mm256_srai_epi16(bs, kFractionBits));
+}
+
+// Packs two sets of sixteen 16-bit results into bytes in pixel order.
+inline __m256i PackInOrder(__m256i a, __m256i b)
+{
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0));
+}
+
+// Readers: thirty-two pixels as two registers of 8-bit samples Y0 U Y1 V.
+struct Read8Bit {
+    static constexpr std::uint32_t kGroupBytes = 64;
+    std::uint32_t unused;
+    void Load2(const unsigned char* s, __m256i& x0, __m256i& x1) const
+    {
+        x0 = Load(s);
+        x1 = Load(s + 32);
+    }
+};
+
+// Two registers of 16-bit values (< 256) -> one register of bytes in order.
+inline __m256i Narrow(__m256i a, __m256i b) { return PackInOrder(a, b); }
+
+struct ReadHighByte {
+    static constexpr std::uint32_t kGroupBytes = 128;
+    std::uint32_t unused;
+    void Load2(const unsigned char* s, __m256i& x0, __m256i& x1) const
+    {
+        x0 = Narrow(_mm256_srli_epi16(Load(s), 8), _mm256_srli_epi16(Load(s + 32), 8));
+        x1 = Narrow(_mm256_srli_epi16(Load(s + 64), 8), _mm256_srli_epi16(Load(s + 96), 8));
+    }
+};
+
+struct ReadShiftedWord {
+    static constexpr std::uint32_t kGroupBytes = 128;
+    std::uint32_t shift;
+    void Load2(const unsigned char* s, __m256i& x0, __m256i& x1) const
+    {
+        const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
+        const __m256i mask = _mm256_set1_epi16(0xFF);
+        auto value = [&](const unsigned char* p) { return _mm256_and_si256(_mm256_srl_epi16(Load(p), count), mask); };
+        x0 = Narrow(value(s), value(s + 32));
+        x1 = Narrow(value(s + 64), value(s + 96));
+    }
+};
+
+template <class Store, class Reader>
+std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
+{
+    const std::uint32_t groups = pairs / 16;
+    for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 32 * Store::kBytes) {
+        __m256i x0, x1, r0, g0, b0, r1, g1, b1;
+        reader.Load2(src, x0, x1);
+        Transform422(x0, r0, g0, b0);
+        Transform422(x1, r1, g1, b1);
+        Store::Put(dst, Bytes32{PackInOrder(r0, r1), PackInOrder(g0, g1), PackInOrder(b0, b1)});
+    }
+    return groups * 16;
+}
+
+template <class Reader>
+std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               std::uint32_t dstBytes, std::uint32_t redIndex, const Reader& reader)
+{
+    switch (dstBytes) {
+    case 2:
+        return Pairs422<Store16>(src, dst, pairs, reader);
+    case 3:
+        return redIndex ? Pairs422<Store24<2>>(src, dst, pairs, reader) : Pairs422<Store24<0>>(src, dst, pairs, reader);
+    case 4:
+        return redIndex ? Pairs422<Store32<2>>(src, dst, pairs, reader) : Pairs422<Store32<0>>(src, dst, pairs, reader);
+    default:
+        return 0;
+    }
+}
+
+std::uint32_t Pairs8AVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
+                         std::uint32_t dstBytes, std::uint32_t redIndex)
+{
+    if (sampleBytes == 1)
+        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, Read8Bit{0});
+    if (sampleBytes == 2)
+        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadHighByte{0});
+    return 0;
+}
+
+std::uint32_t Pairs10AVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
+                          std::uint32_t dstBytes, std::uint32_t redIndex)
+{
+    if (shift > 15)
+        return 0;
+    return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadShiftedWord{shift});
+}
+
+// --- 4:4:4, three-byte pixels ---------------------------------------------
+
+// Shuffle masks that pick byte `offset` of each of sixteen 3-byte pixels
+// from the three 16-byte blocks of 48 bytes (one mask per block; bytes of
+// other blocks select zero).
+struct Pick444 {
+    __m256i block[3];
+    explicit Pick444(std::uint32_t offset)
+    {
+        alignas(16) signed char m[3][16];
+        for (int j = 0; j < 3; ++j)
+            for (int k = 0; k < 16; ++k) {
+                const int at = 3 * k + static_cast<int>(offset) - 16 * j;
+                m[j][k] = static_cast<signed char>(at >= 0 && at < 16 ? at : -1);
+            }
+        for (int j = 0; j < 3; ++j)
+            block[j] = _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(m[j])));
+    }
+    __m256i Apply(__m256i a, __m256i b, __m256i c) const
+    {
+        return _mm256_or_si256(_mm256_or_si256(_mm256_shuffle_epi8(a, block[0]), _mm256_shuffle_epi8(b, block[1])),
+                               _mm256_shuffle_epi8(c, block[2]));
+    }
+};
+
+inline __m256i LoadHalves(const unsigned char* lo, const unsigned char* hi)
+{
+    return _mm256_inserti128_si256(
+        _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lo))),
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(hi)), 1);
+}
+
+template <class Store>
+std::uint32_t Pixels444(const unsigned char* src, unsigned char* dst, std::uint32_t count, std::uint32_t yOffset,
+                        std::uint32_t uOffset, std::uint32_t vOffset)
+{
+    const Pick444 pickY(yOffset), pickU(uOffset), pickV(vOffset);
+    const __m256i zero = _mm256_setzero_si256();
+    const std::uint32_t groups = count / 32;
+    for (std::uint32_t i = 0; i < groups; ++i, src += 96, dst += 32 * Store::kBytes) {
+        // Low lanes: pixels 0-15 (bytes 0-47), high lanes: 16-31 (48-95).
+        const __m256i a = LoadHalves(src, src + 48);
+        const __m256i b = LoadHalves(src + 16, src + 64);
+        const __m256i c = LoadHalves(src + 32, src + 80);
+        const __m256i y = pickY.Apply(a, b, c), u = pickU.Apply(a, b, c), v = pickV.Apply(a, b, c);
+        __m256i r0, g0, b0, r1, g1, b1;
+        TransformLanes<V256>(_mm256_unpacklo_epi8(y, zero), _mm256_unpacklo_epi8(u, zero),
+                             _mm256_unpacklo_epi8(v, zero), r0, g0, b0);
+        TransformLanes<V256>(_mm256_unpackhi_epi8(y, zero), _mm256_unpackhi_epi8(u, zero),
+                             _mm256_unpackhi_epi8(v, zero), r1, g1, b1);
+        // In-lane packing restores pixel order here.
+        Store::Put(dst, Bytes32{_mm256_packus_epi16(r0, r1), _mm256_packus_epi16(g0, g1), _mm256_packus_epi16(b0, b1)});
+    }
+    return groups * 32;
+}
+
+std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::uint32_t count,
+                            std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
+                            std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex)
+{
+    if (pixelBytes != 3 || yOffset > 2 || uOffset > 2 || vOffset > 2)
+        return kYUVPathsSSE2.pixels444(src, dst, count, pixelBytes, yOffset, uOffset, vOffset, dstBytes, redIndex);
+    switch (dstBytes) {
+    case 2:
+        return Pixels444<Store16>(src, dst, count, yOffset, uOffset, vOffset);
+    case 3:
+        return redIndex ? Pixels444<Store24<2>>(src, dst, count, yOffset, uOffset, vOffset)
+                        : Pixels444<Store24<0>>(src, dst, count, yOffset, uOffset, vOffset);
+    case 4:
+        return redIndex ? Pixels444<Store32<2>>(src, dst, count, yOffset, uOffset, vOffset)
+                        : Pixels444<Store32<0>>(src, dst, count, yOffset, uOffset, vOffset);
+    default:
+        return 0;
+    }
+}
+
+}  // namespace
+
+const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2};
+
+}  // namespace zo
+
+#endif
