@@ -7,24 +7,41 @@
 #include <cstring>
 
 #include "gray/DualTapPlacement.h"
+#include "gray/PackedKernels.h"  // also the SSE2 helpers
 
 namespace zo {
 
 // Left/right taps: source bytes a0 b0 a1 b1 ... placed by tap mode Mode (see
-// DualTapPlacement.h, also for what an odd n writes).
+// DualTapPlacement.h, also for what an odd n writes); pairs before `first`
+// (a multiple of four) are left out. The reference kernel.
+template <unsigned Mode>
+void RecombineDualTapLineScalar(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                                std::uint32_t pipelining, std::uint32_t first = 0)
+{
+    ForEachDualTapPair<Mode>(
+        n, pipelining,
+        [&](std::uint32_t i, std::ptrdiff_t a, std::ptrdiff_t b) {
+            destination[a] = source[2 * static_cast<std::size_t>(i)];
+            destination[b] = source[2 * static_cast<std::size_t>(i) + 1];
+        },
+        first);
+}
+
 template <unsigned Mode>
 void RecombineDualTapLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
                           std::uint32_t pipelining)
 {
-    if (Mode == 0) {
+    if constexpr (Mode == 0) {
         // Stream order: every pair lands where it stands, a plain copy.
         std::memcpy(destination, source, static_cast<std::size_t>(DualTapPairCount(n, pipelining)) * 2);
-        return;
+    } else {
+        std::uint32_t first = 0;
+#ifdef ZO_PACKED_SSE2
+        first = DualTapVectorPairs(n, pipelining, 16, 0);
+        sse2::RecombinePairs<Mode>(source, destination, n, first);
+#endif
+        RecombineDualTapLineScalar<Mode>(source, destination, n, pipelining, first);
     }
-    ForEachDualTapPair<Mode>(n, pipelining, [&](std::uint32_t i, std::ptrdiff_t a, std::ptrdiff_t b) {
-        destination[a] = source[2 * static_cast<std::size_t>(i)];
-        destination[b] = source[2 * static_cast<std::size_t>(i) + 1];
-    });
 }
 
 inline void RecombineDualTapLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,

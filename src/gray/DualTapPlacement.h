@@ -92,14 +92,17 @@ constexpr std::uint32_t DualTapPairCount(std::uint32_t n, std::uint32_t pipelini
 }
 
 // Visits the pairs of a line of n pixels: visit(i, positionOfA, positionOfB)
-// for pair i, in blocks of four then singly, as described above.
+// for pair i, in blocks of four then singly, as described above. `first`
+// (a multiple of four) skips the pairs before it, which a faster path has
+// already placed.
 template <unsigned Mode, class Visit>
-inline void ForEachDualTapPair(std::uint32_t n, std::uint32_t pipelining, Visit&& visit)
+inline void ForEachDualTapPair(std::uint32_t n, std::uint32_t pipelining, Visit&& visit, std::uint32_t first = 0)
 {
     using Rule = DualTapRule<Mode>;
     const std::uint32_t done = DualTapBlockPixels(n, pipelining);
-    std::ptrdiff_t a = Rule::FirstA(n), b = Rule::FirstB(n);
-    std::uint32_t i = 0;
+    std::uint32_t i = first;
+    std::ptrdiff_t a = Rule::FirstA(n) + static_cast<std::ptrdiff_t>(i) * Rule::kAStep;
+    std::ptrdiff_t b = Rule::FirstB(n) + static_cast<std::ptrdiff_t>(i) * Rule::kBStep;
     for (; i < (done >> 1); i += 4, a += 4 * Rule::kAStep, b += 4 * Rule::kBStep) {
         visit(i, a, b);
         visit(i + 1, a + Rule::kAStep, b + Rule::kBStep);
@@ -109,6 +112,21 @@ inline void ForEachDualTapPair(std::uint32_t n, std::uint32_t pipelining, Visit&
     const std::uint32_t end = DualTapPairCount(n, pipelining);  // no further pair when nothing is left
     for (; i < end; ++i, a += Rule::kAStep, b += Rule::kBStep)
         visit(i, a, b);
+}
+
+// Pairs a vector path may place before the scalar visit takes over, in
+// chunks of `chunk` pairs (a multiple of four): only pairs below h, whose
+// positions no other pair below h shares (pairs from h on, which exist for
+// odd n, may land on their positions and must come later, as they do), and
+// only while `spare` further pairs exist after the chunk (for over-reads).
+constexpr std::uint32_t DualTapVectorPairs(std::uint32_t n, std::uint32_t pipelining, std::uint32_t chunk,
+                                           std::uint32_t spare)
+{
+    const std::uint32_t count = DualTapPairCount(n, pipelining);
+    std::uint32_t limit = n >> 1;
+    if (limit + spare > count)
+        limit = count > spare ? count - spare : 0;
+    return limit - limit % chunk;
 }
 
 // Calls fn(std::integral_constant<unsigned, mode>) once, so that a kernel

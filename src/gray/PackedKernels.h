@@ -112,18 +112,44 @@ struct PackedToRGB32 {  // RGB32 and BGR32; fourth byte = gray, see kPackedGrayT
 };
 
 // Unpacks one line of n pixels from `source` (packed groups) to `destination`
-// in the layout of Writer, placing the samples by tap mode Mode.
+// in the layout of Writer, placing the samples by tap mode Mode; groups
+// before `first` (a multiple of four) are left out. This is the reference
+// kernel; UnpackPackedLine below adds the vector path.
+template <class Writer, unsigned Mode>
+void UnpackPackedLineScalar(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                            std::uint32_t pipelining, PackedRules rules, std::uint32_t first = 0)
+{
+    ForEachDualTapPair<Mode>(
+        n, pipelining,
+        [&](std::uint32_t i, std::ptrdiff_t a, std::ptrdiff_t b) {
+            const unsigned char* g = source + static_cast<std::size_t>(i) * 3;
+            const std::uint32_t w0 = g[0] | (static_cast<std::uint32_t>(g[1]) << 8);
+            const std::uint32_t w1 = g[1] | (static_cast<std::uint32_t>(g[2]) << 8);
+            Writer::Put(destination + a * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.a.Extract(w0));
+            Writer::Put(destination + b * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.b.Extract(w1));
+        },
+        first);
+}
+
+}  // namespace zo
+
+#include "gray/PackedSimd.h"
+
+namespace zo {
+
 template <class Writer, unsigned Mode>
 void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
                       std::uint32_t pipelining, PackedRules rules)
 {
-    ForEachDualTapPair<Mode>(n, pipelining, [&](std::uint32_t i, std::ptrdiff_t a, std::ptrdiff_t b) {
-        const unsigned char* g = source + static_cast<std::size_t>(i) * 3;
-        const std::uint32_t w0 = g[0] | (static_cast<std::uint32_t>(g[1]) << 8);
-        const std::uint32_t w1 = g[1] | (static_cast<std::uint32_t>(g[2]) << 8);
-        Writer::Put(destination + a * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.a.Extract(w0));
-        Writer::Put(destination + b * static_cast<std::ptrdiff_t>(Writer::kBytes), rules.b.Extract(w1));
-    });
+    std::uint32_t first = 0;
+#ifdef ZO_PACKED_SSE2
+    if constexpr (sse2::HasSimd<Writer>::value) {
+        // Chunks of eight groups; the loads read into the two groups after.
+        first = DualTapVectorPairs(n, pipelining, 8, 2);
+        sse2::UnpackPackedPairs<Writer, Mode>(source, destination, n, first, rules);
+    }
+#endif
+    UnpackPackedLineScalar<Writer, Mode>(source, destination, n, pipelining, rules, first);
 }
 
 // The same with the tap mode given at run time (switched once).

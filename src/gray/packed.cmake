@@ -7,6 +7,7 @@ list(APPEND ZO_LIB_SOURCES
   ${_dir}/DualTapRegistry.cpp)
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/PackedTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/PackedKernelsTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/DualTapTest.cpp)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/packed_bench.cpp)
