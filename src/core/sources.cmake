@@ -9,4 +9,6 @@ list(APPEND ZO_LIB_SOURCES
   ${_dir}/FlatTypes.cpp)
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/PixelTypeTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/RegistryTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/RegistryTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/CatalogueTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/FlatTypesTest.cpp)

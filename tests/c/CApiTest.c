@@ -1,1 +1,191 @@
-int main(void) { return 0; }
+/* The flat interface used from C: compiled by the C compiler and linked
+ * against the shared library only. Exits with the number of failed checks. */
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "ZoImgLibC.h"
+
+static int failures = 0;
+
+#define CHECK(condition)                                                   \
+    do {                                                                   \
+        if (!(condition)) {                                                \
+            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
+                    #condition);                                           \
+            ++failures;                                                    \
+        }                                                                  \
+    } while (0)
+
+static void Names(void)
+{
+    static const struct {
+        int64_t id;
+        const char* name;
+    } kNames[] = {
+        {0x00010001, "Grayscale 8-bits"},
+        {0x00020007, "RGB 32-bits"},
+        {0x00610002, "Grayscale 10-bits, Interlaced, Packed"},
+        {0x01420011, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
+        {0x02020013, "Bayer RGGB 8-bits, Dual Left Inverted+Right Output (deprecated)"},
+        {0x0002000A, "RGB 24-bits (3 X 8-bits)"},
+        {0x00640005, "YCrCb 8-bits 4:4:4, Packed, Interlaced"},
+        {0x00040003, "Unregistered pixel type"},
+        {0x7700000001LL, "Unregistered pixel type"},
+    };
+    size_t i;
+    for (i = 0; i < sizeof kNames / sizeof kNames[0]; ++i) {
+        const char* name = ZoPixelTypeFactory_GetPixelTypeName(kNames[i].id);
+        CHECK(name != NULL && strcmp(name, kNames[i].name) == 0);
+    }
+    CHECK(ZoPixelTypeFactory_HasPixelType(ZO_PT_BAYER_RGB8));
+    CHECK(!ZoPixelTypeFactory_HasPixelType(ZO_PT_YUV8_444));
+}
+
+static void AttributeSearch(void)
+{
+    /* 8-bit Bayer: the current type, then its deprecated alias. */
+    const int64_t expected[] = {0x00020010, 0x00020013};
+    uint32_t index = 0;
+    ZoPixelType* type;
+    while ((type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_RGB, 0, 0, 0, 0, 0, 1, index)) != NULL) {
+        CHECK(index < 2 && ZoPixelType_GetTypeID(type) == expected[index]);
+        CHECK(ZoPixelType_IsBayerPattern(type));
+        CHECK(ZoPixelType_GetPixelBitSize(type) == 8 && ZoPixelType_GetPixelByteSize(type) == 1);
+        ZoPixelType_Destroy(type);
+        ++index;
+    }
+    CHECK(index == 2);
+    /* Dual Lines 8-bit gray: exactly one. */
+    type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_GRAY, 0, 0, 0, 0, ZO_PIXEL_TAP_DUAL_LINES, 0, 0);
+    CHECK(type != NULL && ZoPixelType_GetTypeID(type) == 0x10010001);
+    ZoPixelType_Destroy(type);
+    CHECK(ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_GRAY, 0, 0, 0, 0, ZO_PIXEL_TAP_DUAL_LINES, 0, 1) == NULL);
+}
+
+static void BufferSizes(void)
+{
+    static const struct {
+        int64_t id;
+        uint32_t width, height, bytes;
+    } kSizes[] = {
+        {ZO_PT_GRAY10 | ZO_PIXEL_PACKED, 3, 1, 6},
+        {ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED, 7, 1, 12},
+        {ZO_PT_RGB24, 3, 1, 12}, /* unpacked 24-bit: 4 bytes a pixel */
+        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, 3, 1, 9},
+        {ZO_PT_YUV10, 5, 2, 40},
+        {ZO_PT_RGB48, 0, 480, 0},
+    };
+    size_t i;
+    for (i = 0; i < sizeof kSizes / sizeof kSizes[0]; ++i) {
+        ZoPixelType* type = ZoPixelTypeFactory_CreatePixelType(kSizes[i].id);
+        CHECK(type != NULL);
+        CHECK(ZoPixelType_GetBufferSizeFor(type, kSizes[i].width, kSizes[i].height) == kSizes[i].bytes);
+        ZoPixelType_Destroy(type);
+    }
+}
+
+static void NullHandles(void)
+{
+    ZoPixelType* gray = ZoPixelTypeFactory_CreatePixelType(ZO_PT_GRAY8);
+    unsigned char byte = 0x5A;
+    int64_t id = 99;
+    CHECK(ZoPixelType_GetTypeID(NULL) == 4294967295LL);
+    CHECK(ZoPixelType_GetTypeID(NULL) == ZO_NO_PIXEL_TYPE_ID);
+    CHECK(ZoPixelType_GetPixelBitSize(NULL) == 0);
+    CHECK(ZoPixelType_GetPixelByteSize(NULL) == 0);
+    CHECK(!ZoPixelType_IsBayerPattern(NULL));
+    CHECK(ZoPixelType_GetBufferSizeFor(NULL, 640, 480) == 0);
+    CHECK(ZoPixelType_Clone(NULL) == NULL);
+    CHECK(!ZoPixelType_HasConverterTo(NULL, gray));
+    CHECK(!ZoPixelType_HasConverterFrom(NULL, gray));
+    ZoPixelType_Destroy(NULL);
+    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, ZO_PT_GRAY8, NULL));
+    CHECK(!ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, NULL));
+    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, 0x7700000002LL, &id) && id == 99);
+    CHECK(ZoPixelTypeFactory_GetConverter(0x7700000002LL, ZO_PT_GRAY8) == NULL);
+
+    CHECK(ZoPixelConverter_GetSourceType(NULL) == 0);
+    CHECK(ZoPixelConverter_GetDestinationType(NULL) == 0);
+    CHECK(ZoPixelConverter_GetSourceByteSize(NULL, 10) == 0);
+    CHECK(ZoPixelConverter_GetDestinationByteSize(NULL, 10) == 0);
+    CHECK(ZoPixelConverter_ConvertPixel(NULL, &byte, &byte) == ZO_ERR_BAD_ARGUMENT);
+    CHECK(ZoPixelConverter_ConvertLine(NULL, &byte, &byte, 1) == ZO_ERR_BAD_ARGUMENT);
+    CHECK(ZoPixelConverter_ConvertArea(NULL, &byte, 1, 1, &byte, 1, 1, 1, 1, 0, 0) == 18);
+    CHECK(byte == 0x5A);
+    CHECK(ZoRGBFilter_GetBitSize(NULL) == 0);
+    CHECK(ZoRGBFilter_GetRedValue8(NULL, 3) == 0);
+    CHECK(ZoRGBFilter_SetMultipliers(NULL, 1, 1, 1, 0, 0, 0) == 18);
+    ZoRGBFilter_Destroy(NULL);
+    ZoPixelType_Destroy(gray);
+}
+
+static void Conversions(void)
+{
+    /* Identity 8-bit gray, looked up two ways. */
+    ZoPixelType* gray = ZoPixelTypeFactory_CreatePixelType(ZO_PT_GRAY8);
+    const ZoPixelConverter* identity = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8, ZO_PT_GRAY8);
+    const unsigned char line[7] = {1, 2, 3, 250, 251, 252, 253};
+    unsigned char out[9];
+    int64_t destination = 0;
+    uint32_t i, n = 0;
+    CHECK(identity != NULL);
+    CHECK(ZoPixelType_HasConverterTo(gray, gray));
+    CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity);
+    CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8);
+    CHECK(ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
+    CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7);
+
+    memset(out, 0xEE, sizeof out);
+    CHECK(ZoPixelConverter_ConvertLine(identity, line, out, 7) == ZO_OK);
+    CHECK(memcmp(out, line, 7) == 0 && out[7] == 0xEE && out[8] == 0xEE);
+
+    /* A whole area through a filter that doubles red: the identity copy
+     * ignores the filter. */
+    {
+        ZoRGBFilter* filter = ZoRGBFilter_Init(8);
+        unsigned char frame[6] = {10, 20, 30, 40, 50, 60}, copy[8];
+        memset(copy, 0xEE, sizeof copy);
+        CHECK(filter != NULL && ZoRGBFilter_GetEntryCount(filter) == 256);
+        CHECK(ZoRGBFilter_SetMultipliers(filter, 2.0, 1.0, 1.0, 0, 0, 0) == ZO_OK);
+        CHECK(ZoRGBFilter_GetRedValue8(filter, 100) == 200 && ZoRGBFilter_GetRedValue8(filter, 200) == 255);
+        CHECK(ZoPixelConverter_ConvertAreaFilter(identity, filter, frame, 3, 2, copy, 3, 2, 3, 2, 0, 0) == ZO_OK);
+        CHECK(memcmp(copy, frame, 6) == 0 && copy[6] == 0xEE);
+        ZoRGBFilter_Destroy(filter);
+    }
+
+    /* Every destination enumerated from 8-bit gray is served. */
+    while (ZoPixelTypeFactory_EnumConverterFrom(n, ZO_PT_GRAY8, &destination)) {
+        CHECK(ZoPixelTypeFactory_HasConverter(ZO_PT_GRAY8, destination));
+        ++n;
+    }
+    CHECK(n >= 1);
+
+    /* 8-bit gray to RGB24, once that converter is registered: every channel
+     * repeats the gray value. */
+    if (ZoPixelTypeFactory_HasConverter(ZO_PT_GRAY8, ZO_PT_RGB24)) {
+        const ZoPixelConverter* toRgb = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24);
+        unsigned char rgb[7 * 3 + 2];
+        memset(rgb, 0xEE, sizeof rgb);
+        CHECK(ZoPixelConverter_GetDestinationByteSize(toRgb, 7) == 21);
+        CHECK(ZoPixelConverter_ConvertLine(toRgb, line, rgb, 7) == ZO_OK);
+        for (i = 0; i < 21; ++i)
+            CHECK(rgb[i] == line[i / 3]);
+        CHECK(rgb[21] == 0xEE);
+    }
+    ZoPixelType_Destroy(gray);
+}
+
+int main(void)
+{
+    Names();
+    AttributeSearch();
+    BufferSizes();
+    NullHandles();
+    Conversions();
+    if (failures)
+        fprintf(stderr, "%d checks failed\n", failures);
+    else
+        printf("all flat-interface checks passed\n");
+    return failures ? 1 : 0;
+}

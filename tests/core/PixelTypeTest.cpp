@@ -1,1 +1,256 @@
+// Pixel type IDs and objects: the naming rule, the attribute match, the
+// class table, Clone and buffer sizes.
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <typeinfo>
+
+#include "ZoPixelType.h"
+#include "core/PixelTypeId.h"
+
+namespace {
+
+std::string Name(std::int64_t id, std::uint16_t bits, bool bayer)
+{
+    ZoString name("stale text");
+    ZoGeneratePixelTypeName(id, bits, bayer, name);
+    return name.c_str_ascii();
+}
+
+TEST(PixelTypeNaming, FollowsTheRule)
+{
+    static const struct {
+        std::int64_t id;
+        std::uint16_t bits;
+        bool bayer;
+        const char* name;
+    } kCases[] = {
+        {0x00010001, 8, false, "Grayscale 8-bits"},
+        {0x00610002, 10, false, "Grayscale 10-bits, Interlaced, Packed"},
+        {0x10010001, 8, false, "Grayscale 8-bits, Dual Lines output"},
+        {0x01420011, 10, true, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
+        {0x02020010, 8, true, "Bayer RGB 8-bits, Dual Left+Right Inverted output"},
+        {0x04020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right output"},
+        {0x08020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right Inverted output"},
+        {0x00020010, 8, false, "RGB 8-bits"},  // the Bayer word needs the Bayer property
+        {0x00020007, 32, false, "RGB 32-bits"},  // BGR order is not named
+        {0x00040002, 20, false, "YUV 20-bits"},
+        {0x00340002, 20, false, "YUV 20-bits, Normalized, Interlaced"},
+        // All four flags, always in the order Normalized, Interlaced, Packed, Planar.
+        {0x00F20002, 24, false, "RGB 24-bits, Normalized, Interlaced, Packed, Planar"},
+        {0x00820002, 24, false, "RGB 24-bits, Planar"},
+        // The colour space is one value of bits 16-18, compared exactly.
+        {0x00000001, 8, false, "Unknown Colorspace 8-bits"},
+        {0x00030001, 8, false, "Unknown Colorspace 8-bits"},
+        {0x00050001, 8, true, "Unknown Colorspace 8-bits"},
+        {0x00070001, 8, false, "Unknown Colorspace 8-bits"},
+        {0x00090001, 8, false, "Grayscale 8-bits"},  // bit 19 lies outside the field
+        // Tap values other than the five named ones get no suffix.
+        {0x03010001, 8, false, "Grayscale 8-bits"},
+        {0x18010001, 8, false, "Grayscale 8-bits"},
+        {0x1F410002, 10, false, "Grayscale 10-bits, Packed"},
+        {0x20010001, 8, false, "Grayscale 8-bits"},  // bit 29 is not a tap bit
+        // Bits 32-63 play no part.
+        {0x700020003LL, 32, false, "RGB 32-bits"},
+        {-1, 8, true, "Unknown Colorspace 8-bits, Normalized, Interlaced, Packed, Planar"},
+        {0x00010001, 0, false, "Grayscale 0-bits"},
+        {0x00010001, 65535, false, "Grayscale 65535-bits"},
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(Name(c.id, c.bits, c.bayer), c.name) << std::hex << c.id;
+}
+
+struct MatchArgs {
+    std::uint32_t bits;
+    std::int64_t space;
+    bool normalized, packed, interlaced, planar;
+    std::int64_t tap;
+};
+
+TEST(PixelTypeMatch, ComparesEveryAttributeExactly)
+{
+    const ZoPixelType packedInterlacedGray(0x01610002, 10, 2, false);
+    const MatchArgs exact{10, 0x10000, false, true, true, false, 0x01000000};
+    auto matches = [&](const ZoPixelType& t, const MatchArgs& a) {
+        return ZoPixelTypeMatches(t, a.bits, a.space, a.normalized, a.packed, a.interlaced, a.planar, a.tap);
+    };
+    EXPECT_TRUE(matches(packedInterlacedGray, exact));
+    // Change one argument at a time: each must make the match fail.
+    static const struct {
+        const char* what;
+        void (*change)(MatchArgs&);
+    } kChanges[] = {
+        {"bits", [](MatchArgs& a) { a.bits = 12; }},
+        {"space", [](MatchArgs& a) { a.space = 0x20000; }},
+        {"space as code", [](MatchArgs& a) { a.space = 1; }},
+        {"normalized", [](MatchArgs& a) { a.normalized = true; }},
+        {"packed", [](MatchArgs& a) { a.packed = false; }},
+        {"interlaced", [](MatchArgs& a) { a.interlaced = false; }},
+        {"planar", [](MatchArgs& a) { a.planar = true; }},
+        {"tap", [](MatchArgs& a) { a.tap = 0x02000000; }},
+        {"tap as code", [](MatchArgs& a) { a.tap = 1; }},
+    };
+    for (const auto& c : kChanges) {
+        MatchArgs a = exact;
+        c.change(a);
+        EXPECT_FALSE(matches(packedInterlacedGray, a)) << c.what;
+    }
+}
+
+TEST(PixelTypeMatch, OddIdsMatchOnlyTheirExactValues)
+{
+    // Two tap bits: only that exact tap value matches.
+    const ZoPixelType twoTaps(0x03010001, 8, 1, false);
+    EXPECT_TRUE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0x03000000));
+    EXPECT_FALSE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0x01000000));
+    EXPECT_FALSE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0));
+    // An unknown colour space can never be searched for by a valid one.
+    const ZoPixelType unknown(0x00030001, 8, 1, false);
+    for (std::int64_t space : {0x10000, 0x20000, 0x40000})
+        EXPECT_FALSE(ZoPixelTypeMatches(unknown, 8, space, false, false, false, false, 0));
+    // High bits are ignored; the Bayer property is not part of the match.
+    const ZoPixelType high(0x300020010LL, 8, 1, true);
+    EXPECT_TRUE(ZoPixelTypeMatches(high, 8, 0x20000, false, false, false, false, 0));
+    const ZoPixelType notBayer(0x00020010, 8, 1, false);
+    EXPECT_TRUE(ZoPixelTypeMatches(notBayer, 8, 0x20000, false, false, false, false, 0));
+}
+
+// The 28 classes: default ID, sizes and Bayer property.
+TEST(PixelTypeClasses, HaveTheirDefaultsAndKeepThemForAnyId)
+{
+    struct Row {
+        std::unique_ptr<ZoPixelType> byDefault, withId;
+        std::int64_t id;
+        std::uint16_t bits, bytes;
+        bool bayer;
+    };
+    const std::int64_t other = 0x00A20000;  // RGB space, so the Bayer property survives
+#define ROW(Class, id, bits, bytes, bayer) \
+    Row{std::unique_ptr<ZoPixelType>(new Class()), std::unique_ptr<ZoPixelType>(new Class(other)), id, bits, bytes, bayer}
+    Row rows[] = {
+        ROW(ZoGrayscale8, 0x00010001, 8, 1, false),       ROW(ZoGrayscale10, 0x00010002, 10, 2, false),
+        ROW(ZoGrayscale12, 0x00010003, 12, 2, false),     ROW(ZoGrayscale14, 0x00010004, 14, 2, false),
+        ROW(ZoGrayscale16, 0x00010005, 16, 2, false),     ROW(ZoRGB16, 0x00020001, 16, 2, false),
+        ROW(ZoRGB24, 0x00020002, 24, 3, false),           ROW(ZoRGB32, 0x00020003, 32, 4, false),
+        ROW(ZoRGB48, 0x00020004, 48, 6, false),           ROW(ZoRGB64, 0x00020005, 64, 8, false),
+        ROW(ZoBGR24, 0x00020006, 24, 3, false),           ROW(ZoBGR32, 0x00020007, 32, 4, false),
+        ROW(ZoRGB48_10Bits, 0x00020008, 10, 6, false),    ROW(ZoRGB64_10Bits, 0x00020009, 10, 8, false),
+        ROW(ZoRGB8_3, 0x0002000A, 8, 3, false),           ROW(ZoRGB8_4, 0x0002000B, 8, 4, false),
+        ROW(ZoRGB48_12Bits, 0x0002000C, 12, 6, false),    ROW(ZoRGB64_12Bits, 0x0002000D, 12, 8, false),
+        ROW(ZoBayerRGB8, 0x00020010, 8, 1, true),         ROW(ZoBayerRGB10, 0x00020011, 10, 2, true),
+        ROW(ZoBayerRGB12, 0x00020012, 12, 2, true),       ROW(ZoBayerRGGB8, 0x00020013, 8, 1, true),
+        ROW(ZoBayerRGGB10, 0x00020014, 10, 2, true),      ROW(ZoBayerRGGB12, 0x00020015, 12, 2, true),
+        ROW(ZoYUV8, 0x00040001, 16, 2, false),            ROW(ZoYUV10, 0x00040002, 20, 4, false),
+        ROW(ZoYUV8_444, 0x00040003, 24, 3, false),        ROW(ZoYCrCb, 0x00040005, 24, 3, false),
+    };
+#undef ROW
+    for (const Row& r : rows) {
+        SCOPED_TRACE(::testing::Message() << std::hex << r.id);
+        EXPECT_EQ(r.byDefault->GetTypeID(), r.id);
+        EXPECT_EQ(r.withId->GetTypeID(), other);
+        for (const ZoPixelType* t : {r.byDefault.get(), r.withId.get()}) {
+            EXPECT_EQ(t->GetPixelBitSize(), r.bits);
+            EXPECT_EQ(t->GetPixelByteSize(), r.bytes);
+            EXPECT_EQ(t->IsBayerPattern(), r.bayer);
+        }
+    }
+}
+
+TEST(PixelTypeClasses, BayerPropertyNeedsTheRgbBit)
+{
+    EXPECT_FALSE(ZoBayerRGB8(0x00010001).IsBayerPattern());
+    EXPECT_FALSE(ZoBayerRGB10(0x00440011).IsBayerPattern());
+    EXPECT_FALSE(ZoPixelType(0x00050000, 8, 1, true).IsBayerPattern());  // 0x40000 | 0x10000
+    EXPECT_TRUE(ZoPixelType(0x00070000, 8, 1, true).IsBayerPattern());   // bit 17 set, space unknown
+    EXPECT_TRUE(ZoPixelType(0x00020000, 8, 1, true).IsBayerPattern());
+}
+
+TEST(PixelTypeClone, IsAPlainTypeWithTheSameProperties)
+{
+    const ZoRGB24 rgb;
+    const ZoBayerRGB12 bayer(0x00420012);
+    for (const ZoPixelType* original : {static_cast<const ZoPixelType*>(&rgb), static_cast<const ZoPixelType*>(&bayer)}) {
+        std::unique_ptr<ZoPixelType> copy(original->Clone());
+        ASSERT_NE(copy, nullptr);
+        EXPECT_EQ(typeid(*copy), typeid(ZoPixelType));
+        EXPECT_EQ(copy->GetTypeID(), original->GetTypeID());
+        EXPECT_EQ(copy->GetPixelBitSize(), original->GetPixelBitSize());
+        EXPECT_EQ(copy->GetPixelByteSize(), original->GetPixelByteSize());
+        EXPECT_EQ(copy->IsBayerPattern(), original->IsBayerPattern());
+        EXPECT_EQ(copy->GetBufferSizeFor(7, 3), original->GetBufferSizeFor(7, 3));
+    }
+}
+
+TEST(PixelTypeBufferSize, FollowsTheThreeRules)
+{
+    static const struct {
+        std::int64_t id;
+        std::uint16_t bits, bytes;
+        bool bayer;
+        std::uint32_t width, height, expected;
+    } kCases[] = {
+        // Packed 10/12-bit gray or Bayer: 3 bytes per pair, rounded up to a pair.
+        {0x00410002, 10, 2, false, 3, 1, 6},
+        {0x00410002, 10, 2, false, 4, 1, 6},
+        {0x00410002, 10, 2, false, 1, 1, 3},
+        {0x00410003, 12, 2, false, 7, 3, 33},  // 21 -> 22 samples
+        {0x00410002, 10, 2, false, 640, 480, 460800},
+        {0x01610003, 12, 2, false, 5, 1, 9},
+        {0x00420012, 12, 2, true, 5, 1, 9},
+        {0x08420011, 10, 2, true, 9, 1, 15},
+        {0x00410002, 10, 2, true, 5, 1, 9},  // Bayer argument on a gray ID: still the gray rule
+        {0x00440002, 10, 2, true, 5, 1, 10},  // neither gray nor Bayer: 2 bytes a pixel
+        {0x00420012, 12, 2, false, 5, 1, 10},  // RGB packed but not Bayer
+        {0x00410004, 14, 2, false, 5, 1, 10},  // packed 14-bit: plain rule
+        {0x00410005, 16, 2, false, 5, 1, 10},
+        {0x00410001, 8, 1, false, 5, 1, 5},
+        {0x00010002, 10, 2, false, 5, 1, 10},  // not packed
+        // Unpacked 24-bit, 3-byte types are sized at 4 bytes a pixel.
+        {0x00020002, 24, 3, false, 3, 1, 12},
+        {0x00820002, 24, 3, false, 3, 1, 12},
+        {0x00020006, 24, 3, false, 3, 2, 24},
+        {0x00040003, 24, 3, false, 3, 1, 12},  // the 4:4:4 default IDs are unpacked too
+        {0x00420002, 24, 3, false, 3, 1, 9},
+        {0x00420006, 24, 3, false, 3, 1, 9},
+        {0x00440005, 24, 3, false, 3, 1, 9},
+        {0x0002000A, 8, 3, false, 3, 1, 9},  // 3 bytes but 8 bits
+        {0x00020003, 32, 4, false, 3, 1, 12},
+        {0x00020004, 48, 6, false, 7, 1, 42},
+        {0x00040002, 20, 4, false, 7, 9, 252},
+        // Zero sizes.
+        {0x00410002, 10, 2, false, 0, 480, 0},
+        {0x00020002, 24, 3, false, 640, 0, 0},
+        {0x00020004, 48, 6, false, 0, 0, 0},
+        // 32-bit arithmetic wraps.
+        {0x00020005, 64, 8, false, 65536, 8192, 0},
+        {0x00020002, 24, 3, false, 0x40000000, 1, 0},
+        {0x00410002, 10, 2, false, 0x80000001, 1, 0x40000003},
+        {0x00010001, 8, 1, false, 0x10001, 0x10001, 0x20001},
+    };
+    for (const auto& c : kCases) {
+        const ZoPixelType type(c.id, c.bits, c.bytes, c.bayer);
+        EXPECT_EQ(type.GetBufferSizeFor(c.width, c.height), c.expected)
+            << std::hex << c.id << std::dec << " " << c.width << "x" << c.height;
+    }
+}
+
+// A subclass whose accessors disagree with its stored fields: the buffer size
+// reads every property through the virtual accessors.
+class ReportsPackedBayer12 : public ZoPixelType {
+public:
+    ReportsPackedBayer12() : ZoPixelType(0x00020002, 24, 3, false) {}
+    const std::int64_t& GetTypeID() const override { return mId; }
+    std::uint16_t GetPixelBitSize() const override { return 12; }
+    std::uint16_t GetPixelByteSize() const override { return 2; }
+    bool IsBayerPattern() const override { return true; }
+
+private:
+    std::int64_t mId = 0x00420012;
+};
+
+TEST(PixelTypeBufferSize, ReadsPropertiesThroughTheAccessors)
+{
+    EXPECT_EQ(ReportsPackedBayer12().GetBufferSizeFor(5, 1), 9u);
+}
+
+}  // namespace
