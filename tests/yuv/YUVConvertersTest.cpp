@@ -126,7 +126,7 @@ TEST(YUVConverters, EveryInstanceFilteredAreaMatchesReference)
         const ZoPixelConverter& c = Registered(in);
         const unsigned db = yuvref::DestBytes(in.dest);
         const bool interlaced = (in.source & ZO_PIXEL_INTERLACED) != 0;
-        for (unsigned w : {1u, 6u, 9u, 35u}) {
+        for (unsigned w : {1u, 6u, 9u, 35u, 301u, 600u}) {
             SCOPED_TRACE(Describe(in) + " width " + std::to_string(w));
             ZoRGBFilter filter(8);
             yuvref::Tables t;
