@@ -1,9 +1,10 @@
 // AVX2 paths of the YUV kernels (this file alone is compiled with -mavx2;
 // the paths run only when the CPU reports AVX2, see YUVSimd.cpp).
 //
-// Thirty-two pixels a step. Byte vectors of R, G, B are kept in pixel order
-// (pixels 0..15 in the low 128-bit lane, 16..31 in the high one); the
-// in-lane unpacks of the stores are put back in order with lane permutes.
+// Thirty-two pixels a step. Byte vectors of R, G, B come in one of two
+// orders of 8-pixel quarters: "natural" (0-7, 8-15 | 16-23, 24-31, the 4:4:4
+// path) or "packed" (0-7, 16-23 | 8-15, 24-31, as the 4:2:2 path's in-lane
+// packing leaves them); the stores' lane permutes put either back in order.
 #include "yuv/YUVSimd.h"
 
 #if defined(ZO_YUV_HAVE_AVX2)
@@ -30,7 +31,7 @@ struct V256 {
 inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
 inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
 
-// Thirty-two pixels as clamped bytes, in pixel order.
+// Thirty-two pixels as clamped bytes, quarters in natural or packed order.
 struct Bytes32 {
     __m256i r, g, b;
 };
@@ -38,65 +39,68 @@ struct Bytes32 {
 // --- destination writers -----------------------------------------------------
 
 // 32-bit pixels (first, g, third, 0), eight per register, in pixel order.
-template <unsigned RedIndex>
+template <unsigned RedIndex, bool Packed>
 inline void Interleave32(const Bytes32& p, __m256i (&out)[4])
 {
     const __m256i first = RedIndex == 0 ? p.r : p.b;
     const __m256i third = RedIndex == 0 ? p.b : p.r;
     const __m256i zero = _mm256_setzero_si256();
-    const __m256i lo = _mm256_unpacklo_epi8(first, p.g);   // 0-7 | 16-23
+    // Natural order: lo 0-7 | 16-23, lo2 8-15 | 24-31; packed: lo 0-7 | 8-15, lo2 16-23 | 24-31.
+    const __m256i lo = _mm256_unpacklo_epi8(first, p.g);
     const __m256i hi = _mm256_unpacklo_epi8(third, zero);
-    const __m256i lo2 = _mm256_unpackhi_epi8(first, p.g);  // 8-15 | 24-31
+    const __m256i lo2 = _mm256_unpackhi_epi8(first, p.g);
     const __m256i hi2 = _mm256_unpackhi_epi8(third, zero);
-    const __m256i q0 = _mm256_unpacklo_epi16(lo, hi);    // 0-3 | 16-19
-    const __m256i q1 = _mm256_unpackhi_epi16(lo, hi);    // 4-7 | 20-23
-    const __m256i q2 = _mm256_unpacklo_epi16(lo2, hi2);  // 8-11 | 24-27
-    const __m256i q3 = _mm256_unpackhi_epi16(lo2, hi2);  // 12-15 | 28-31
+    const __m256i q0 = _mm256_unpacklo_epi16(lo, hi);    // natural 0-3 | 16-19, packed 0-3 | 8-11
+    const __m256i q1 = _mm256_unpackhi_epi16(lo, hi);    // natural 4-7 | 20-23, packed 4-7 | 12-15
+    const __m256i q2 = _mm256_unpacklo_epi16(lo2, hi2);  // natural 8-11 | 24-27, packed 16-19 | 24-27
+    const __m256i q3 = _mm256_unpackhi_epi16(lo2, hi2);  // natural 12-15 | 28-31, packed 20-23 | 28-31
     out[0] = _mm256_permute2x128_si256(q0, q1, 0x20);
-    out[1] = _mm256_permute2x128_si256(q2, q3, 0x20);
-    out[2] = _mm256_permute2x128_si256(q0, q1, 0x31);
+    out[1] = Packed ? _mm256_permute2x128_si256(q0, q1, 0x31) : _mm256_permute2x128_si256(q2, q3, 0x20);
+    out[2] = Packed ? _mm256_permute2x128_si256(q2, q3, 0x20) : _mm256_permute2x128_si256(q0, q1, 0x31);
     out[3] = _mm256_permute2x128_si256(q2, q3, 0x31);
 }
 
-template <unsigned RedIndex>
+template <unsigned RedIndex, bool Packed>
 struct Store32 {
     static constexpr std::uint32_t kBytes = 4;
     static void Put(unsigned char* d, const Bytes32& p)
     {
         __m256i q[4];
-        Interleave32<RedIndex>(p, q);
+        Interleave32<RedIndex, Packed>(p, q);
         for (int i = 0; i < 4; ++i)
             Store(d + 32 * i, q[i]);
     }
 };
 
-template <unsigned RedIndex>
+// 24-bit: each register of eight 32-bit pixels is squeezed to its 24 bytes
+// (in-lane byte shuffle, then a dword permute joins the lanes). The first
+// three registers are stored 32 bytes wide, each store's last 8 bytes being
+// rewritten by the next; the last one is stored as 16 + 8 bytes so nothing
+// past the 96 bytes of the group is touched.
+template <unsigned RedIndex, bool Packed>
 struct Store24 {
     static constexpr std::uint32_t kBytes = 3;
-    // Four 32-bit pixels of a 128-bit lane -> their 12 bytes, low end.
-    static __m128i Compact(__m128i x)
+    static __m256i Squeeze(__m256i x)
     {
-        const __m128i shuffle = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-        return _mm_shuffle_epi8(x, shuffle);
-    }
-    // Sixteen pixels (two registers) -> 48 bytes.
-    static void Put16(unsigned char* d, __m256i a, __m256i b)
-    {
-        const __m128i c0 = Compact(_mm256_castsi256_si128(a)), c1 = Compact(_mm256_extracti128_si256(a, 1));
-        const __m128i c2 = Compact(_mm256_castsi256_si128(b)), c3 = Compact(_mm256_extracti128_si256(b, 1));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_or_si128(c0, _mm_slli_si128(c1, 12)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16), _mm_or_si128(_mm_srli_si128(c1, 4), _mm_slli_si128(c2, 8)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 32), _mm_or_si128(_mm_srli_si128(c2, 8), _mm_slli_si128(c3, 4)));
+        const __m256i bytes = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //
+                                               0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+        const __m256i dwords = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
+        return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(x, bytes), dwords);
     }
     static void Put(unsigned char* d, const Bytes32& p)
     {
         __m256i q[4];
-        Interleave32<RedIndex>(p, q);
-        Put16(d, q[0], q[1]);
-        Put16(d + 48, q[2], q[3]);
+        Interleave32<RedIndex, Packed>(p, q);
+        Store(d, Squeeze(q[0]));
+        Store(d + 24, Squeeze(q[1]));
+        Store(d + 48, Squeeze(q[2]));
+        const __m256i last = Squeeze(q[3]);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 72), _mm256_castsi256_si128(last));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 88), _mm256_extracti128_si256(last, 1));
     }
 };
 
+template <bool Packed>
 struct Store16 {
     static constexpr std::uint32_t kBytes = 2;
     static __m256i Words(__m256i r, __m256i g, __m256i b)
@@ -108,12 +112,13 @@ struct Store16 {
     static void Put(unsigned char* d, const Bytes32& p)
     {
         const __m256i zero = _mm256_setzero_si256();
+        // Natural order: w0 0-7 | 16-23, w1 8-15 | 24-31; packed: w0 0-15, w1 16-31.
         const __m256i w0 = Words(_mm256_unpacklo_epi8(p.r, zero), _mm256_unpacklo_epi8(p.g, zero),
-                                 _mm256_unpacklo_epi8(p.b, zero));  // 0-7 | 16-23
+                                 _mm256_unpacklo_epi8(p.b, zero));
         const __m256i w1 = Words(_mm256_unpackhi_epi8(p.r, zero), _mm256_unpackhi_epi8(p.g, zero),
-                                 _mm256_unpackhi_epi8(p.b, zero));  // 8-15 | 24-31
-        Store(d, _mm256_permute2x128_si256(w0, w1, 0x20));
-        Store(d + 32, _mm256_permute2x128_si256(w0, w1, 0x31));
+                                 _mm256_unpackhi_epi8(p.b, zero));
+        Store(d, Packed ? w0 : _mm256_permute2x128_si256(w0, w1, 0x20));
+        Store(d + 32, Packed ? w1 : _mm256_permute2x128_si256(w0, w1, 0x31));
     }
 };
 
@@ -153,7 +158,7 @@ inline void Transform422(__m256i x, __m256i& r, __m256i& g, __m256i& b)
                          _mm256_srai_epi16(bs, kFractionBits));
 }
 
-// Packs two sets of sixteen 16-bit results into bytes in pixel order.
+// Packs two registers of sixteen 16-bit values into bytes in pixel order.
 inline __m256i PackInOrder(__m256i a, __m256i b)
 {
     return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0));
@@ -205,7 +210,7 @@ std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32
         reader.Load2(src, x0, x1);
         Transform422(x0, r0, g0, b0);
         Transform422(x1, r1, g1, b1);
-        Store::Put(dst, Bytes32{PackInOrder(r0, r1), PackInOrder(g0, g1), PackInOrder(b0, b1)});
+        Store::Put(dst, Bytes32{_mm256_packus_epi16(r0, r1), _mm256_packus_epi16(g0, g1), _mm256_packus_epi16(b0, b1)});
     }
     return groups * 16;
 }
@@ -216,11 +221,11 @@ std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std
 {
     switch (dstBytes) {
     case 2:
-        return Pairs422<Store16>(src, dst, pairs, reader);
+        return Pairs422<Store16<true>>(src, dst, pairs, reader);
     case 3:
-        return redIndex ? Pairs422<Store24<2>>(src, dst, pairs, reader) : Pairs422<Store24<0>>(src, dst, pairs, reader);
+        return redIndex ? Pairs422<Store24<2, true>>(src, dst, pairs, reader) : Pairs422<Store24<0, true>>(src, dst, pairs, reader);
     case 4:
-        return redIndex ? Pairs422<Store32<2>>(src, dst, pairs, reader) : Pairs422<Store32<0>>(src, dst, pairs, reader);
+        return redIndex ? Pairs422<Store32<2, true>>(src, dst, pairs, reader) : Pairs422<Store32<0, true>>(src, dst, pairs, reader);
     default:
         return 0;
     }
@@ -294,7 +299,7 @@ std::uint32_t Pixels444(const unsigned char* src, unsigned char* dst, std::uint3
                              _mm256_unpacklo_epi8(v, zero), r0, g0, b0);
         TransformLanes<V256>(_mm256_unpackhi_epi8(y, zero), _mm256_unpackhi_epi8(u, zero),
                              _mm256_unpackhi_epi8(v, zero), r1, g1, b1);
-        // In-lane packing restores pixel order here.
+        // In-lane packing gives natural order here.
         Store::Put(dst, Bytes32{_mm256_packus_epi16(r0, r1), _mm256_packus_epi16(g0, g1), _mm256_packus_epi16(b0, b1)});
     }
     return groups * 32;
@@ -308,13 +313,13 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
         return kYUVPathsSSE2.pixels444(src, dst, count, pixelBytes, yOffset, uOffset, vOffset, dstBytes, redIndex);
     switch (dstBytes) {
     case 2:
-        return Pixels444<Store16>(src, dst, count, yOffset, uOffset, vOffset);
+        return Pixels444<Store16<false>>(src, dst, count, yOffset, uOffset, vOffset);
     case 3:
-        return redIndex ? Pixels444<Store24<2>>(src, dst, count, yOffset, uOffset, vOffset)
-                        : Pixels444<Store24<0>>(src, dst, count, yOffset, uOffset, vOffset);
+        return redIndex ? Pixels444<Store24<2, false>>(src, dst, count, yOffset, uOffset, vOffset)
+                        : Pixels444<Store24<0, false>>(src, dst, count, yOffset, uOffset, vOffset);
     case 4:
-        return redIndex ? Pixels444<Store32<2>>(src, dst, count, yOffset, uOffset, vOffset)
-                        : Pixels444<Store32<0>>(src, dst, count, yOffset, uOffset, vOffset);
+        return redIndex ? Pixels444<Store32<2, false>>(src, dst, count, yOffset, uOffset, vOffset)
+                        : Pixels444<Store32<0, false>>(src, dst, count, yOffset, uOffset, vOffset);
     default:
         return 0;
     }
