@@ -33,7 +33,9 @@ void RecombineDualTapLine(const unsigned char* source, unsigned char* destinatio
 {
     if constexpr (Mode == 0) {
         // Stream order: every pair lands where it stands, a plain copy.
-        std::memcpy(destination, source, static_cast<std::size_t>(DualTapPairCount(n, pipelining)) * 2);
+        const std::size_t bytes = static_cast<std::size_t>(DualTapPairCount(n, pipelining)) * 2;
+        if (bytes != 0)
+            std::memcpy(destination, source, bytes);
     } else {
         std::uint32_t first = 0;
 #ifdef ZO_PACKED_SSE2
