@@ -158,7 +158,7 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
     if (vector && t.identity) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
     } else if (vector) {
-        alignas(32) unsigned char buffer[kFilterChunkPixels * 4];
+        alignas(16) unsigned char buffer[kFilterChunkPixels * 4];
         while (done < pairs) {
             const std::uint32_t want = pairs - done < kFilterChunkPixels / 2 ? pairs - done : kFilterChunkPixels / 2;
             const std::uint32_t got =
@@ -202,7 +202,7 @@ void YUV444RangeToRGB(const unsigned char* src, unsigned char* dst, std::uint32_
                                   pixelBytes, yOffset, uOffset, vOffset, Writer::kBytes,
                                   WriterShape<Writer>::kRedIndex);
     } else if (vector) {
-        alignas(32) unsigned char buffer[kFilterChunkPixels * 4];
+        alignas(16) unsigned char buffer[kFilterChunkPixels * 4];
         while (done < end) {
             const std::uint32_t want = end - done < kFilterChunkPixels ? end - done : kFilterChunkPixels;
             const std::uint32_t got =
