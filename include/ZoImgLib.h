@@ -11,6 +11,7 @@
 #include "ZoRGBFilter.h"
 #include "ZoPixelConverter.h"
 #include "ZoGenericConverters.h"
+#include "ZoBayerConverters.h"
 #include "ZoRGBConverters.h"
 #include "ZoGrayscaleConverters.h"
 #include "ZoYUVConverters.h"

@@ -1,0 +1,325 @@
+// The Bayer families against the reference demosaicer of BayerReference.h.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+#include "ZoBayerConverters.h"
+#include "ZoImgLib.h"
+#include "bayer/BayerReference.h"
+
+using namespace bayer_test;
+
+namespace {
+
+const ZoPixelConverter& Get(const Instance& in)
+{
+    return ZoPixelTypeFactory::GetConverter(in.source, in.destination);
+}
+
+const std::uint32_t kPatterns[] = {0, ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB,
+                                   ZO_FLAG_BAYER_BGGR};
+
+}  // namespace
+
+TEST(BayerRegistration, FiftyEightInstancesOfTheRightClasses)
+{
+    const std::vector<Instance> all = AllInstances();
+    ASSERT_EQ(all.size(), 58u);
+    for (const Instance& in : all) {
+        const ZoPixelConverter* c = &Get(in);
+        ASSERT_NE(c, nullptr) << std::hex << in.source << " -> " << in.destination;
+        EXPECT_EQ(c->GetSourceByteSize(), in.sourceBytes);
+        EXPECT_EQ(c->GetDestinationByteSize(), LayoutBytes(in.layout));
+        if (in.wordFamily) {
+            const auto* w = dynamic_cast<const ZoBayerRGB16ToRGB*>(c);
+            ASSERT_NE(w, nullptr);
+            EXPECT_EQ(w->GetSampleParam(), in.shift);
+        } else {
+            const auto* b = dynamic_cast<const ZoBayerRGB8ToRGB*>(c);
+            ASSERT_NE(b, nullptr);
+            EXPECT_EQ(b->GetSampleParam(), in.sourceBytes);
+            EXPECT_EQ(b->GetDefaultPattern(), in.noFlagPattern);
+        }
+    }
+    // Registered defaults of the 16-bit family, kept although never consulted.
+    const auto& rggb12 = dynamic_cast<const ZoBayerRGB16ToRGB&>(
+        ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB12, ZO_PT_RGB24));
+    EXPECT_EQ(rggb12.GetDefaultPattern(), ZO_FLAG_BAYER_RGGB);
+    const auto& rggb10 = dynamic_cast<const ZoBayerRGB8ToRGB&>(
+        ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB10 | ZO_PIXEL_NORMALIZED, ZO_PT_RGB24));
+    EXPECT_EQ(rggb10.GetDefaultPattern(), ZO_FLAG_BAYER_GRBG);
+}
+
+// The converters built here take registered pairs, so they do not register.
+TEST(BayerRegistration, ChannelIndicesAndPipelining)
+{
+    struct Probe16x24 : ZoBayerRGB16ToRGB24 {
+        Probe16x24() : ZoBayerRGB16ToRGB24(ZO_PT_BAYER_RGB12, true, 4, ZO_FLAG_BAYER_GRBG) {}
+        using ZoBayerRGB16ToRGB24::GetPipeliningSize;
+    };
+    struct Probe8x32 : ZoBayerRGB8ToRGB32 {
+        Probe8x32() : ZoBayerRGB8ToRGB32(ZO_PT_BAYER_RGB8, false, 0, ZO_FLAG_BAYER_GRBG) {}
+        using ZoBayerRGB8ToRGB32::GetPipeliningSize;
+    };
+    Probe16x24 p24;
+    Probe8x32 p32;
+    EXPECT_EQ(p24.GetPipeliningSize(), 2u);  // deliberately unlike the others
+    EXPECT_EQ(p32.GetPipeliningSize(), 8u);
+    EXPECT_EQ(p24.GetDestinationType(), ZO_PT_BGR24);
+    EXPECT_EQ(p24.GetRedIndex(), 2u);
+    EXPECT_EQ(p24.GetBlueIndex(), 0u);
+    EXPECT_EQ(p32.GetRedIndex(), 0u);
+    EXPECT_EQ(p32.GetGreenIndex(), 1u);
+    ZoBayerRGB16ToRGB48 normalized(ZO_PT_BAYER_RGB10 | ZO_PIXEL_NORMALIZED, true, ZO_FLAG_BAYER_GRBG);
+    EXPECT_EQ(normalized.GetDestinationType(), ZO_PT_RGB48 | ZO_PIXEL_NORMALIZED);
+    EXPECT_FALSE(normalized.IsBGROrder());
+    ZoBayerRGB8ToRGB16 extra(ZO_PT_BAYER_RGB10 | ZO_PIXEL_NORMALIZED, 1, ZO_FLAG_BAYER_RGGB);
+    EXPECT_EQ(extra.GetSourceByteSize(), 2u);
+    EXPECT_EQ(extra.GetSampleParam(), 2u);
+}
+
+// Every instance, pattern (and none), mode and size 1..9 x 1..9 plus a few
+// wider ones, every byte of exactly sized buffers.
+TEST(BayerConverters, EveryInstanceMatchesTheReference)
+{
+    std::mt19937 rng(1);
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> sizes;
+    for (std::uint32_t w = 1; w <= 9; ++w)
+        for (std::uint32_t h = 1; h <= 9; ++h)
+            sizes.push_back({w, h});
+    sizes.insert(sizes.end(), {{16, 3}, {17, 4}, {33, 5}, {40, 2}});
+    for (const Instance& in : AllInstances()) {
+        const ZoPixelConverter& conv = Get(in);
+        for (std::uint32_t pattern : kPatterns)
+            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
+                for (const auto& size : sizes) {
+                    const Case c{size.first, size.first, size.second, pattern | mode, nullptr, 0};
+                    const Outcome o = RunCase(conv, in, c, rng);
+                    ASSERT_EQ(o.result, ZO_OK);
+                    ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
+                }
+    }
+}
+
+// A non-identity filter, destination padding and an area narrower than the
+// source lines.
+TEST(BayerConverters, FilteredPaddedAndNarrowAreas)
+{
+    std::mt19937 rng(2);
+    const Case shapes[] = {
+        {9, 9, 7, 0, nullptr, 0}, {20, 17, 6, 0, nullptr, 3}, {12, 5, 5, 0, nullptr, 1}, {33, 33, 4, 0, nullptr, 0},
+        {2, 1, 3, 0, nullptr, 2},
+    };
+    for (const Instance& in : AllInstances()) {
+        const ZoPixelConverter& conv = Get(in);
+        for (std::uint32_t pattern : kPatterns)
+            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
+                for (Case c : shapes) {
+                    c.flags = pattern | mode;
+                    for (const ZoRGBFilter* f : {&RandomFilter(), static_cast<const ZoRGBFilter*>(nullptr)}) {
+                        c.filter = f;
+                        const Outcome o = RunCase(conv, in, c, rng);
+                        ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
+                    }
+                }
+    }
+}
+
+TEST(BayerConverters, FirstPatternFlagInOrderWins)
+{
+    std::mt19937 rng(3);
+    const Instance eight = AllInstances().back();  // 8-bit RGGB source to BGR32
+    const Instance word = AllInstances()[2];        // 10-bit to BGR24
+    for (const Instance& in : {eight, word})
+        for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
+            for (std::uint32_t flags : {0xF0u, 0xE0u, 0xC0u, 0x50u, 0xA0u}) {
+                const Case c{11, 11, 6, flags | mode, nullptr, 0};
+                const Outcome o = RunCase(Get(in), in, c, rng);  // reference: ColourAt's order
+                ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
+            }
+}
+
+// Without a pattern flag the 8-bit family uses its registered default, the
+// 16-bit family GRBG whatever its default.
+TEST(BayerConverters, PatternDefaultsOfDeprecatedTypes)
+{
+    std::mt19937 rng(4);
+    std::vector<std::uint8_t> source8(8 * 6), source16(8 * 6 * 2);
+    for (auto& b : source8)
+        b = std::uint8_t(rng());
+    for (auto& b : source16)
+        b = std::uint8_t(rng());
+    auto convert = [](const ZoPixelConverter& c, const std::vector<std::uint8_t>& s, std::uint32_t flags) {
+        std::vector<std::uint8_t> d(8 * 6 * 3);
+        c.Convert(s.data(), 8, 6, d.data(), 8, 6, 8, 6, flags, 0);
+        return d;
+    };
+    for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
+        const ZoPixelConverter& rggb8 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB8, ZO_PT_RGB24);
+        EXPECT_EQ(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_RGGB));
+        EXPECT_NE(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_GRBG));
+        const ZoPixelConverter& rggb12 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB12, ZO_PT_RGB24);
+        EXPECT_EQ(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_GRBG));
+        EXPECT_NE(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_RGGB));
+    }
+}
+
+// Each colour plane constant: the output is that colour everywhere, edges
+// included, in both modes. (The GRBG RGB16 replicating routine reads a green
+// site for red; see RedSamplingQuirk.)
+TEST(BayerConverters, FlatFieldPerPattern)
+{
+    for (const Instance& in : AllInstances()) {
+        const ZoPixelConverter& conv = Get(in);
+        const std::uint32_t plane[3] = {in.wordFamily ? 0x2F1u : 0xC8u, in.wordFamily ? 0x155u : 0x41u,
+                                        in.wordFamily ? 0x0A7u : 0x17u};
+        std::uint8_t pixel[6];
+        PutPixel(in, IdentityFilter(), plane, pixel);
+        const unsigned outBytes = LayoutBytes(in.layout);
+        for (std::uint32_t pattern : kPatterns)
+            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
+                for (std::uint32_t w : {2u, 3u, 9u, 17u})
+                    for (std::uint32_t h : {2u, 4u, 7u}) {
+                        const std::uint32_t used = pattern ? pattern : in.noFlagPattern;
+                        if (mode == 0 && IsQuirkRoutine(in, used) && w >= 8)
+                            continue;
+                        const std::uint32_t lines = mode ? h : (h + 1) & ~1u;
+                        std::vector<std::uint8_t> source(std::size_t(w) * lines * in.sourceBytes);
+                        for (std::uint32_t y = 0; y < lines; ++y)
+                            for (std::uint32_t x = 0; x < w; ++x)
+                                PutSample(in, plane[ColourAt(used, x, y)], 0x3C,
+                                          &source[(std::size_t(y) * w + x) * in.sourceBytes]);
+                        std::vector<std::uint8_t> dest(std::size_t(w) * lines * outBytes, 0xEE);
+                        conv.Convert(source.data(), w, lines, dest.data(), w, lines, w, h, pattern | mode, 0);
+                        for (std::size_t p = 0; p < std::size_t(w) * lines; ++p)
+                            ASSERT_EQ(0, std::memcmp(&dest[p * outBytes], pixel, outBytes))
+                                << std::hex << in.source << " -> " << in.destination << " pattern " << pattern
+                                << " mode " << mode << std::dec << " " << w << "x" << h << " pixel " << p;
+                    }
+    }
+}
+
+// Deliberate: replicating GRBG to RGB16 (8-bit family) takes the red of
+// pixels 2 and 3 of each group of eight from pixel 4 of the first line.
+TEST(BayerConverters, RedSamplingQuirk)
+{
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB16);
+    const std::uint32_t w = 18, h = 2;
+    std::vector<std::uint8_t> source(w * h), dest(w * h * 2);
+    for (std::uint32_t x = 0; x < w; ++x) {
+        source[x] = (x & 1) ? 0xF8 : 0x40;  // line 0: G R G R ... (red 0xF8, green 0x40)
+        source[w + x] = (x & 1) ? 0x40 : 0x08;  // line 1: B G B G ...
+    }
+    conv.Convert(source.data(), w, h, dest.data(), w, h, w, h, ZO_FLAG_BAYER_GRBG, 0);
+    for (std::uint32_t y = 0; y < h; ++y)
+        for (std::uint32_t x = 0; x < w; ++x) {
+            const bool quirk = x < 16 && (x % 8 == 2 || x % 8 == 3);
+            const unsigned red = quirk ? 0x40 : 0xF8;
+            const unsigned word = (red >> 3) << 11 | (0x40 >> 2) << 5 | (0x08 >> 3);
+            EXPECT_EQ(dest[(y * w + x) * 2] | dest[(y * w + x) * 2 + 1] << 8, int(word)) << x << "," << y;
+        }
+    // The same mosaic to RGB24 takes each cell's own red.
+    const ZoPixelConverter& rgb24 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
+    std::vector<std::uint8_t> d24(w * h * 3);
+    rgb24.Convert(source.data(), w, h, d24.data(), w, h, w, h, ZO_FLAG_BAYER_GRBG, 0);
+    for (std::uint32_t p = 0; p < w * h; ++p)
+        EXPECT_EQ(d24[p * 3], 0xF8);
+}
+
+TEST(BayerConverters, NormalizedTenBitFlatFieldGives255)
+{
+    const std::uint16_t word = 0x3FF << 6;
+    for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32, ZO_PT_RGB16}) {
+        const ZoPixelConverter& conv =
+            ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB10 | ZO_PIXEL_NORMALIZED, destination);
+        const unsigned out = conv.GetDestinationByteSize();
+        for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
+            std::vector<std::uint8_t> source(10 * 6 * 2), dest(10 * 6 * out, 0);
+            for (std::size_t i = 0; i < source.size(); i += 2) {
+                source[i] = std::uint8_t(word & 0xFF);
+                source[i + 1] = std::uint8_t(word >> 8);
+            }
+            conv.Convert(source.data(), 10, 6, dest.data(), 10, 6, 10, 6, mode, 0);
+            for (std::size_t p = 0; p < 60; ++p)
+                for (unsigned b = 0; b < std::min(out, 3u); ++b)
+                    ASSERT_EQ(dest[p * out + b], 0xFF) << destination << " pixel " << p;
+        }
+    }
+}
+
+TEST(BayerConverters, LineAndPixelFormsOutsideAnArea)
+{
+    std::vector<std::uint8_t> source(64, 7), dest(64 * 6, 0x5A);
+    for (const Instance& in : AllInstances()) {
+        const ZoPixelConverter& conv = Get(in);
+        // No area conversion: no pattern flag, so the replicating line call refuses.
+        EXPECT_EQ(conv.Convert(source.data(), dest.data(), 4), ZO_ERR_BAD_ARGUMENT);
+        EXPECT_EQ(conv.Convert(source.data(), dest.data()), ZO_ERR_NOT_SUPPORTED);
+    }
+    for (std::uint8_t b : dest)
+        ASSERT_EQ(b, 0x5A);
+}
+
+namespace {
+
+// A converter whose area walk hands each line to a Bayer converter's line
+// form: the Bayer line calls then run inside a conversion that is not the
+// Bayer converter's own, as a caller's nested use would. It takes the Bayer
+// converter's pair, which is registered already, so it never registers.
+class LineRelay : public ZoPixelConverter {
+public:
+    LineRelay(const ZoPixelConverter& bayer, std::uint32_t linesPerConvert)
+        : ZoPixelConverter(bayer.GetSourceType(), bayer.GetDestinationType(), bayer.GetSourceByteSize(), bayer.GetDestinationByteSize(), 1,
+                           linesPerConvert),
+          mBayer(bayer)
+    {
+    }
+    using ZoPixelConverter::Convert;
+    std::uint32_t Convert(const unsigned char* s, unsigned char* d, std::uint32_t count) const override
+    {
+        results.push_back(mBayer.Convert(s, d, count));
+        return 0;
+    }
+    mutable std::vector<std::uint32_t> results;
+
+private:
+    const ZoPixelConverter& mBayer;
+};
+
+}  // namespace
+
+// A line call outside the Bayer converter's own area call uses the layout
+// that its last area call left (all zero before the first).
+TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
+{
+    ZoBayerRGB8ToRGB24 fresh(ZO_PT_BAYER_RGB8, false, 0, ZO_FLAG_BAYER_GRBG);  // not registered: pair taken
+    const ZoBayerLayout zero = fresh.GetLastLayout();
+    EXPECT_EQ(zero.evenRowPhase, 0);
+    EXPECT_EQ(zero.neighbourOffsets[8][3], 0);
+
+    std::mt19937 rng(5);
+    const std::uint32_t w = 13, h = 6;
+    std::vector<std::uint8_t> source(w * h);
+    for (auto& b : source)
+        b = std::uint8_t(rng());
+    std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
+    const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
+    fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
+    const ZoBayerLayout last = fresh.GetLastLayout();
+    EXPECT_EQ(last.evenRowPhase, 3);
+    EXPECT_EQ(last.neighbourOffsets[0][0], -13);
+
+    LineRelay relay(fresh, 1);
+    relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
+    EXPECT_EQ(relayed, direct);
+    EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h, ZO_OK));
+
+    // Replicating through the relay: two lines per Bayer call, the relay
+    // itself steps two lines.
+    LineRelay pairs(fresh, 2);
+    std::vector<std::uint8_t> d1(w * h * 3, 1), d2(w * h * 3, 2);
+    fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
+    pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
+    EXPECT_EQ(d1, d2);
+}

@@ -1,0 +1,314 @@
+// A plain per-pixel Bayer demosaicer written from the rules, and a
+// description of every registered Bayer converter, for the Bayer tests.
+#ifndef ZO_TESTS_BAYER_REFERENCE_H
+#define ZO_TESTS_BAYER_REFERENCE_H
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ZoImgLib.h"
+
+namespace bayer_test {
+
+enum class Layout { RGB16, RGB24, BGR24, RGB32, BGR32, RGB48 };
+
+inline unsigned LayoutBytes(Layout l)
+{
+    switch (l) {
+    case Layout::RGB16: return 2;
+    case Layout::RGB24: case Layout::BGR24: return 3;
+    case Layout::RGB32: case Layout::BGR32: return 4;
+    default: return 6;
+    }
+}
+
+// How a registered converter reads its source and what it writes.
+struct Instance {
+    std::int64_t source;
+    std::int64_t destination;
+    Layout layout;
+    bool wordFamily;            // 16-bit family (whole words)
+    unsigned sourceBytes;       // bytes per source pixel (1 or 2)
+    unsigned shift;             // 16-bit family: shift to 8 bits (none for RGB48)
+    std::uint32_t noFlagPattern;  // the pattern used by an area call without pattern flag
+};
+
+// The 58 registered instances, derived from the rules (not from the library).
+inline std::vector<Instance> AllInstances()
+{
+    const std::int64_t N = ZO_PIXEL_NORMALIZED;
+    struct Dst { std::int64_t id; Layout layout; };
+    const Dst eight[] = {{ZO_PT_RGB16, Layout::RGB16}, {ZO_PT_RGB24, Layout::RGB24}, {ZO_PT_BGR24, Layout::BGR24},
+                         {ZO_PT_RGB32, Layout::RGB32}, {ZO_PT_BGR32, Layout::BGR32}};
+    std::vector<Instance> all;
+    // 10- and 12-bit: 16-bit family, which ignores its default (always GRBG).
+    const std::pair<std::int64_t, unsigned> words[] = {
+        {ZO_PT_BAYER_RGB10, 2}, {ZO_PT_BAYER_RGGB10, 2}, {ZO_PT_BAYER_RGB12, 4}, {ZO_PT_BAYER_RGGB12, 4}};
+    for (const auto& s : words) {
+        for (const Dst& d : eight)
+            all.push_back({s.first, d.id, d.layout, true, 2, s.second, ZO_FLAG_BAYER_GRBG});
+        all.push_back({s.first, ZO_PT_RGB48, Layout::RGB48, true, 2, 0, ZO_FLAG_BAYER_GRBG});
+    }
+    // "Normalized": upper byte through the 8-bit family, whole words to RGB48 Normalized.
+    const std::pair<std::int64_t, std::uint32_t> normalized[] = {
+        {ZO_PT_BAYER_RGB10 | N, ZO_FLAG_BAYER_GRBG}, {ZO_PT_BAYER_RGGB10 | N, ZO_FLAG_BAYER_GRBG},
+        {ZO_PT_BAYER_RGB12 | N, ZO_FLAG_BAYER_GRBG}, {ZO_PT_BAYER_RGGB12 | N, ZO_FLAG_BAYER_RGGB}};
+    for (const auto& s : normalized) {
+        for (const Dst& d : eight)
+            all.push_back({s.first, d.id, d.layout, false, 2, 0, s.second});
+        all.push_back({s.first, ZO_PT_RGB48 | N, Layout::RGB48, true, 2, 0, ZO_FLAG_BAYER_GRBG});
+    }
+    const std::pair<std::int64_t, std::uint32_t> bytes[] = {{ZO_PT_BAYER_RGB8, ZO_FLAG_BAYER_GRBG},
+                                                            {ZO_PT_BAYER_RGGB8, ZO_FLAG_BAYER_RGGB}};
+    for (const auto& s : bytes)
+        for (const Dst& d : eight)
+            all.push_back({s.first, d.id, d.layout, false, 1, 0, s.second});
+    return all;
+}
+
+// Colour (0 red, 1 green, 2 blue) of pixel (x, y) for a pattern flag.
+inline int ColourAt(std::uint32_t patternFlag, std::uint32_t x, std::uint32_t y)
+{
+    const char* rows;
+    if (patternFlag & ZO_FLAG_BAYER_GRBG)
+        rows = "GRBG";
+    else if (patternFlag & ZO_FLAG_BAYER_GBRG)
+        rows = "GBRG";
+    else if (patternFlag & ZO_FLAG_BAYER_RGGB)
+        rows = "RGGB";
+    else
+        rows = "BGGR";
+    const char c = rows[(y & 1) * 2 + (x & 1)];
+    return c == 'R' ? 0 : c == 'G' ? 1 : 2;
+}
+
+// A mosaic of raw sample values (what the converter averages: bytes for the
+// 8-bit family, whole words for the 16-bit family).
+struct Mosaic {
+    std::uint32_t width = 0, height = 0;  // width = source width (samples per line)
+    std::vector<std::uint32_t> v;
+    std::uint32_t At(std::uint32_t x, std::uint32_t y) const { return v[y * width + x]; }
+};
+
+// Raw (unfiltered) colour of one output pixel, interpolating: each missing
+// colour is the truncating average of the same-coloured samples of the 3x3
+// neighbourhood inside the area (areaWidth x areaHeight).
+inline void InterpolatedPixel(const Mosaic& m, std::uint32_t pattern, std::uint32_t areaWidth,
+                              std::uint32_t areaHeight, std::uint32_t x, std::uint32_t y, std::uint32_t rgb[3])
+{
+    for (int ch = 0; ch < 3; ++ch) {
+        if (ColourAt(pattern, x, y) == ch) {
+            rgb[ch] = m.At(x, y);
+            continue;
+        }
+        std::uint32_t sum = 0, n = 0;
+        for (int dy = -1; dy <= 1; ++dy)
+            for (int dx = -1; dx <= 1; ++dx) {
+                const long nx = long(x) + dx, ny = long(y) + dy;
+                if (nx < 0 || ny < 0 || nx >= long(areaWidth) || ny >= long(areaHeight))
+                    continue;
+                if (ColourAt(pattern, std::uint32_t(nx), std::uint32_t(ny)) == ch) {
+                    sum += m.At(std::uint32_t(nx), std::uint32_t(ny));
+                    ++n;
+                }
+            }
+        rgb[ch] = n == 0 ? 0 : n == 1 ? sum : n == 2 ? sum / 2 : n == 3 ? sum / 3 : sum / 4;
+    }
+}
+
+// Raw colour of one output pixel, replicating: the 2x2 cell's red and blue,
+// the left pixel the green of the cell's first line, the right one that of
+// its second line. A half cell at an odd width takes a colour missing from
+// its column from the pixel to its left (0 if none) and the green of its
+// own column. `redQuirk`: in every full group of eight pixels, pixels 2 and 3
+// take red from pixel 4 of the cell's first line.
+inline void ReplicatedPixel(const Mosaic& m, std::uint32_t pattern, std::uint32_t areaWidth, bool redQuirk,
+                            std::uint32_t x, std::uint32_t y, std::uint32_t rgb[3])
+{
+    const std::uint32_t cx = x & ~1u, cy = y & ~1u;
+    const bool half = cx + 1 >= areaWidth;
+    for (int ch = 0; ch < 3; ++ch) {
+        if (ch == 1) {
+            const std::uint32_t gy = half ? (ColourAt(pattern, cx, cy) == 1 ? cy : cy + 1) : (x == cx ? cy : cy + 1);
+            const std::uint32_t gx = half ? cx : (ColourAt(pattern, cx, gy) == 1 ? cx : cx + 1);
+            rgb[1] = m.At(gx, gy);
+            continue;
+        }
+        for (std::uint32_t dy = 0; dy < 2; ++dy)
+            for (std::uint32_t dx = 0; dx < 2; ++dx)
+                if (ColourAt(pattern, cx + dx, cy + dy) == ch) {
+                    if (!half || dx == 0)
+                        rgb[ch] = m.At(cx + dx, cy + dy);
+                    else
+                        rgb[ch] = cx > 0 ? m.At(cx - 1, cy + dy) : 0;
+                }
+    }
+    const std::uint32_t group = x / 8 * 8;
+    if (redQuirk && group + 8 <= areaWidth && (x - group == 2 || x - group == 3))
+        rgb[0] = m.At(group + 4, cy);
+}
+
+// Filters the raw colour and writes one destination pixel.
+inline void PutPixel(const Instance& in, const ZoRGBFilter& f, const std::uint32_t raw[3], unsigned char* d)
+{
+    if (in.layout == Layout::RGB48) {
+        const std::uint16_t c[3] = {f.GetRedValue16(raw[0]), f.GetGreenValue16(raw[1]), f.GetBlueValue16(raw[2])};
+        for (int i = 0; i < 3; ++i) {
+            d[2 * i] = std::uint8_t(c[i] & 0xFF);
+            d[2 * i + 1] = std::uint8_t(c[i] >> 8);
+        }
+        return;
+    }
+    std::uint32_t v[3];
+    for (int i = 0; i < 3; ++i)
+        v[i] = in.wordFamily ? (raw[i] >> in.shift) % 256 : raw[i];
+    const std::uint8_t r = f.GetRedValue8(v[0]), g = f.GetGreenValue8(v[1]), b = f.GetBlueValue8(v[2]);
+    switch (in.layout) {
+    case Layout::RGB16: {
+        const unsigned w = (unsigned(r) / 8) * 2048 + (unsigned(g) / 4) * 32 + unsigned(b) / 8;
+        d[0] = std::uint8_t(w & 0xFF);
+        d[1] = std::uint8_t(w >> 8);
+        break;
+    }
+    case Layout::RGB24: d[0] = r; d[1] = g; d[2] = b; break;
+    case Layout::BGR24: d[0] = b; d[1] = g; d[2] = r; break;
+    case Layout::RGB32: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
+    case Layout::BGR32: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
+    default: break;
+    }
+}
+
+// The source bytes of sample value s: one byte; a word; or, for the 8-bit
+// family on a 16-bit container, the value in the upper byte and noise below.
+inline void PutSample(const Instance& in, std::uint32_t s, std::uint8_t noise, unsigned char* p)
+{
+    if (in.sourceBytes == 1) {
+        p[0] = std::uint8_t(s);
+    } else if (in.wordFamily) {
+        p[0] = std::uint8_t(s & 0xFF);
+        p[1] = std::uint8_t(s >> 8);
+    } else {
+        p[0] = noise;
+        p[1] = std::uint8_t(s);
+    }
+}
+
+inline bool IsQuirkRoutine(const Instance& in, std::uint32_t pattern)
+{
+    return !in.wordFamily && in.layout == Layout::RGB16 && (pattern & ZO_FLAG_BAYER_GRBG);
+}
+
+// A filter whose 8-bit and 16-bit tables hold random values.
+inline const ZoRGBFilter& RandomFilter()
+{
+    static const ZoRGBFilter* filter = [] {
+        ZoRGBFilter* f = new ZoRGBFilter(16);
+        std::mt19937 rng(77);
+        for (std::uint32_t i = 0; i < 65536; ++i) {
+            const std::uint32_t top = i < 256 ? 256 : 65536;
+            f->SetRedValue(i, std::uint16_t(rng() % top));
+            f->SetGreenValue(i, std::uint16_t(rng() % top));
+            f->SetBlueValue(i, std::uint16_t(rng() % top));
+        }
+        return f;
+    }();
+    return *filter;
+}
+
+}  // namespace bayer_test
+
+namespace bayer_test {
+
+struct Case {
+    std::uint32_t sourceWidth;
+    std::uint32_t width;   // area width (<= sourceWidth)
+    std::uint32_t height;  // area height
+    std::uint32_t flags;   // pattern flags (maybe none) and FLAG_BAYER_INTERPOLATE
+    const ZoRGBFilter* filter;  // null: the converter's default
+    std::uint32_t padding;
+};
+
+// Lines a conversion touches: the area, or for replicating mode with an
+// odd height one more (as the header says).
+inline std::uint32_t TouchedLines(const Case& c)
+{
+    return (c.flags & ZO_FLAG_BAYER_INTERPOLATE) ? c.height : (c.height + 1) & ~1u;
+}
+
+inline const ZoRGBFilter& IdentityFilter()
+{
+    static const ZoRGBFilter identity(16);
+    return identity;
+}
+
+struct Outcome {
+    std::vector<std::uint8_t> actual, expected;
+    std::uint32_t result = 0;
+    std::string Describe(const Instance& in, const Case& c) const
+    {
+        std::ostringstream s;
+        s << std::hex << "source 0x" << in.source << " destination 0x" << in.destination << std::dec
+          << " sourceWidth " << c.sourceWidth << " width " << c.width << " height " << c.height << " flags 0x"
+          << std::hex << c.flags << std::dec << (c.filter ? " filtered" : "") << " padding " << c.padding;
+        const auto mismatch = std::mismatch(actual.begin(), actual.end(), expected.begin());
+        if (mismatch.first != actual.end())
+            s << ": first difference at byte " << (mismatch.first - actual.begin()) << " (got "
+              << int(*mismatch.first) << ", expected " << int(*mismatch.second) << ")";
+        return s.str();
+    }
+};
+
+// Fills a random mosaic (full-range samples) into a source buffer sized
+// exactly for the lines the conversion touches, converts it through `conv`
+// into a poisoned destination of exactly those lines, and computes the
+// expected destination with the reference.
+inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const Case& c, std::mt19937& rng)
+{
+    const bool interpolate = (c.flags & ZO_FLAG_BAYER_INTERPOLATE) != 0;
+    const std::uint32_t pattern =
+        (c.flags & ZO_FLAG_BAYER_PATTERN_MASK) ? (c.flags & ZO_FLAG_BAYER_PATTERN_MASK) : in.noFlagPattern;
+    const std::uint32_t lines = TouchedLines(c);
+    const unsigned outBytes = LayoutBytes(in.layout);
+
+    Mosaic m;
+    m.width = c.sourceWidth;
+    m.height = lines;
+    std::vector<std::uint8_t> source(std::size_t(lines) * c.sourceWidth * in.sourceBytes);
+    for (std::uint32_t i = 0; i < lines * c.sourceWidth; ++i) {
+        const std::uint32_t s = in.sourceBytes == 2 && in.wordFamily ? rng() & 0xFFFF : rng() & 0xFF;
+        m.v.push_back(s);
+        PutSample(in, s, std::uint8_t(rng()), &source[std::size_t(i) * in.sourceBytes]);
+    }
+
+    const std::uint32_t lineBytes = c.sourceWidth * outBytes + c.padding;
+    Outcome o;
+    o.expected.assign(std::size_t(lines) * lineBytes, 0xA5);
+    o.actual = o.expected;
+    const ZoRGBFilter& f = c.filter ? *c.filter : IdentityFilter();
+    const bool quirk = !interpolate && IsQuirkRoutine(in, pattern);
+    for (std::uint32_t y = 0; y < lines; ++y)
+        for (std::uint32_t x = 0; x < c.width; ++x) {
+            std::uint32_t raw[3];
+            if (interpolate)
+                InterpolatedPixel(m, pattern, c.width, c.height, x, y, raw);
+            else
+                ReplicatedPixel(m, pattern, c.width, quirk, x, y, raw);
+            PutPixel(in, f, raw, &o.expected[std::size_t(y) * lineBytes + std::size_t(x) * outBytes]);
+        }
+
+    if (c.filter)
+        o.result = conv.Convert(*c.filter, source.data(), c.sourceWidth, lines, o.actual.data(), c.sourceWidth,
+                                lines, c.width, c.height, c.flags, c.padding);
+    else
+        o.result = conv.Convert(source.data(), c.sourceWidth, lines, o.actual.data(), c.sourceWidth, lines, c.width,
+                                c.height, c.flags, c.padding);
+    return o;
+}
+
+}  // namespace bayer_test
+
+#endif
