@@ -13,13 +13,14 @@
 //   n = 8, source a0 b0 a1 b1 a2 b2 a3 b3, Left+Right Inverted:
 //   a0 a1 a2 a3 b3 b2 b1 b0
 //
-// Widths: callers give even widths. With an odd n the last pair is still
-// converted whole: it reads source byte n (one past the line) and writes
-// both its pixels: with a single tap one byte past the line (byte n); with
-// Left Inverted taps one byte before the line (byte -1); with the other two
-// modes onto byte h, which it overwrites. Allow one byte on each side of a
-// destination line and one byte after a source line when the width may be
-// odd.
+// Widths: callers give even widths. With an odd n the last pair (i = h) is
+// still converted whole: it reads source byte n, one past the line, and
+// writes both its bytes by the table above. So a single tap writes byte n,
+// one past the line; Left Inverted taps write byte -1, one before the line;
+// on Dual Left+Right the last A replaces the first B on byte h, and on Dual
+// Left+Right Inverted both last bytes go to byte h, B last. Allow one byte
+// on each side of a destination line and one byte after a source line when
+// the width may be odd.
 #ifndef ZO_DUAL_TAP_CONVERTERS_H
 #define ZO_DUAL_TAP_CONVERTERS_H
 

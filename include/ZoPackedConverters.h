@@ -18,12 +18,13 @@
 //
 // Widths: callers give even widths. A line of n pixels reads (n >> 1) x 3
 // source bytes (GetSourceByteSize; an odd last pixel is not counted). With
-// an odd n the last group is still converted whole: it reads three bytes
-// past those, and writes both its samples: on a single-tap source one pixel
-// past the line (pixel n); on Left Inverted sources one pixel before the
-// line (pixel -1); on the other two-tap sources onto pixel h, which it
-// overwrites. Allow one destination pixel on each side of a line and three
-// source bytes after it when the width may be odd.
+// an odd n the last group (i = h) is still converted whole: it reads three
+// bytes past those and writes both its samples by the table above. So a
+// single-tap source writes pixel n, one past the line; Left Inverted
+// sources write pixel -1, one before the line; on Dual Left+Right the last
+// A replaces the first B on pixel h, and on Dual Left+Right Inverted both
+// last samples go to pixel h, B last. Allow one destination pixel on each
+// side of a line and three source bytes after it when the width may be odd.
 //
 // Only the line form converts: a lone pixel of a packed pair cannot be
 // converted, so the single-pixel form returns 26. No form applies a filter.

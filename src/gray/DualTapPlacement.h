@@ -23,9 +23,9 @@
 //
 // Odd n: the last pair (i = h) is still visited whole. In mode 0 its B lands
 // at position n, one past the line; in modes 3 and 4 its A lands at
-// position -1, one before the line; in modes 1 and 2 it lands on position h,
-// where it overwrites what an earlier pair put there. Callers give even
-// widths.
+// position -1, one before the line; in mode 1 its A replaces the B of pair 0
+// on position h, and in mode 2 both its samples go to position h, B last.
+// Callers give even widths.
 #ifndef ZO_DUAL_TAP_PLACEMENT_H
 #define ZO_DUAL_TAP_PLACEMENT_H
 
