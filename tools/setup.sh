@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what building and testing ZoImgLib needs on Debian 12, and only
+# what is missing: compiler, CMake, make, pkg-config, GoogleTest, Google
+# Benchmark and libpng (for the zoimg tool's PNG output). Non-interactive;
+# uses sudo only when not run as root.
+set -euo pipefail
+
+packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev)
+
+installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
+
+missing=()
+for p in "${packages[@]}"; do
+    installed "$p" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup: need root or sudo to install: ${missing[*]}" >&2; exit 1; }
+    sudo_cmd=(sudo)
+fi
+echo "setup: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
