@@ -89,6 +89,10 @@ private:
 // (g g g), 4 bytes RGB32/BGR32 (g g g g: the fourth byte carries g as well).
 class ZO_API ZoGrayscale16PackedToRGB : public ZoPixelConverter {
 public:
+    // A line is converted in blocks of four groups over (n / P) x P pixels,
+    // P the pipelining size, that count taken up to a multiple of eight,
+    // then group by group: give a multiple of 8 (the subclasses use 8), or
+    // the blocks may run past the end of the line.
     ZoGrayscale16PackedToRGB(const std::int64_t& sourceType, const std::int64_t& destinationType,
                              std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize,
                              std::uint32_t pipeliningSize, std::uint32_t aShift, std::uint32_t bShift);
