@@ -45,7 +45,7 @@ export WINEDLLOVERRIDES="mscoree,mshtml="   # no Mono/Gecko prompts
 stop_wine() { wineserver -k >/dev/null 2>&1 || true; }
 trap stop_wine EXIT
 boot_log="$build/wine-boot.log"
-(wineserver -p && wineboot -i) </dev/null >"$boot_log" 2>&1 &
+(wineserver -p && timeout 300 wineboot -i) </dev/null >"$boot_log" 2>&1 &
 boot_pid=$!
 
 # ---- Cross-build ------------------------------------------------------------
