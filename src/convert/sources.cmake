@@ -10,4 +10,10 @@ list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/FilterTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/AreaWalkTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/GenericConvertersTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ConcurrencyTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ConcurrencyTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainedRegistryTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/LibraryUnloadTest.cpp)
+# The table of built-in chains as settled beside the repository; the registry
+# test checks every row of it (and skips when it is absent).
+list(APPEND ZO_TEST_DEFINITIONS
+  ZO_CHAIN_TABLE_CSV="${CMAKE_CURRENT_SOURCE_DIR}/../shared/design/chained-converters.csv")

@@ -1,0 +1,543 @@
+// The built-in chained converters against the settled table of chains, and
+// the registry as a whole once every family is in.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <typeinfo>
+#include <vector>
+
+#include "ZoDualTapConverters.h"
+#include "ZoGrayscaleConverters.h"
+#include "ZoPackedConverters.h"
+#include "ZoPixelTypeFactory.h"
+#include "ZoRGBConverters.h"
+#include "ZoYUVConverters.h"
+#include "convert/ConvertTestSupport.h"
+#if __has_include("ZoBayerConverters.h")
+#include "ZoBayerConverters.h"
+#define ZO_TEST_HAVE_BAYER 1
+#endif
+
+#ifndef ZO_CHAIN_TABLE_CSV
+#define ZO_CHAIN_TABLE_CSV "chained-converters.csv"
+#endif
+
+namespace {
+
+using Pair = std::pair<std::int64_t, std::int64_t>;
+
+// One stage as the table names it: a direct converter (class, pair and
+// constructor parameters) or the chain of an earlier row.
+struct StageEntry {
+    int chain = -1;
+    std::string cls;
+    std::int64_t source = 0, destination = 0;
+    std::map<std::string, std::string> params;
+};
+
+struct ChainEntry {
+    int order;
+    std::int64_t source, intermediate, destination;
+    StageEntry first, second;
+    bool registers;
+};
+
+std::int64_t Hex(const std::string& s) { return static_cast<std::int64_t>(std::stoll(s, nullptr, 16)); }
+
+void ParsePair(const std::string& text, StageEntry& stage)
+{
+    const std::size_t arrow = text.find("->");
+    stage.source = Hex(text.substr(0, arrow));
+    stage.destination = Hex(text.substr(arrow + 2));
+}
+
+// "chain#7(0x320011->0x20002)" or "ZoClass 0xS->0xD key=value ...".
+StageEntry ParseStage(const std::string& text)
+{
+    StageEntry stage;
+    if (text.rfind("chain#", 0) == 0) {
+        const std::size_t open = text.find('('), close = text.find(')');
+        stage.chain = std::stoi(text.substr(6, open - 6));
+        ParsePair(text.substr(open + 1, close - open - 1), stage);
+        return stage;
+    }
+    std::istringstream words(text);
+    std::string pair, param;
+    words >> stage.cls >> pair;
+    ParsePair(pair, stage);
+    while (words >> param) {
+        const std::size_t eq = param.find('=');
+        stage.params[param.substr(0, eq)] = param.substr(eq + 1);
+    }
+    return stage;
+}
+
+std::vector<std::string> SplitCsvLine(const std::string& line)
+{
+    std::vector<std::string> fields;
+    std::string field;
+    std::istringstream in(line);
+    while (std::getline(in, field, ','))
+        fields.push_back(field);
+    return fields;
+}
+
+const std::vector<ChainEntry>& Table()
+{
+    static const std::vector<ChainEntry> table = [] {
+        std::vector<ChainEntry> rows;
+        std::ifstream in(ZO_CHAIN_TABLE_CSV);
+        std::string line;
+        if (!std::getline(in, line))
+            return rows;  // no table beside the repository
+        while (std::getline(in, line)) {
+            if (!line.empty() && line.back() == '\r')
+                line.pop_back();
+            if (line.empty())
+                continue;
+            const auto f = SplitCsvLine(line);
+            if (f.size() != 7)
+                throw std::runtime_error("bad table line: " + line);
+            rows.push_back({std::stoi(f[0]), Hex(f[1]), Hex(f[2]), Hex(f[3]), ParseStage(f[4]), ParseStage(f[5]),
+                            f[6] == "yes"});
+        }
+        return rows;
+    }();
+    return table;
+}
+
+#define REQUIRE_TABLE()                                                                                     \
+    if (Table().empty())                                                                                    \
+    GTEST_SKIP() << "table of chains not found: " ZO_CHAIN_TABLE_CSV
+
+// Every ID the built-in types are made of: base IDs with any of the
+// Normalized, Interlaced, Packed and Planar bits and any tap mode.
+const std::vector<std::int64_t>& CandidateIds()
+{
+    static const std::vector<std::int64_t> ids = [] {
+        const std::int64_t bases[] = {
+            ZO_PT_GRAY8,        ZO_PT_GRAY10,       ZO_PT_GRAY12,       ZO_PT_GRAY14,       ZO_PT_GRAY16,
+            ZO_PT_RGB16,        ZO_PT_RGB24,        ZO_PT_RGB32,        ZO_PT_RGB48,        ZO_PT_RGB64,
+            ZO_PT_BGR24,        ZO_PT_BGR32,        ZO_PT_RGB48_10BITS, ZO_PT_RGB64_10BITS, ZO_PT_RGB8_3,
+            ZO_PT_RGB8_4,       ZO_PT_RGB48_12BITS, ZO_PT_RGB64_12BITS, ZO_PT_BAYER_RGB8,   ZO_PT_BAYER_RGB10,
+            ZO_PT_BAYER_RGB12,  ZO_PT_BAYER_RGGB8,  ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12, ZO_PT_YUV8,
+            ZO_PT_YUV10,        ZO_PT_YUV8_444,     ZO_PT_YCRCB};
+        const std::uint32_t taps[] = {0,
+                                      ZO_PIXEL_TAP_DUAL_LR,
+                                      ZO_PIXEL_TAP_DUAL_LR_INV,
+                                      ZO_PIXEL_TAP_DUAL_LINV_R,
+                                      ZO_PIXEL_TAP_DUAL_LINV_RINV,
+                                      ZO_PIXEL_TAP_DUAL_LINES};
+        std::vector<std::int64_t> v;
+        for (std::int64_t base : bases)
+            for (std::uint32_t bits = 0; bits < 16; ++bits)
+                for (std::uint32_t tap : taps)
+                    v.push_back(base | (static_cast<std::int64_t>(bits) << 20) | tap);
+        return v;
+    }();
+    return ids;
+}
+
+// The registered pairs between built-in IDs (test converters excluded).
+std::set<Pair> RegisteredPairs()
+{
+    std::set<Pair> pairs;
+    for (std::int64_t source : CandidateIds()) {
+        std::int64_t destination = 0;
+        for (std::uint32_t i = 0; ZoPixelTypeFactory::EnumConverterFrom(i, source, destination); ++i)
+            if (!zotest::IsTestId(destination))
+                pairs.insert({source, destination});
+    }
+    return pairs;
+}
+
+// The registry as the library left it at load, taken before any test can
+// register converters of its own.
+std::set<Pair> gPairsAtLoad;
+
+class RegistrySnapshot : public testing::Environment {
+public:
+    void SetUp() override { gPairsAtLoad = RegisteredPairs(); }
+};
+testing::Environment* const gSnapshot = testing::AddGlobalTestEnvironment(new RegistrySnapshot);
+
+const ZoPixelConverter* Registered(std::int64_t source, std::int64_t destination)
+{
+    return &ZoPixelTypeFactory::GetConverter(source, destination);
+}
+
+// The exact class of a converter, compared by its type name.
+bool IsExactly(const ZoPixelConverter& c, const std::string& cls)
+{
+    return std::string(typeid(c).name()) == std::to_string(cls.size()) + cls;
+}
+
+bool Flag(const StageEntry& s, const char* key) { return s.params.at(key) == "True"; }
+std::uint32_t Num(const StageEntry& s, const char* key) { return static_cast<std::uint32_t>(std::stoul(s.params.at(key))); }
+std::uint32_t Pattern(const StageEntry& s)
+{
+    const std::string& p = s.params.at("pattern");
+    return p == "GRBG" ? ZO_FLAG_BAYER_GRBG : p == "GBRG" ? ZO_FLAG_BAYER_GBRG
+         : p == "RGGB" ? ZO_FLAG_BAYER_RGGB : ZO_FLAG_BAYER_BGGR;
+}
+
+// A second object built from the table's constructor parameters; it does
+// not register (the pair is served already) and is compared with the
+// registered one. Null for an unknown class.
+std::unique_ptr<ZoPixelConverter> Twin(const StageEntry& s)
+{
+    const std::int64_t src = s.source, dst = s.destination;
+    const std::string& c = s.cls;
+    if (c == "ZoIdentityConverter")
+        return std::make_unique<ZoIdentityConverter>(src, dst, Num(s, "src_size"), Num(s, "dst_size"));
+#ifdef ZO_TEST_HAVE_BAYER
+    if (c == "ZoBayerRGB16ToRGB16")
+        return std::make_unique<ZoBayerRGB16ToRGB16>(src, Num(s, "shift"), Pattern(s));
+    if (c == "ZoBayerRGB16ToRGB24")
+        return std::make_unique<ZoBayerRGB16ToRGB24>(src, Flag(s, "bgr"), Num(s, "shift"), Pattern(s));
+    if (c == "ZoBayerRGB16ToRGB32")
+        return std::make_unique<ZoBayerRGB16ToRGB32>(src, Flag(s, "bgr"), Num(s, "shift"), Pattern(s));
+    if (c == "ZoBayerRGB16ToRGB48")
+        return std::make_unique<ZoBayerRGB16ToRGB48>(src, Flag(s, "normalized"), Pattern(s));
+    if (c == "ZoBayerRGB8ToRGB16")
+        return std::make_unique<ZoBayerRGB8ToRGB16>(src, Num(s, "extra"), Pattern(s));
+    if (c == "ZoBayerRGB8ToRGB24")
+        return std::make_unique<ZoBayerRGB8ToRGB24>(src, Flag(s, "bgr"), Num(s, "extra"), Pattern(s));
+    if (c == "ZoBayerRGB8ToRGB32")
+        return std::make_unique<ZoBayerRGB8ToRGB32>(src, Flag(s, "bgr"), Num(s, "extra"), Pattern(s));
+#endif
+    if (c == "ZoGrayscale16PackedToGrayscale16")
+        return std::make_unique<ZoGrayscale16PackedToGrayscale16>(
+            src, dst, static_cast<std::int16_t>(Num(s, "b_shift")), static_cast<std::uint16_t>(Num(s, "mask")),
+            static_cast<std::int16_t>(Num(s, "a_shift")));
+    if (c == "ZoGrayscale16PackedToRGB24")
+        return std::make_unique<ZoGrayscale16PackedToRGB24>(src, Flag(s, "bgr"), Num(s, "a_shift"),
+                                                             Num(s, "b_shift"));
+    if (c == "ZoGrayscale16ToGrayscale16LeftShift")
+        return std::make_unique<ZoGrayscale16ToGrayscale16LeftShift>(src, dst, Num(s, "shift"));
+    if (c == "ZoDualGrayscale8ToGrayscale8")
+        return std::make_unique<ZoDualGrayscale8ToGrayscale8>(src, dst);
+    if (c == "ZoGrayscale8ToRGB16")
+        return std::make_unique<ZoGrayscale8ToRGB16>(src, Num(s, "extra"));
+    if (c == "ZoGrayscale8ToRGB24")
+        return std::make_unique<ZoGrayscale8ToRGB24>(src, Flag(s, "bgr"), Num(s, "extra"));
+    if (c == "ZoGrayscale8ToRGB32")
+        return std::make_unique<ZoGrayscale8ToRGB32>(src, Flag(s, "bgr"), Num(s, "extra"));
+    if (c == "ZoGrayscale16ToRGB24")
+        return std::make_unique<ZoGrayscale16ToRGB24>(src, Flag(s, "bgr"), Num(s, "shift"));
+    if (c == "ZoRGB24ToRGB24Planar")
+        return std::make_unique<ZoRGB24ToRGB24Planar>(src, Num(s, "skip"));
+    if (c == "ZoRGB16ToRGB24")
+        return std::make_unique<ZoRGB16ToRGB24>(src, Flag(s, "blue_first"));
+    if (c == "ZoRGB24ToRGB24")
+        return std::make_unique<ZoRGB24ToRGB24>(src, Flag(s, "blue_first"), Num(s, "skip"));
+    if (c == "ZoRGB32ToRGB24")
+        return std::make_unique<ZoRGB32ToRGB24>(src, Flag(s, "blue_first"), Num(s, "skip"));
+    if (c == "ZoRGB48ToRGB24")
+        return std::make_unique<ZoRGB48ToRGB24>(src, Num(s, "shift"), Flag(s, "blue_first"));
+    if (c == "ZoRGB64ToRGB24")
+        return std::make_unique<ZoRGB64ToRGB24>(src, Num(s, "shift"), Flag(s, "blue_first"));
+    if (c == "ZoYUV8ToRGB24")
+        return std::make_unique<ZoYUV8ToRGB24>(src, Flag(s, "bgr"), Num(s, "extra"));
+    if (c == "ZoYUV10ToRGB24")
+        return std::make_unique<ZoYUV10ToRGB24>(src, Flag(s, "bgr"), Num(s, "shift"));
+    if (c == "ZoYUV8444ToRGB24")
+        return std::make_unique<ZoYUV8444ToRGB24>(src, Flag(s, "bgr"), Num(s, "extra"), Num(s, "y"), Num(s, "u"),
+                                                  Num(s, "v"));
+    return nullptr;
+}
+
+constexpr unsigned char kPoison = 0xA5;
+constexpr std::uint32_t kWidth = 16, kHeight = 6;
+
+std::vector<unsigned char> RandomFrame(std::size_t bytes, std::uint32_t seed)
+{
+    std::mt19937 rng(seed);
+    std::vector<unsigned char> v(bytes);
+    for (auto& b : v)
+        b = static_cast<unsigned char>(rng());
+    return v;
+}
+
+// Room for a destination frame of any layout (planar included) and some
+// more for converters that write past the last pixel.
+std::size_t DestinationBytes(const ZoPixelConverter& c, std::uint32_t width, std::uint32_t height,
+                             std::uint32_t padding)
+{
+    return (c.GetDestinationByteSize(width) + padding) * (height + 1) + 3 * width * height + 64;
+}
+
+struct Area {
+    std::uint32_t width, height, padding, flags;
+};
+
+// A filtered area conversion of a kWidth x kHeight frame into a poisoned
+// buffer (the filter may be null).
+std::vector<unsigned char> ConvertArea(const ZoPixelConverter& c, const std::vector<unsigned char>& source,
+                                       const Area& a, const ZoRGBFilter* filter)
+{
+    std::vector<unsigned char> d(DestinationBytes(c, kWidth, kHeight, a.padding), kPoison);
+    if (filter)
+        c.Convert(*filter, source.data(), kWidth, kHeight, d.data(), kWidth, kHeight, a.width, a.height, a.flags,
+                  a.padding);
+    else
+        c.Convert(source.data(), kWidth, kHeight, d.data(), kWidth, kHeight, a.width, a.height, a.flags, a.padding);
+    return d;
+}
+
+std::vector<unsigned char> SourceFrame(const ZoPixelConverter& c, std::uint32_t seed)
+{
+    return RandomFrame(c.GetSourceByteSize(kWidth) * (kHeight + 1) + 64, seed);
+}
+
+const std::uint32_t kFlagSets[] = {0,
+                                   ZO_FLAG_BAYER_GBRG,
+                                   ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+                                   ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE,
+                                   ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_INTERPOLATE};
+
+}  // namespace
+
+TEST(ChainedRegistry, TableHasItsRows)
+{
+    REQUIRE_TABLE();
+    const auto& t = Table();
+    ASSERT_EQ(t.size(), 229u);
+    int registering = 0;
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        EXPECT_EQ(t[i].order, static_cast<int>(i));
+        registering += t[i].registers;
+    }
+    EXPECT_EQ(registering, 225);
+}
+
+TEST(ChainedRegistry, EveryRowIsServed)
+{
+    REQUIRE_TABLE();
+    for (const ChainEntry& row : Table()) {
+        EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(row.source, row.destination)) << "row " << row.order;
+        // And so is every direct stage it names.
+        for (const StageEntry* s : {&row.first, &row.second})
+            if (s->chain < 0) {
+                EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(s->source, s->destination))
+                    << "row " << row.order << " stage " << s->cls;
+            }
+    }
+}
+
+TEST(ChainedRegistry, RegisteringRowsAreChainsOfTheirStages)
+{
+    REQUIRE_TABLE();
+    const auto& t = Table();
+    for (const ChainEntry& row : t) {
+        SCOPED_TRACE(testing::Message() << "row " << row.order);
+        const ZoPixelConverter* c = Registered(row.source, row.destination);
+        ASSERT_NE(c, nullptr);
+        const auto* chain = dynamic_cast<const ZoComplexConverter*>(c);
+        if (!row.registers) {
+            // The pair was served before the chain was built.
+            EXPECT_EQ(chain, nullptr);
+            continue;
+        }
+        ASSERT_NE(chain, nullptr);
+        ASSERT_EQ(row.second.chain, -1);
+        const ZoPixelConverter* second = chain->GetSecond();
+        EXPECT_EQ(second, Registered(row.intermediate, row.destination));
+        EXPECT_TRUE(IsExactly(*second, row.second.cls)) << typeid(*second).name() << " for " << row.second.cls;
+        const ZoPixelConverter* first = chain->GetFirst();
+        EXPECT_EQ(first->GetSourceType(), row.source);
+        EXPECT_EQ(first->GetDestinationType(), row.intermediate);
+        if (row.first.chain >= 0) {
+            // The chain built by the earlier row (a registered one).
+            const ChainEntry& earlier = t.at(row.first.chain);
+            ASSERT_TRUE(earlier.registers);
+            EXPECT_EQ(first, Registered(earlier.source, earlier.destination));
+        } else {
+            EXPECT_EQ(first, Registered(row.source, row.intermediate));
+            EXPECT_TRUE(IsExactly(*first, row.first.cls)) << typeid(*first).name() << " for " << row.first.cls;
+        }
+        // Sizes come from the stages.
+        EXPECT_EQ(chain->GetSourceByteSize(), first->GetSourceByteSize());
+        EXPECT_EQ(chain->GetDestinationByteSize(), second->GetDestinationByteSize());
+        EXPECT_EQ(chain->GetSourceByteSize(kWidth), first->GetSourceByteSize(kWidth));
+    }
+}
+
+TEST(ChainedRegistry, StagesAreBuiltWithTheTablesParameters)
+{
+    // Each direct stage the table names is compared, conversion by
+    // conversion, with a converter built from the table's parameters.
+    REQUIRE_TABLE();
+    std::set<Pair> seen;
+    ZoRGBFilter gains(16);
+    gains.SetMultipliers(0.8, 1.3, 0.6, 5, 0, 2);
+    int compared = 0;
+    for (const ChainEntry& row : Table())
+        for (const StageEntry* s : {&row.first, &row.second}) {
+            if (s->chain >= 0 || !seen.insert({s->source, s->destination}).second)
+                continue;
+            SCOPED_TRACE(testing::Message() << s->cls << " " << std::hex << s->source << "->" << s->destination);
+            const ZoPixelConverter* registered = Registered(s->source, s->destination);
+            ASSERT_NE(registered, nullptr);
+            ASSERT_TRUE(IsExactly(*registered, s->cls)) << typeid(*registered).name();
+            std::unique_ptr<ZoPixelConverter> twin = Twin(*s);
+            if (!twin) {
+                ADD_FAILURE() << "no way to build " << s->cls;
+                continue;
+            }
+            EXPECT_EQ(&ZoPixelTypeFactory::GetConverter(s->source, s->destination), registered);
+            EXPECT_EQ(twin->GetSourceType(), registered->GetSourceType());
+            EXPECT_EQ(twin->GetDestinationType(), registered->GetDestinationType());
+            EXPECT_EQ(twin->GetSourceByteSize(), registered->GetSourceByteSize());
+            EXPECT_EQ(twin->GetDestinationByteSize(), registered->GetDestinationByteSize());
+            EXPECT_EQ(twin->GetSourceByteSize(kWidth), registered->GetSourceByteSize(kWidth));
+            const auto source = SourceFrame(*registered, static_cast<std::uint32_t>(seen.size()));
+            for (std::uint32_t flags : kFlagSets)
+                for (const ZoRGBFilter* filter : {static_cast<const ZoRGBFilter*>(nullptr), static_cast<const ZoRGBFilter*>(&gains)}) {
+                    const Area area{kWidth, kHeight - 2, 2, flags};
+                    EXPECT_EQ(ConvertArea(*registered, source, area, filter), ConvertArea(*twin, source, area, filter))
+                        << "flags " << std::hex << flags << (filter ? " filtered" : "");
+                }
+            ++compared;
+        }
+    EXPECT_GT(compared, 100);
+}
+
+TEST(ChainedRegistry, SixHundredEightyPairsAtLoad)
+{
+    std::size_t chains = 0;
+    for (const Pair& p : gPairsAtLoad)
+        chains += dynamic_cast<const ZoComplexConverter*>(Registered(p.first, p.second)) != nullptr;
+    EXPECT_EQ(gPairsAtLoad.size(), 680u);
+    EXPECT_EQ(chains, 225u);
+    if (!Table().empty()) {
+        // The chains' pairs are exactly the table's registering rows.
+        std::set<Pair> chainPairs, tablePairs;
+        for (const Pair& p : gPairsAtLoad)
+            if (dynamic_cast<const ZoComplexConverter*>(Registered(p.first, p.second)))
+                chainPairs.insert(p);
+        for (const ChainEntry& row : Table())
+            if (row.registers)
+                tablePairs.insert({row.source, row.destination});
+        EXPECT_EQ(chainPairs, tablePairs);
+    }
+}
+
+TEST(ChainedRegistry, EnumerationOrderOverTheFullRegistry)
+{
+    // From each source, destinations come in strictly ascending order; to
+    // each destination, sources likewise; both enumerations list the same
+    // pairs.
+    std::set<Pair> fromPairs, toPairs;
+    std::set<std::int64_t> destinations;
+    for (std::int64_t source : CandidateIds()) {
+        std::int64_t previous = INT64_MIN, destination = 0;
+        for (std::uint32_t i = 0; ZoPixelTypeFactory::EnumConverterFrom(i, source, destination); ++i) {
+            EXPECT_GT(destination, previous) << std::hex << source;
+            previous = destination;
+            EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(source, destination));
+            fromPairs.insert({source, destination});
+            destinations.insert(destination);
+        }
+    }
+    const std::set<std::int64_t> candidates(CandidateIds().begin(), CandidateIds().end());
+    for (std::int64_t destination : destinations) {
+        std::int64_t previous = INT64_MIN, source = 0;
+        for (std::uint32_t i = 0; ZoPixelTypeFactory::EnumConverterTo(i, destination, source); ++i) {
+            EXPECT_GT(source, previous) << std::hex << destination;
+            previous = source;
+            if (candidates.count(source))
+                toPairs.insert({source, destination});
+        }
+    }
+    EXPECT_EQ(fromPairs, toPairs);
+    EXPECT_GE(fromPairs.size(), 680u);
+}
+
+TEST(ChainedRegistry, ChainEqualsItsStagesByHand)
+{
+    // The first stage converts the whole frame with the caller's filter and
+    // flags; the second converts the requested area from there with the
+    // default filter.
+    REQUIRE_TABLE();
+    ZoRGBFilter gains(16);
+    gains.SetMultipliers(0.75, 1.25, 0.5, 3, 0, 7);
+    std::uint32_t k = 0;
+    for (const ChainEntry& row : Table()) {
+        if (!row.registers)
+            continue;
+        SCOPED_TRACE(testing::Message() << "row " << row.order);
+        const auto* chain = dynamic_cast<const ZoComplexConverter*>(Registered(row.source, row.destination));
+        ASSERT_NE(chain, nullptr);
+        const ZoPixelConverter& first = *chain->GetFirst();
+        const ZoPixelConverter& second = *chain->GetSecond();
+        const Area area{kWidth - 4, kHeight - 2, 3, kFlagSets[k++ % 5]};
+        const auto source = SourceFrame(*chain, 1000 + row.order);
+
+        std::vector<unsigned char> intermediate(first.GetDestinationByteSize(kWidth * kHeight) + 256, kPoison);
+        first.Convert(gains, source.data(), kWidth, kHeight, intermediate.data(), kWidth, kHeight, kWidth, kHeight,
+                      area.flags, 0);
+        std::vector<unsigned char> byHand(DestinationBytes(*chain, kWidth, kHeight, area.padding), kPoison);
+        second.Convert(intermediate.data(), kWidth, kHeight, byHand.data(), kWidth, kHeight, area.width,
+                       area.height, area.flags, area.padding);
+
+        const auto chained = ConvertArea(*chain, source, area, &gains);
+        EXPECT_EQ(chained, byHand);
+        EXPECT_NE(chained, std::vector<unsigned char>(chained.size(), kPoison));
+    }
+}
+
+TEST(ChainedRegistryConcurrency, ThreadsThroughOneChain)
+{
+    // Chains behind a deinterlacer, an unpacker, a recombiner, a Bayer
+    // converter and another chain, each used by every thread at once with
+    // the thread's own filter, frame and flags.
+    const Pair pairs[] = {{ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24},
+                          {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
+                          {ZO_PT_GRAY10 | ZO_PIXEL_PACKED, ZO_PT_GRAY14},
+                          {ZO_PT_BAYER_RGB8 | ZO_PIXEL_TAP_DUAL_LR, ZO_PT_RGB32},
+                          {ZO_PT_BAYER_RGGB12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR}};
+    std::vector<const ZoComplexConverter*> chains;
+    for (const Pair& p : pairs) {
+        const auto* c = dynamic_cast<const ZoComplexConverter*>(Registered(p.first, p.second));
+        ASSERT_NE(c, nullptr) << std::hex << p.first << "->" << p.second;
+        chains.push_back(c);
+    }
+    constexpr int kThreads = 4, kRounds = 10;
+    struct Job {
+        std::vector<std::vector<unsigned char>> sources, expected;
+        ZoRGBFilter filter{16};
+        Area area{};
+    };
+    std::vector<Job> jobs(kThreads);
+    for (int t = 0; t < kThreads; ++t) {
+        Job& j = jobs[t];
+        j.filter.SetMultipliers(0.5 + 0.3 * t, 1.0, 1.5 - 0.2 * t);
+        j.area = Area{kWidth - 2 * t, kHeight - t, static_cast<std::uint32_t>(t), kFlagSets[t]};
+        for (const ZoComplexConverter* c : chains) {
+            j.sources.push_back(SourceFrame(*c, 50 + t));
+            j.expected.push_back(ConvertArea(*c, j.sources.back(), j.area, &j.filter));
+        }
+    }
+    std::vector<int> mismatches(kThreads, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            const Job& j = jobs[t];
+            for (int round = 0; round < kRounds; ++round)
+                for (std::size_t c = 0; c < chains.size(); ++c)
+                    mismatches[t] += ConvertArea(*chains[c], j.sources[c], j.area, &j.filter) != j.expected[c];
+        });
+    for (auto& th : threads)
+        th.join();
+    for (int t = 0; t < kThreads; ++t)
+        EXPECT_EQ(mismatches[t], 0) << "thread " << t;
+}
