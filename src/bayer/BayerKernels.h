@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "bayer/BayerLayout.h"
+#include "bayer/BayerSimd.h"
 #include "rgb/RGBLayouts.h"
 
 namespace zo {
@@ -318,12 +319,50 @@ void InterpolatePairs(const unsigned char* line, std::ptrdiff_t above, std::ptrd
     }
 }
 
+// The vector inside of inner lines where one exists (8-bit samples through
+// an identity filter into 24/32-bit layouts): returns the first pixel it
+// left to the scalar loop. Level 1: SSE2; 2: AVX2 where the CPU has it, then
+// SSE2.
+template <class Src, class Out, int Level>
+struct BayerInteriorSimd {
+    static std::uint32_t Run(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*, std::uint32_t from,
+                             std::uint32_t, int)
+    {
+        return from;
+    }
+};
+
+#if ZO_BAYER_SSE2
+template <unsigned RedIndex, int Level>
+struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>, Level> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+    {
+        if (Level >= 2 && BayerHasAvx2())
+            from = InterpolateBlocksAvx2(3, RedIndex == 2, line, above, below, dst, from, to, phase);
+        return InterpolateBlocksSse2<3, RedIndex == 2>(line, above, below, dst, from, to, phase);
+    }
+};
+template <unsigned RedIndex, int Level>
+struct BayerInteriorSimd<Samples8, Identity8<Write32<RedIndex>, false>, Level> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+    {
+        if (Level >= 2 && BayerHasAvx2())
+            from = InterpolateBlocksAvx2(4, RedIndex == 2, line, above, below, dst, from, to, phase);
+        return InterpolateBlocksSse2<4, RedIndex == 2>(line, above, below, dst, from, to, phase);
+    }
+};
+#endif
+
 // One line of `count` pixels of row phase `phase`. `above`/`below` are the
 // offsets of the neighbouring lines in samples; hasAbove is false on the
 // area's first line, hasBelow on its last. Edge pixels and the first and last
 // lines go through BayerEdgePixel, the inside of inner lines through the
 // unrolled pair loop.
-template <class Src, class Out>
+// `Vector` 0 keeps to the scalar code (the reference for the vector paths),
+// 1 allows SSE2, 2 also AVX2.
+template <class Src, class Out, int Vector = 2>
 void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_t count, int phase,
                      std::ptrdiff_t above, std::ptrdiff_t below, bool hasAbove, bool hasBelow, const Out& out)
 {
@@ -341,11 +380,13 @@ void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_
         edge(1);
         // Pairs (x, x + 1) with x + 1 <= count - 2.
         const std::uint32_t end = 2 + ((count - 3) & ~1u);
+        const std::uint32_t from =
+            Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase) : 2;
         switch (phase) {
-        case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, 2, end, out); break;
-        case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, 2, end, out); break;
-        case 2: InterpolatePairs<Src, Out, 2>(line, above, below, dst, 2, end, out); break;
-        default: InterpolatePairs<Src, Out, 3>(line, above, below, dst, 2, end, out); break;
+        case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;
+        case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, from, end, out); break;
+        case 2: InterpolatePairs<Src, Out, 2>(line, above, below, dst, from, end, out); break;
+        default: InterpolatePairs<Src, Out, 3>(line, above, below, dst, from, end, out); break;
         }
         x = end;
     }

@@ -6,6 +6,7 @@
 
 #include "ZoBayerConverters.h"
 #include "ZoImgLib.h"
+#include "bayer/BayerKernels.h"
 #include "bayer/BayerReference.h"
 
 using namespace bayer_test;
@@ -322,4 +323,32 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     EXPECT_EQ(d1, d2);
+}
+
+// The vector inside of interpolating lines against the scalar loop, on
+// random rows of awkward widths, every phase, with guard bytes after the row.
+TEST(BayerSimd, VectorLinesMatchScalarLines)
+{
+    std::mt19937 rng(6);
+    auto check = [&](auto out, unsigned bytes) {
+        using Out = decltype(out);
+        for (std::uint32_t count : {4u, 18u, 19u, 20u, 21u, 33u, 34u, 35u, 36u, 37u, 50u, 51u, 66u, 67u, 68u, 69u, 100u, 1921u})
+            for (int phase = 0; phase < 4; ++phase) {
+                std::vector<std::uint8_t> rows(3 * count);
+                for (auto& b : rows)
+                    b = std::uint8_t(rng());
+                const std::ptrdiff_t w = count;
+                std::vector<std::uint8_t> sse2(count * bytes + 16, 0xC3), best(sse2), scalar(sse2);
+                zo::InterpolateLine<zo::Samples8, Out, 0>(&rows[w], scalar.data(), count, phase, -w, w, true, true,
+                                                          out);
+                zo::InterpolateLine<zo::Samples8, Out, 1>(&rows[w], sse2.data(), count, phase, -w, w, true, true, out);
+                zo::InterpolateLine<zo::Samples8, Out, 2>(&rows[w], best.data(), count, phase, -w, w, true, true, out);
+                ASSERT_EQ(sse2, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
+                ASSERT_EQ(best, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
+            }
+    };
+    check(zo::Identity8<zo::WriteRGB24, false>{0}, 3);
+    check(zo::Identity8<zo::WriteBGR24, false>{0}, 3);
+    check(zo::Identity8<zo::WriteRGB32, false>{0}, 4);
+    check(zo::Identity8<zo::WriteBGR32, false>{0}, 4);
 }
