@@ -10,10 +10,18 @@
 #ifndef ZO_GRAYSCALE_KERNELS_H
 #define ZO_GRAYSCALE_KERNELS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "gray/GrayscaleTables.h"
+
+// Source and destination lines of one call never overlap.
+#if defined(__GNUC__) || defined(_MSC_VER)
+#define ZO_RESTRICT __restrict
+#else
+#define ZO_RESTRICT
+#endif
 
 namespace zo {
 namespace gray {
@@ -62,42 +70,42 @@ inline void Store32(unsigned char* d, std::uint32_t v)
 template <unsigned Shift>
 struct ReadWordShifted {
     static constexpr unsigned kBytes = 2;
-    std::uint32_t operator()(const unsigned char* s, std::uint32_t i) const { return (Load16(s + 2 * i) >> Shift) & 0xFF; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (Load16(s + 2 * i) >> Shift) & 0xFF; }
 };
 
 // The same with the shift known at run time only.
 struct ReadWordShiftedBy {
     std::uint32_t shift;
-    std::uint32_t operator()(const unsigned char* s, std::uint32_t i) const { return (Load16(s + 2 * i) >> shift) & 0xFF; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (Load16(s + 2 * i) >> shift) & 0xFF; }
 };
 
 // The last byte of each Bytes-byte pixel: for a 16-bit word its high byte.
 template <unsigned Bytes>
 struct ReadLastByte {
-    std::uint32_t operator()(const unsigned char* s, std::uint32_t i) const { return s[Bytes * i + Bytes - 1]; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return s[Bytes * i + Bytes - 1]; }
 };
 
 // The same with the pixel size known at run time only.
 struct ReadLastByteOf {
     std::uint32_t bytes;
-    std::uint32_t operator()(const unsigned char* s, std::uint32_t i) const { return s[bytes * i + bytes - 1]; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return s[bytes * i + bytes - 1]; }
 };
 
 // ---------------------------------------------------------------------------
 // Writers: store pixel i from its 8-bit gray value g.
 
 struct PutGray8 {
-    static void Put(unsigned char* d, std::uint32_t i, std::uint32_t g) { d[i] = static_cast<unsigned char>(g); }
+    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { d[i] = static_cast<unsigned char>(g); }
 };
 
 // RGB16 word of g (entry g of the 8-bit gray-to-RGB16 table).
 struct PutRGB16 {
-    static void Put(unsigned char* d, std::uint32_t i, std::uint32_t g) { Store16(d + 2 * i, GrayToRGB16Word(g)); }
+    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { Store16(d + 2 * i, GrayToRGB16Word(g)); }
 };
 
 // Three bytes g: the same for RGB24 and BGR24.
 struct PutRGB24 {
-    static void Put(unsigned char* d, std::uint32_t i, std::uint32_t g)
+    static void Put(unsigned char* d, std::size_t i, std::uint32_t g)
     {
         d[3 * i] = static_cast<unsigned char>(g);
         d[3 * i + 1] = static_cast<unsigned char>(g);
@@ -107,14 +115,14 @@ struct PutRGB24 {
 
 // g x 0x10101 little-endian: bytes g, g, g, 0, the same for RGB32 and BGR32.
 struct PutRGB32 {
-    static void Put(unsigned char* d, std::uint32_t i, std::uint32_t g) { Store32(d + 4 * i, g | (g << 8) | (g << 16)); }
+    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { Store32(d + 4 * i, g | (g << 8) | (g << 16)); }
 };
 
 // One line: pixel i of the source to pixel i of the destination.
 template <class Writer, class Reader>
-void GrayLine(const unsigned char* s, unsigned char* d, std::uint32_t n, Reader read)
+void GrayLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n, Reader read)
 {
-    for (std::uint32_t i = 0; i < n; ++i)
+    for (std::size_t i = 0; i < n; ++i)
         Writer::Put(d, i, read(s, i));
 }
 
@@ -122,16 +130,18 @@ void GrayLine(const unsigned char* s, unsigned char* d, std::uint32_t n, Reader 
 // Depth changes within 16-bit words.
 
 // w >> shift (logical).
-inline void RightShiftLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
+inline void RightShiftLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n,
+                           std::uint32_t shift)
 {
-    for (std::uint32_t i = 0; i < n; ++i)
+    for (std::size_t i = 0; i < n; ++i)
         Store16(d + 2 * i, Load16(s + 2 * i) >> shift);
 }
 
 // w << shift kept to 16 bits.
-inline void LeftShiftLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
+inline void LeftShiftLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n,
+                          std::uint32_t shift)
 {
-    for (std::uint32_t i = 0; i < n; ++i)
+    for (std::size_t i = 0; i < n; ++i)
         Store16(d + 2 * i, (Load16(s + 2 * i) << shift) & 0xFFFF);
 }
 

@@ -7,9 +7,17 @@
 #define ZO_RGB_KERNELS_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "rgb/RGBLayouts.h"
+
+// Source and destination lines of one call never overlap.
+#if defined(__GNUC__) || defined(_MSC_VER)
+#define ZO_RESTRICT __restrict
+#else
+#define ZO_RESTRICT
+#endif
 
 namespace zo {
 
@@ -74,27 +82,32 @@ struct Write32Keep {
 //   k = 1:  r g b [x]                    k = 2:  r0 R  g0 G  b0 B  [x0 X]
 //           ^ ^ ^                                   ^     ^     ^
 template <class Writer, unsigned Group, unsigned K, bool Identity>
-void RepackBytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k,
-                     const ChannelTables8& t)
+void RepackBytesLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n,
+                     std::uint32_t k, const ChannelTables8& t)
 {
-    const std::uint32_t step = K ? K : k;
-    const std::uint32_t pixel = Group * step;
-    for (std::uint32_t i = 0; i < n; ++i, s += pixel, d += Writer::kBytes)
-        Writer::Put(d, Map8<Identity>(t.red, s[step - 1]), Map8<Identity>(t.green, s[2 * step - 1]),
-                    Map8<Identity>(t.blue, s[3 * step - 1]));
+    const std::size_t step = K ? K : k;
+    const std::size_t pixel = Group * step;
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char* p = s + i * pixel;
+        Writer::Put(d + i * Writer::kBytes, Map8<Identity>(t.red, p[step - 1]),
+                    Map8<Identity>(t.green, p[2 * step - 1]), Map8<Identity>(t.blue, p[3 * step - 1]));
+    }
 }
 
 // The same from four-channel pixels into RGB32/BGR32, the fourth byte copied
 // unfiltered from the last byte of the fourth channel.
 template <unsigned RedIndex, unsigned K, bool Identity>
-void RepackBytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k,
-                               const ChannelTables8& t)
+void RepackBytesKeepFourthLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n,
+                               std::uint32_t k, const ChannelTables8& t)
 {
-    const std::uint32_t step = K ? K : k;
-    const std::uint32_t pixel = 4 * step;
-    for (std::uint32_t i = 0; i < n; ++i, s += pixel, d += 4)
-        Write32Keep<RedIndex>::Put(d, Map8<Identity>(t.red, s[step - 1]), Map8<Identity>(t.green, s[2 * step - 1]),
-                                   Map8<Identity>(t.blue, s[3 * step - 1]), s[4 * step - 1]);
+    const std::size_t step = K ? K : k;
+    const std::size_t pixel = 4 * step;
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char* p = s + i * pixel;
+        Write32Keep<RedIndex>::Put(d + 4 * i, Map8<Identity>(t.red, p[step - 1]),
+                                   Map8<Identity>(t.green, p[2 * step - 1]), Map8<Identity>(t.blue, p[3 * step - 1]),
+                                   p[4 * step - 1]);
+    }
 }
 
 // Three-channel pixels of k-byte channels into three planes, one byte a
@@ -103,12 +116,15 @@ template <unsigned K, bool Identity>
 void RepackBytesPlanarLine(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
                            std::uint32_t n, std::uint32_t k, const ChannelTables8& t)
 {
-    const std::uint32_t step = K ? K : k;
-    const std::uint32_t pixel = 3 * step;
-    for (std::uint32_t i = 0; i < n; ++i, s += pixel) {
-        red[i] = Map8<Identity>(t.red, s[step - 1]);
-        green[i] = Map8<Identity>(t.green, s[2 * step - 1]);
-        blue[i] = Map8<Identity>(t.blue, s[3 * step - 1]);
+    // No restrict here: a direct call (plane offsets all 0) makes the three
+    // planes one, and then the last written channel, blue, is what remains.
+    const std::size_t step = K ? K : k;
+    const std::size_t pixel = 3 * step;
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char* p = s + i * pixel;
+        red[i] = Map8<Identity>(t.red, p[step - 1]);
+        green[i] = Map8<Identity>(t.green, p[2 * step - 1]);
+        blue[i] = Map8<Identity>(t.blue, p[3 * step - 1]);
     }
 }
 
@@ -118,13 +134,15 @@ void RepackBytesPlanarLine(const unsigned char* s, unsigned char* red, unsigned 
 // ((r & 0xFFF8) << 8) | ((g & 0xFC) << 3) | ((b & 0xFF) >> 3) on 16 bits:
 // bits of r above the eighth fall off the top.
 template <class Writer, unsigned Words, bool Identity>
-void RepackWordsLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift,
-                     const ChannelTables16& t)
+void RepackWordsLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n,
+                     std::uint32_t shift, const ChannelTables16& t)
 {
-    for (std::uint32_t i = 0; i < n; ++i, s += 2 * Words, d += Writer::kBytes)
-        Writer::Put(d, static_cast<std::uint8_t>(Map16<Identity>(t.red, LoadWord(s)) >> shift),
-                    static_cast<std::uint8_t>(Map16<Identity>(t.green, LoadWord(s + 2)) >> shift),
-                    static_cast<std::uint8_t>(Map16<Identity>(t.blue, LoadWord(s + 4)) >> shift));
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char* p = s + i * 2 * Words;
+        Writer::Put(d + i * Writer::kBytes, static_cast<std::uint8_t>(Map16<Identity>(t.red, LoadWord(p)) >> shift),
+                    static_cast<std::uint8_t>(Map16<Identity>(t.green, LoadWord(p + 2)) >> shift),
+                    static_cast<std::uint8_t>(Map16<Identity>(t.blue, LoadWord(p + 4)) >> shift));
+    }
 }
 
 // RGB16 source, filter then expansion: green E6[TG[word bits 10..5]]; red

@@ -10,6 +10,8 @@
 #include "ZoPixelTypeFactory.h"
 #include "ZoRGBConverters.h"
 #include "rgb/AreaTestSupport.h"
+#include "rgb/RGBKernels.h"
+#include "rgb/RGBSimd.h"
 
 using namespace zotest;
 
@@ -471,4 +473,74 @@ TEST(RGBConverters, DirectCallsUseTheIdentityFilter)
     unsigned char d[16];
     ASSERT_EQ(Registered(ZO_PT_RGB24 | P, ZO_PT_RGB32)->Convert(s, d, 2), ZO_OK);
     EXPECT_EQ(std::vector<unsigned char>(d, d + 8), (std::vector<unsigned char>{9, 8, 7, 0, 6, 5, 4, 0}));
+}
+
+// ---------------------------------------------------------------------------
+// Fast paths against the scalar kernels, on random rows of awkward widths:
+// every byte up to and past the row must agree (poison after the row shows
+// a stray write).
+
+namespace {
+
+template <class Writer, unsigned Group>
+void ExpectFastBytesPathMatchesScalar(const char* name)
+{
+    SCOPED_TRACE(name);
+    std::mt19937 rng(77);
+    const zo::ChannelTables8 none{nullptr, nullptr, nullptr};  // not read on the identity path
+    for (std::uint32_t n : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 63u, 64u, 65u, 1001u}) {
+        const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * Group, rng);
+        std::vector<unsigned char> fast(std::size_t(n) * Writer::kBytes + 32, kPoison), scalar = fast;
+        const std::uint32_t done = zo::simd::RepackBytesIdentity<Writer, Group>(s.data(), fast.data(), n);
+        ASSERT_LE(done, n);
+        zo::RepackBytesLine<Writer, Group, 1, true>(s.data() + std::size_t(done) * Group,
+                                                    fast.data() + std::size_t(done) * Writer::kBytes, n - done, 1,
+                                                    none);
+        zo::RepackBytesLine<Writer, Group, 1, true>(s.data(), scalar.data(), n, 1, none);
+        ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
+    }
+}
+
+template <unsigned RedIndex>
+void ExpectFastKeepFourthPathMatchesScalar()
+{
+    std::mt19937 rng(78);
+    const zo::ChannelTables8 none{nullptr, nullptr, nullptr};
+    for (std::uint32_t n : {0u, 1u, 3u, 4u, 5u, 7u, 8u, 9u, 33u, 1001u}) {
+        const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 4, rng);
+        std::vector<unsigned char> fast(std::size_t(n) * 4 + 32, kPoison), scalar = fast;
+        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s.data(), fast.data(), n);
+        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s.data() + 4 * done, fast.data() + 4 * done, n - done, 1,
+                                                         none);
+        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s.data(), scalar.data(), n, 1, none);
+        ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
+    }
+}
+
+}  // namespace
+
+TEST(RGBConverters, FastPathsMatchTheScalarKernels)
+{
+    RecordProperty("byte_shuffle", zo::simd::HasByteShuffle() ? "vector" : "scalar");
+    ExpectFastBytesPathMatchesScalar<zo::Write32<0>, 3>("RGB24 to RGB32");
+    ExpectFastBytesPathMatchesScalar<zo::Write32<2>, 3>("RGB24 to BGR32");
+    ExpectFastBytesPathMatchesScalar<zo::Write24<0>, 3>("RGB24 to RGB24");
+    ExpectFastBytesPathMatchesScalar<zo::Write24<2>, 3>("RGB24 to BGR24");
+    ExpectFastBytesPathMatchesScalar<zo::Write24<0>, 4>("RGB32 to RGB24");
+    ExpectFastBytesPathMatchesScalar<zo::Write24<2>, 4>("RGB32 to BGR24");
+    ExpectFastKeepFourthPathMatchesScalar<0>();
+    ExpectFastKeepFourthPathMatchesScalar<2>();
+
+    std::mt19937 rng(79);
+    const zo::ChannelTables16 none{nullptr, nullptr, nullptr};
+    for (std::uint32_t shift : {2u, 4u})
+        for (std::uint32_t n : {0u, 1u, 5u, 33u, 1001u}) {
+            const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 6, rng);
+            std::vector<unsigned char> fast(std::size_t(n) * 3 + 32, kPoison), scalar = fast;
+            const std::uint32_t done = zo::simd::RepackWordsIdentity<zo::Write24<0>, 3>(s.data(), fast.data(), n, shift);
+            zo::RepackWordsLine<zo::Write24<0>, 3, true>(s.data() + 6 * done, fast.data() + 3 * done, n - done, shift,
+                                                         none);
+            zo::RepackWordsLine<zo::Write24<0>, 3, true>(s.data(), scalar.data(), n, shift, none);
+            ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
+        }
 }
