@@ -18,6 +18,13 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
+# GCC for 64-bit Windows keeps the stack only 16-byte aligned but may spill
+# 256-bit registers with aligned moves, which fault at run time in AVX2 code.
+# The assembler turns every aligned vector move into an unaligned one (as
+# fast on aligned data), for every file, so no AVX2 path is left exposed.
+set(CMAKE_C_FLAGS_INIT "-Wa,-muse-unaligned-vector-move")
+set(CMAKE_CXX_FLAGS_INIT "-Wa,-muse-unaligned-vector-move")
+
 # Link libgcc, libstdc++ and winpthread into every DLL and program, so that
 # they import only KERNEL32 and msvcrt and need no MinGW DLL at run time.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
