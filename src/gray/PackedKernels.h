@@ -26,6 +26,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "gray/DualTapPlacement.h"
 #include "gray/GrayscaleTables.h"
@@ -137,6 +138,15 @@ void UnpackPackedLineScalar(const unsigned char* source, unsigned char* destinat
 
 namespace zo {
 
+// The AVX2 path of the 16-bit layout (gray/PackedAvx2.cpp): places groups
+// [0, pairs) (chunks of eight, loads reading two groups further), pair 0's
+// samples going to firstA and firstB. False, placing nothing, when the CPU
+// lacks AVX2.
+bool UnpackPackedGray16Avx2(const unsigned char* source, unsigned char* destination, std::uint32_t pairs,
+                            std::ptrdiff_t firstA, std::ptrdiff_t firstB, const PackedRules& rules, unsigned mode);
+
+// Unpacks one line: the widest vector path the CPU has, then the scalar
+// kernel for the rest of the line.
 template <class Writer, unsigned Mode>
 void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
                       std::uint32_t pipelining, PackedRules rules)
@@ -146,7 +156,11 @@ void UnpackPackedLine(const unsigned char* source, unsigned char* destination, s
     if constexpr (sse2::HasSimd<Writer>::value) {
         // Chunks of eight groups; the loads read into the two groups after.
         first = DualTapVectorPairs(n, pipelining, 8, 2);
-        sse2::UnpackPackedPairs<Writer, Mode>(source, destination, n, first, rules);
+        const bool wide = std::is_same<Writer, PackedToGray16>::value &&
+                          UnpackPackedGray16Avx2(source, destination, first, DualTapRule<Mode>::FirstA(n),
+                                                 DualTapRule<Mode>::FirstB(n), rules, Mode);
+        if (!wide)
+            sse2::UnpackPackedPairs<Writer, Mode>(source, destination, n, first, rules);
     }
 #endif
     UnpackPackedLineScalar<Writer, Mode>(source, destination, n, pipelining, rules, first);

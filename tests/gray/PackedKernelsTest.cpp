@@ -1,6 +1,6 @@
-// The vector paths of the packed and dual-tap kernels against their scalar
-// kernels: every layout and tap mode, random rules, awkward widths, guard
-// bytes on both sides of the line.
+// The vector paths (SSE2, and AVX2 where the CPU has it) of the packed and
+// dual-tap kernels against their scalar kernels: every layout and tap mode,
+// random rules, awkward widths, guard bytes on both sides of the line.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -52,6 +52,20 @@ void CompareUnpacking(std::mt19937& rng)
                 });
                 ASSERT_EQ(vec, ref) << "bytes " << Writer::kBytes << " mode " << mode << " n " << n << " P "
                                     << pipelining;
+#ifdef ZO_PACKED_SSE2
+                // The SSE2 path on its own (the line above may have taken the AVX2 one).
+                if constexpr (zo::sse2::HasSimd<Writer>::value) {
+                    Bytes sse(ref.size(), 0x5A);
+                    zo::WithDualTapMode(mode, [&](auto m) {
+                        constexpr unsigned M = decltype(m)::value;
+                        const std::uint32_t first = zo::DualTapVectorPairs(n, pipelining, 8, 2);
+                        zo::sse2::UnpackPackedPairs<Writer, M>(src.data(), sse.data() + kGuard, n, first, rules);
+                        zo::UnpackPackedLineScalar<Writer, M>(src.data(), sse.data() + kGuard, n, pipelining, rules,
+                                                              first);
+                    });
+                    ASSERT_EQ(sse, ref) << "SSE2, bytes " << Writer::kBytes << " mode " << mode << " n " << n;
+                }
+#endif
             }
         }
     }
