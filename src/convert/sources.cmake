@@ -17,3 +17,4 @@ list(APPEND ZO_TEST_SOURCES
 # test checks every row of it (and skips when it is absent).
 list(APPEND ZO_TEST_DEFINITIONS
   ZO_CHAIN_TABLE_CSV="${CMAKE_CURRENT_SOURCE_DIR}/../shared/design/chained-converters.csv")
+list(APPEND ZO_BENCH_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/bench/convert_bench.cpp)
