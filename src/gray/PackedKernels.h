@@ -34,7 +34,8 @@
 
 namespace zo {
 
-// How one sample is taken from its word.
+// How one sample is taken from its word. The makers below set at most one
+// of the two counts (the 16-bit vector path relies on it).
 struct PackedSampleRule {
     std::uint32_t left;   // 0..16
     std::uint32_t right;  // 0..16
