@@ -60,20 +60,16 @@ private:
     std::uint32_t mShift;
 };
 
-// The high byte of each 16-bit word (8-bit grayscale). The field is unused
-// and kept 0.
+// The high byte of each 16-bit word (8-bit grayscale).
 class ZO_API ZoGrayscale16NormalizedToGrayscale8 : public ZoPixelConverter {
 public:
-    ZoGrayscale16NormalizedToGrayscale8(const std::int64_t& sourceType);
+    explicit ZoGrayscale16NormalizedToGrayscale8(const std::int64_t& sourceType);
     ~ZoGrayscale16NormalizedToGrayscale8() override;
 
     using ZoPixelConverter::Convert;
     std::uint32_t Convert(const unsigned char* source, unsigned char* destination,
                           std::uint32_t pixelCount) const override;
     std::uint32_t Convert(const unsigned char* source, unsigned char* destination) const override;
-
-private:
-    std::uint32_t mUnused;
 };
 
 // 16-bit word w of an (8 + shift)-bit sample to RGB16 of the gray value

@@ -3,6 +3,7 @@
 #include "ZoGrayscaleConverters.h"
 
 #include "gray/GrayscaleKernels.h"
+#include "rgb/RGBSimd.h"
 
 namespace g = zo::gray;
 
@@ -84,7 +85,7 @@ ZoGrayscale16ToGrayscale8::ZoGrayscale16ToGrayscale8(const std::int64_t& sourceT
 {
 }
 ZoGrayscale16NormalizedToGrayscale8::ZoGrayscale16NormalizedToGrayscale8(const std::int64_t& sourceType)
-    : ZoPixelConverter(sourceType, kGray8, 2, 1, 4, 1), mUnused(0)
+    : ZoPixelConverter(sourceType, kGray8, 2, 1, 4, 1)
 {
 }
 ZoGrayscale16ToRGB16::ZoGrayscale16ToRGB16(const std::int64_t& sourceType, std::uint32_t shift)
@@ -186,7 +187,8 @@ std::uint32_t ZoGrayscale16ToRGB16::Convert(const unsigned char* s, unsigned cha
 
 std::uint32_t ZoGrayscale16ToRGB24::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    ShiftedWordsLine<g::PutRGB24>(s, d, n, mShift);
+    const std::uint32_t done = mShift < 16 ? zo::simd::GrayWordsToRGB24(s, d, n, mShift) : 0;
+    ShiftedWordsLine<g::PutRGB24>(s + 2 * std::size_t(done), d + 3 * std::size_t(done), n - done, mShift);
     return ZO_OK;
 }
 std::uint32_t ZoGrayscale16ToRGB24::Convert(const unsigned char* s, unsigned char* d) const
@@ -219,7 +221,14 @@ std::uint32_t ZoGrayscale8ToRGB16::Convert(const unsigned char* s, unsigned char
 
 std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    LastByteLine<g::PutRGB24>(s, d, n, mSourcePixelBytes);
+    // Vector paths for one-byte pixels and for the high byte of 16-bit words.
+    std::uint32_t done = 0;
+    if (mSourcePixelBytes == 1)
+        done = zo::simd::GrayBytesToRGB24(s, d, n);
+    else if (mSourcePixelBytes == 2)
+        done = zo::simd::GrayWordsToRGB24(s, d, n, 8);
+    LastByteLine<g::PutRGB24>(s + mSourcePixelBytes * std::size_t(done), d + 3 * std::size_t(done), n - done,
+                              mSourcePixelBytes);
     return ZO_OK;
 }
 std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char* d) const

@@ -233,11 +233,15 @@ ZO_RGB_END
 // forms, gives red and blue from the filter's entry 0. Kept as they are.
 ZO_RGB_LINE(ZoRGB16ToRGB24)
     WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
-        zo::ExpandThenFilterRGB16Line<decltype(w)>(s, d, count, Tables8(filter));
+        if (filter.IsIdentity8())
+            zo::ExpandThenFilterRGB16Line<decltype(w), true>(s, d, count, Tables8(filter));
+        else
+            zo::ExpandThenFilterRGB16Line<decltype(w), false>(s, d, count, Tables8(filter));
     });
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB16ToRGB24)
-    WithOrder<zo::Write24>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, 1, Tables8(filter)); });
+    WithOrder<zo::Write24>(mBlueFirst,
+                           [&](auto w) { zo::ExpandRGB16Line<decltype(w), false>(s, d, 1, Tables8(filter)); });
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB24ToRGB24)  // groups of four
@@ -303,10 +307,16 @@ ZO_RGB_PIXEL(ZoRGB24ToRGB24Planar)
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB16ToRGB32)
-    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, count, Tables8(filter)); });
+    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) {
+        if (filter.IsIdentity8())
+            zo::ExpandRGB16Line<decltype(w), true>(s, d, count, Tables8(filter));
+        else
+            zo::ExpandRGB16Line<decltype(w), false>(s, d, count, Tables8(filter));
+    });
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB16ToRGB32)
-    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { zo::ExpandRGB16Line<decltype(w)>(s, d, 1, Tables8(filter)); });
+    WithOrder<zo::Write32>(mBlueFirst,
+                           [&](auto w) { zo::ExpandRGB16Line<decltype(w), false>(s, d, 1, Tables8(filter)); });
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB24ToRGB32)

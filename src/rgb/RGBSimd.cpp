@@ -54,6 +54,15 @@ std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char*
     ZO_SHUFFLE(SwapFour(s, d, n));
 }
 
+std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    ZO_SHUFFLE(GrayBytesToThree(s, d, n));
+}
+std::uint32_t GrayWordsToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
+{
+    ZO_SHUFFLE(GrayWordsToThree(s, d, n, shift));
+}
+
 #undef ZO_SHUFFLE
 
 }  // namespace simd

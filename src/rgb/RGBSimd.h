@@ -81,6 +81,11 @@ std::uint32_t RepackBytesIdentity<Write24<2>, 4>(const unsigned char* s, unsigne
 template <>
 std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 
+// Gray to RGB24/BGR24 (three equal bytes): one byte a pixel, or 16-bit
+// words w giving (w >> shift) & 0xFF (shift 8: the high byte).
+std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n);
+std::uint32_t GrayWordsToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift);
+
 // Whether the byte shuffles above use vector instructions on this CPU.
 bool HasByteShuffle();
 

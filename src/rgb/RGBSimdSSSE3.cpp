@@ -56,6 +56,39 @@ std::uint32_t SwapFour(const unsigned char* s, unsigned char* d, std::uint32_t n
     return Shuffle<4, 4>(s, d, n, _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15));
 }
 
+namespace {
+
+// Sixteen gray bytes to 48 bytes g g g.
+inline void StoreGrayThree(unsigned char* d, __m128i g)
+{
+    Store(d, _mm_shuffle_epi8(g, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
+    Store(d + 16, _mm_shuffle_epi8(g, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
+    Store(d + 32, _mm_shuffle_epi8(g, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
+}
+
+}  // namespace
+
+std::uint32_t GrayBytesToThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    std::uint32_t i = 0;
+    for (; i + 16 <= n; i += 16)
+        StoreGrayThree(d + std::size_t(i) * 3, Load(s + i));
+    return i;
+}
+
+std::uint32_t GrayWordsToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
+{
+    const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
+    const __m128i low = _mm_set1_epi16(0xFF);
+    std::uint32_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const __m128i a = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2), count), low);
+        const __m128i b = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2 + 16), count), low);
+        StoreGrayThree(d + std::size_t(i) * 3, _mm_packus_epi16(a, b));
+    }
+    return i;
+}
+
 }  // namespace ssse3
 }  // namespace simd
 }  // namespace zo

@@ -25,6 +25,10 @@ std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_
 std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n);
 // r g b x -> b g r x.
 std::uint32_t SwapFour(const unsigned char* s, unsigned char* d, std::uint32_t n);
+// g -> g g g, one byte a pixel (16 pixels a step).
+std::uint32_t GrayBytesToThree(const unsigned char* s, unsigned char* d, std::uint32_t n);
+// 16-bit word w -> three bytes (w >> shift) & 0xFF (16 pixels a step).
+std::uint32_t GrayWordsToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift);
 
 }  // namespace ssse3
 }  // namespace simd

@@ -8,6 +8,7 @@
 
 #include "ZoGrayscaleConverters.h"
 #include "ZoPixelTypeFactory.h"
+#include "gray/GrayscaleKernels.h"
 #include "gray/GrayscaleTables.h"
 #include "convert/ConvertTestSupport.h"
 #include "rgb/AreaTestSupport.h"
@@ -326,4 +327,27 @@ TEST(GrayscaleConverters, FilterDoesNotApply)
     unsigned char d[12];
     ASSERT_EQ(Registered(ZO_PT_GRAY8, ZO_PT_RGB24)->Convert(filter, s, 3, 1, d, 3, 1, 3, 1, 0, 0), ZO_OK);
     EXPECT_EQ(Bytes(d, 9), (std::vector<unsigned char>{10, 10, 10, 100, 100, 100, 200, 200, 200}));
+}
+
+// The vector paths of the RGB24 expansion against the scalar kernel, on
+// random rows of awkward widths, with poison after the row.
+TEST(GrayscaleConverters, FastPathsMatchTheScalarKernels)
+{
+    namespace g = zo::gray;
+    std::mt19937 rng(91);
+    for (std::uint32_t n : {1u, 7u, 15u, 16u, 17u, 31u, 33u, 64u, 1001u}) {
+        SCOPED_TRACE(n);
+        const std::vector<unsigned char> s = RandomBytes(2 * std::size_t(n), rng);
+        auto run = [&](std::int64_t source, auto reader) {
+            std::vector<unsigned char> fast(3 * std::size_t(n) + 32, kPoison), scalar = fast;
+            ASSERT_EQ(Registered(source, ZO_PT_BGR24)->Convert(s.data(), fast.data(), n), ZO_OK);
+            g::GrayLine<g::PutRGB24>(s.data(), scalar.data(), n, reader);
+            EXPECT_TRUE(SameBytes(fast, scalar)) << source;
+        };
+        run(ZO_PT_GRAY8, g::ReadLastByte<1>{});
+        run(ZO_PT_GRAY16, g::ReadLastByte<2>{});
+        run(ZO_PT_GRAY10, g::ReadWordShifted<2>{});
+        run(ZO_PT_GRAY12, g::ReadWordShifted<4>{});
+        run(ZO_PT_GRAY14, g::ReadWordShifted<6>{});
+    }
 }
