@@ -13,4 +13,5 @@ endif()
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/rgb_bench.cpp)
 list(APPEND ZO_TEST_SOURCES
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConvertersTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConvertersTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConcurrencyTest.cpp)
