@@ -37,14 +37,12 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
 {
     const ChannelTables8 t = Tables8(f);
     if (f.IsIdentity8()) {
-        if (k == 1) {
-            const std::uint32_t done = zo::simd::RepackBytesIdentity<Writer, Group>(s, d, n);
-            zo::RepackBytesLine<Writer, Group, 1, true>(s + done * Group, d + done * Writer::kBytes, n - done, 1, t);
-        } else if (k == 2) {
+        if (k == 1)
+            zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+        else if (k == 2)
             zo::RepackBytesLine<Writer, Group, 2, true>(s, d, n, 2, t);
-        } else {
+        else
             zo::RepackBytesLine<Writer, Group, 0, true>(s, d, n, k, t);
-        }
     } else {
         if (k == 1)
             zo::RepackBytesLine<Writer, Group, 1, false>(s, d, n, 1, t);
@@ -83,9 +81,7 @@ template <class Writer, unsigned Words>
 void WordsLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift, const ZoRGBFilter& f)
 {
     if (f.IsIdentity16()) {
-        const std::uint32_t done = zo::simd::RepackWordsIdentity<Writer, Words>(s, d, n, shift);
-        zo::RepackWordsLine<Writer, Words, true>(s + done * 2 * Words, d + done * Writer::kBytes, n - done, shift,
-                                                 Tables16(f));
+        zo::simd::RepackWordsIdentityLine<Writer, Words>(s, d, n, shift);
     } else {
         zo::RepackWordsLine<Writer, Words, false>(s, d, n, shift, Tables16(f));
     }

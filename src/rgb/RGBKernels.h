@@ -184,6 +184,14 @@ void RepackWordsLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTR
     }
 }
 
+// `count` 16-bit samples to bytes (w >> shift) & 0xFF, in order.
+inline void NarrowSamples(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t count,
+                          std::uint32_t shift)
+{
+    for (std::size_t j = 0; j < count; ++j)
+        d[j] = static_cast<unsigned char>(LoadWord16(s + 2 * j) >> shift);
+}
+
 // RGB16 source, filter then expansion: green E6[TG[word bits 10..5]]; red
 // and blue are E5[TR[0]] and E5[TB[0]] whatever the word holds. Dropping
 // the source's red and blue bits is deliberate: it is this library's

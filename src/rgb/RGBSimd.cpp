@@ -39,6 +39,26 @@ std::uint32_t RepackBytesIdentity<Write24<2>, 3>(const unsigned char* s, unsigne
     ZO_SHUFFLE(SwapThree(s, d, n));
 }
 template <>
+std::uint32_t RepackBytesIdentity<WriteRGB16, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    ZO_SHUFFLE(BytesToRGB16(s, d, n, 3));
+}
+template <>
+std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    ZO_SHUFFLE(BytesToRGB16(s, d, n, 4));
+}
+template <>
+std::uint32_t RepackBytesIdentity<Write32<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    ZO_SHUFFLE(FourToFour(s, d, n, false));
+}
+template <>
+std::uint32_t RepackBytesIdentity<Write32<2>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    ZO_SHUFFLE(FourToFour(s, d, n, true));
+}
+template <>
 std::uint32_t RepackBytesIdentity<Write24<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     ZO_SHUFFLE(FourToThree(s, d, n, false));

@@ -1,17 +1,18 @@
 // Fast paths of the RGB kernels for the identity filter and one-byte
-// channels (k = 1). Each converts a leading part of the line and returns how
-// many pixels it converted (0 when the CPU lacks the instructions or the
-// layout has no fast path); the caller converts the rest with the scalar
-// kernel of RGBKernels.h, which stays the reference.
-//
-// The vector paths never read or write a byte the scalar kernel would not
-// touch for the same `n`.
+// channels (k = 1), and for identity 16-bit samples. The byte paths convert
+// a leading part of the line and return how many pixels they converted (0
+// when the CPU lacks the instructions or the layout has no fast path); the
+// caller converts the rest with the scalar kernel of RGBKernels.h, which
+// stays the reference. No path reads or writes a byte the scalar kernel
+// would not touch for the same `n`.
 #ifndef ZO_RGB_SIMD_H
 #define ZO_RGB_SIMD_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
+#include "rgb/RGBKernels.h"
 #include "rgb/RGBLayouts.h"
 
 namespace zo {
@@ -31,13 +32,6 @@ inline std::uint32_t RepackKeepFourthIdentity(const unsigned char*, unsigned cha
     return 0;
 }
 
-// 16-bit samples (Words a pixel) shifted to bytes, to the Writer layout.
-template <class Writer, unsigned Words>
-inline std::uint32_t RepackWordsIdentity(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t)
-{
-    return 0;
-}
-
 // Same layout in and out: a copy.
 template <>
 inline std::uint32_t RepackBytesIdentity<Write24<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
@@ -52,21 +46,6 @@ inline std::uint32_t RepackKeepFourthIdentity<0>(const unsigned char* s, unsigne
     return n;
 }
 
-// Red-first 48-bit to RGB24: every sample becomes one byte in place, so the
-// line is one flat loop over 3n samples (which the compiler vectorises).
-template <>
-inline std::uint32_t RepackWordsIdentity<Write24<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n,
-                                                        std::uint32_t shift)
-{
-    const std::size_t samples = std::size_t(n) * 3;
-    for (std::size_t j = 0; j < samples; ++j) {
-        std::uint16_t w;
-        std::memcpy(&w, s + 2 * j, 2);  // little-endian hosts only (x86, ARM)
-        d[j] = static_cast<unsigned char>(w >> shift);
-    }
-    return n;
-}
-
 // Byte shuffles (SSSE3 where the CPU has it; RGBSimd.cpp).
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
@@ -75,9 +54,17 @@ std::uint32_t RepackBytesIdentity<Write32<2>, 3>(const unsigned char* s, unsigne
 template <>
 std::uint32_t RepackBytesIdentity<Write24<2>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 template <>
+std::uint32_t RepackBytesIdentity<WriteRGB16, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentity<Write32<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentity<Write32<2>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
 std::uint32_t RepackBytesIdentity<Write24<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 template <>
 std::uint32_t RepackBytesIdentity<Write24<2>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 template <>
 std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 
@@ -88,6 +75,34 @@ std::uint32_t GrayWordsToRGB24(const unsigned char* s, unsigned char* d, std::ui
 
 // Whether the byte shuffles above use vector instructions on this CPU.
 bool HasByteShuffle();
+
+// A whole line of one-byte channels through the identity filter: the fast
+// path, then the scalar kernel for what it left.
+template <class Writer, unsigned Group>
+inline void RepackBytesIdentityLine(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    const ChannelTables8 unused{nullptr, nullptr, nullptr};  // not read on the identity path
+    const std::uint32_t done = RepackBytesIdentity<Writer, Group>(s, d, n);
+    RepackBytesLine<Writer, Group, 1, true>(s + std::size_t(done) * Group, d + std::size_t(done) * Writer::kBytes,
+                                            n - done, 1, unused);
+}
+
+// A whole line of 16-bit samples through the identity filter: each chunk of
+// the line is narrowed to bytes ((w >> shift) & 0xFF, one flat loop over the
+// samples, which vectorises) into a small buffer on the stack, then repacked
+// as one-byte channels. Same result as RepackWordsLine<Writer, Words, true>.
+template <class Writer, unsigned Words>
+inline void RepackWordsIdentityLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
+{
+    constexpr std::uint32_t kChunk = 256;
+    unsigned char bytes[kChunk * Words];
+    for (std::uint32_t done = 0; done < n;) {
+        const std::uint32_t m = std::min(kChunk, n - done);
+        NarrowSamples(s + std::size_t(done) * 2 * Words, bytes, m * Words, shift);
+        RepackBytesIdentityLine<Writer, Words>(bytes, d + std::size_t(done) * Writer::kBytes, m);
+        done += m;
+    }
+}
 
 }  // namespace simd
 }  // namespace zo

@@ -46,6 +46,59 @@ std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_
     return Shuffle<4, 3>(s, d, n, blueFirst ? bgr : rgb);
 }
 
+std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+{
+    const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 4, 5, 6, Z, 8, 9, 10, Z, 12, 13, 14, Z);
+    const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 6, 5, 4, Z, 10, 9, 8, Z, 14, 13, 12, Z);
+    return Shuffle<4, 4>(s, d, n, blueFirst ? bgr : rgb);
+}
+
+namespace {
+
+// Shuffle masks gathering channel c of eight pixels of `group` bytes (32
+// loaded bytes, lo and hi) into 16-bit lanes, high bytes zero.
+struct ChannelMasks {
+    __m128i lo, hi;
+};
+
+ChannelMasks MakeChannelMasks(unsigned group, unsigned c)
+{
+    alignas(16) char lo[16], hi[16];
+    for (unsigned j = 0; j < 8; ++j) {
+        const unsigned at = j * group + c;
+        lo[2 * j] = at < 16 ? static_cast<char>(at) : Z;
+        hi[2 * j] = at >= 16 ? static_cast<char>(at - 16) : Z;
+        lo[2 * j + 1] = hi[2 * j + 1] = Z;
+    }
+    return {_mm_load_si128(reinterpret_cast<const __m128i*>(lo)), _mm_load_si128(reinterpret_cast<const __m128i*>(hi))};
+}
+
+inline __m128i Gather(__m128i lo, __m128i hi, const ChannelMasks& m)
+{
+    return _mm_or_si128(_mm_shuffle_epi8(lo, m.lo), _mm_shuffle_epi8(hi, m.hi));
+}
+
+}  // namespace
+
+// word = ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3), on 16-bit lanes.
+std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+{
+    const ChannelMasks red = MakeChannelMasks(group, 0), green = MakeChannelMasks(group, 1),
+                       blue = MakeChannelMasks(group, 2);
+    const __m128i redBits = _mm_set1_epi16(static_cast<short>(0xF8)), greenBits = _mm_set1_epi16(0xFC);
+    const std::uint64_t inEnd = std::uint64_t(n) * group;
+    std::uint32_t i = 0;
+    for (; std::uint64_t(i) * group + 32 <= inEnd; i += 8) {
+        const unsigned char* p = s + std::size_t(i) * group;
+        const __m128i lo = Load(p), hi = Load(p + 16);
+        const __m128i r = _mm_slli_epi16(_mm_and_si128(Gather(lo, hi, red), redBits), 8);
+        const __m128i g = _mm_slli_epi16(_mm_and_si128(Gather(lo, hi, green), greenBits), 3);
+        const __m128i b = _mm_srli_epi16(Gather(lo, hi, blue), 3);
+        Store(d + std::size_t(i) * 2, _mm_or_si128(_mm_or_si128(r, g), b));
+    }
+    return i;
+}
+
 std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<3, 3>(s, d, n, _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, Z, Z, Z, Z));

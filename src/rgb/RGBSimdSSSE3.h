@@ -21,6 +21,10 @@ namespace ssse3 {
 std::uint32_t ThreeToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 // r g b x -> r g b (or b g r).
 std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+// r g b x -> r g b 0 (or b g r 0).
+std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+// r g b (group 3) or r g b x (group 4) -> RGB16 words (8 pixels a step).
+std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
 // r g b -> b g r.
 std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n);
 // r g b x -> b g r x.

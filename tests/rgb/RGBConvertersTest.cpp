@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
@@ -531,16 +532,34 @@ TEST(RGBConverters, FastPathsMatchTheScalarKernels)
     ExpectFastKeepFourthPathMatchesScalar<0>();
     ExpectFastKeepFourthPathMatchesScalar<2>();
 
+    ExpectFastBytesPathMatchesScalar<zo::WriteRGB16, 3>("RGB24 to RGB16");
+    ExpectFastBytesPathMatchesScalar<zo::WriteRGB16, 4>("RGB32 to RGB16");
+    ExpectFastBytesPathMatchesScalar<zo::Write32<0>, 4>("RGB32 to RGB32, fourth byte 0");
+    ExpectFastBytesPathMatchesScalar<zo::Write32<2>, 4>("RGB32 to BGR32, fourth byte 0");
+
+    // 16-bit samples: narrowed a chunk at a time, then repacked.
     std::mt19937 rng(79);
     const zo::ChannelTables16 none{nullptr, nullptr, nullptr};
-    for (std::uint32_t shift : {2u, 4u})
-        for (std::uint32_t n : {0u, 1u, 5u, 33u, 1001u}) {
-            const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 6, rng);
-            std::vector<unsigned char> fast(std::size_t(n) * 3 + 32, kPoison), scalar = fast;
-            const std::uint32_t done = zo::simd::RepackWordsIdentity<zo::Write24<0>, 3>(s.data(), fast.data(), n, shift);
-            zo::RepackWordsLine<zo::Write24<0>, 3, true>(s.data() + 6 * done, fast.data() + 3 * done, n - done, shift,
-                                                         none);
-            zo::RepackWordsLine<zo::Write24<0>, 3, true>(s.data(), scalar.data(), n, shift, none);
-            ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
-        }
+    auto words = [&](auto writer, auto wordsPerPixel, const char* name) {
+        using Writer = decltype(writer);
+        constexpr unsigned W = decltype(wordsPerPixel)::value;
+        SCOPED_TRACE(name);
+        for (std::uint32_t shift : {2u, 4u})
+            for (std::uint32_t n : {0u, 1u, 5u, 33u, 255u, 256u, 257u, 1001u}) {
+                const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 2 * W, rng);
+                std::vector<unsigned char> fast(std::size_t(n) * Writer::kBytes + 32, kPoison), scalar = fast;
+                zo::simd::RepackWordsIdentityLine<Writer, W>(s.data(), fast.data(), n, shift);
+                zo::RepackWordsLine<Writer, W, true>(s.data(), scalar.data(), n, shift, none);
+                ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n << " shift " << shift;
+            }
+    };
+    using Three = std::integral_constant<unsigned, 3>;
+    using Four = std::integral_constant<unsigned, 4>;
+    words(zo::WriteRGB16{}, Three{}, "RGB48 to RGB16");
+    words(zo::Write24<0>{}, Three{}, "RGB48 to RGB24");
+    words(zo::Write24<2>{}, Three{}, "RGB48 to BGR24");
+    words(zo::Write32<2>{}, Three{}, "RGB48 to BGR32");
+    words(zo::WriteRGB16{}, Four{}, "RGB64 to RGB16");
+    words(zo::Write24<2>{}, Four{}, "RGB64 to BGR24");
+    words(zo::Write32<0>{}, Four{}, "RGB64 to RGB32");
 }
