@@ -226,19 +226,23 @@ int RunDemo(const std::string& outputDirectory)
     std::snprintf(line, sizeof line,
                   "ZoImgLib demo: a %u x %u colour chart (chart%s) mosaiced or encoded, then converted back to "
                   "RGB 24-bits by the library.\nPSNR in dB against the chart over all pixels, and without a "
-                  "4-pixel border.\n\n%-38s %-12s %8s %8s  %s\n",
-                  kWidth, kHeight, ext.c_str(), "conversion", "source", "PSNR", "inner", "converter");
+                  "4-pixel border (inner).\n\n%-32s %-10s %7s %7s  %s\n",
+                  kWidth, kHeight, ext.c_str(), "output", "source", "PSNR", "inner", "conversion");
     report += line;
     int status = 0;
-    std::string commands;
+    std::string converters, commands;
     for (const Run& run : runs) {
         const std::vector<std::uint8_t>& input = run.source == ZO_PT_BAYER_RGB8 ? bayer8
                                                  : run.source == packed12       ? bayer12
                                                                                 : yuv;
-        if (!ZoPixelTypeFactory::HasConverter(run.source, ZO_PT_RGB24)) {
-            std::snprintf(line, sizeof line, "%-38s %-12s %8s %8s  no converter registered\n", run.title,
-                          HexId(run.source).c_str(), "-", "-");
+        const std::string file = std::string(run.output) + ext;
+        auto row = [&](const char* psnr, const char* inner, const std::string& note) {
+            std::snprintf(line, sizeof line, "%-32s %-10s %7s %7s  %s%s\n", file.c_str(), HexId(run.source).c_str(),
+                          psnr, inner, run.title, note.c_str());
             report += line;
+        };
+        if (!ZoPixelTypeFactory::HasConverter(run.source, ZO_PT_RGB24)) {
+            row("-", "-", ": no converter registered");
             status = 1;
             continue;
         }
@@ -250,26 +254,22 @@ int RunDemo(const std::string& outputDirectory)
                 ? ConvertFrame(converter, input.data(), kWidth, kHeight, run.flags, nullptr, frame)
                 : ZO_ERR_BAD_ARGUMENT;
         if (result != ZO_OK || !FrameToImage(ZO_PT_RGB24, frame, kWidth, kHeight, image)) {
-            std::snprintf(line, sizeof line, "%-38s %-12s %8s %8s  conversion failed (result %u)\n", run.title,
-                          HexId(run.source).c_str(), "-", "-", result);
-            report += line;
+            row("-", "-", ": conversion failed (result " + std::to_string(result) + ")");
             status = 1;
             continue;
         }
-        const std::string file = std::string(run.output) + ext;
         if (!WriteImage(path(file), image, error)) {
             std::fprintf(stderr, "zoimg demo: %s\n", error.c_str());
             return 1;
         }
-        std::snprintf(line, sizeof line, "%-38s %-12s %8s %8s  %s -> %s\n", run.title, HexId(run.source).c_str(),
-                      FormatPsnr(Psnr(chart, image, 0)).c_str(), FormatPsnr(Psnr(chart, image, 4)).c_str(),
-                      DescribeConverter(converter).c_str(), file.c_str());
-        report += line;
+        row(FormatPsnr(Psnr(chart, image, 0)).c_str(), FormatPsnr(Psnr(chart, image, 4)).c_str(), "");
+        converters += "  " + file + ": " + DescribeConverter(converter) + "\n";
         std::snprintf(line, sizeof line, "  zoimg convert --from %s --to RGB24 --width %u --height %u%s%s %s %s\n",
                       HexId(run.source).c_str(), kWidth, kHeight, *run.flagWords ? " --flags " : "",
                       run.flagWords, run.input, file.c_str());
         commands += line;
     }
+    report += "\nConverters used:\n" + converters;
     report += "\nThe same conversions from the raw frames in this directory:\n" + commands;
     if (status != 0)
         report += "\nSome conversions are not available in this build of the library.\n";

@@ -94,5 +94,29 @@ fi
 head -1 converters.md | grep -qx '# Converters' || fail "zoimg docs: no title"
 grep -q '^## 0x00010001 Grayscale 8-bits$' converters.md || fail "zoimg docs: no 8-bit gray section"
 
+# The demo: every conversion runs once the library has the converters, with
+# PSNR figures that rule out a wrong Bayer phase or chroma order (those fall
+# far below 20 dB on this chart).
+demo_status=0
+"$zoimg" demo demo > demo.txt 2>&1 || demo_status=$?
+for f in chart bayer8-grbg.raw bayer12-packed-grbg.raw yuv422.raw report.txt; do
+    [[ -e demo/$f || -e demo/$f.png || -e demo/$f.ppm ]] || fail "zoimg demo did not write $f"
+done
+if "$zoimg" converters 0x420012 | grep -q -- '-> 0x00020002'; then
+    [[ $demo_status -eq 0 ]] || fail "zoimg demo exited $demo_status: $(cat demo.txt)"
+    psnr=$(awk '$1 ~ /\.(png|ppm)$/ && $1 != "chart.png" { print $3, $4 }' demo/report.txt)
+    [[ $(wc -w <<<"$psnr") -eq 10 ]] || fail "zoimg demo report: $(cat demo/report.txt)"
+    for p in $psnr; do
+        awk -v p="$p" 'BEGIN { exit !(p == "inf" || p + 0 >= 22) }' || fail "zoimg demo: PSNR $p dB"
+    done
+    # The report's command line reproduces the demo's image.
+    (cd demo && "$zoimg" convert --from 0x00420012 --to RGB24 --width 384 --height 256 \
+        --flags bayer-grbg,interpolate bayer12-packed-grbg.raw again.png) || fail "the report's command failed"
+    for ext in png ppm; do
+        [[ -e demo/again.$ext ]] && { cmp -s demo/again.$ext demo/bayer12packed-interpolated.$ext ||
+            fail "zoimg convert and zoimg demo disagree"; }
+    done
+fi
+
 if [[ $failures -ne 0 ]]; then echo "$failures checks failed" >&2; exit 1; fi
 echo "zoimg checks passed"
