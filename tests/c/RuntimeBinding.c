@@ -6,7 +6,8 @@
  * It resolves every flat function, then converts frames through
  * ZoPixelTypeFactory_GetConverter and ZoPixelConverter_ConvertArea (the 8-bit
  * gray copy and the interlaced 8-bit gray deinterlacer) and checks every
- * byte of the destination buffer, padding and guard bytes included.
+ * byte of the destination buffer, padding and guard bytes included; then it
+ * unloads the DLL, three times over.
  *
  * Usage: zoimg_runtime_binding_test [path of the DLL]   (exit code 0: pass) */
 #include <windows.h>
@@ -137,20 +138,21 @@ static void CheckFrame(const char* what, const Frame* actual, const Frame* expec
     }
 }
 
-int main(int argc, char** argv)
+/* One load of the library: bind, convert, check, unload. */
+static void LoadConvertUnload(const char* path)
 {
-    const char* path = argc > 1 ? argv[1] : "ZoImgLib64.dll";
     size_t i;
 
     gLibrary = LoadLibraryA(path);
     if (!gLibrary) {
         fprintf(stderr, "LoadLibrary(%s) failed: error %lu\n", path, (unsigned long)GetLastError());
-        return 1;
+        ++gFailures;
+        return;
     }
     for (i = 0; i < sizeof kFlatFunctions / sizeof kFlatFunctions[0]; ++i)
         Bind(kFlatFunctions[i]);
     if (gFailures)
-        return 1;
+        return;
 
     HasConverterFn hasConverter = (HasConverterFn)Bind("ZoPixelTypeFactory_HasConverter");
     GetConverterFn getConverter = (GetConverterFn)Bind("ZoPixelTypeFactory_GetConverter");
@@ -221,8 +223,22 @@ int main(int argc, char** argv)
         }
     }
 
-    /* Unloading runs the library's teardown. */
+    /* Unloading runs the library's teardown; the module is then gone, so the
+     * next load runs the start-up again. */
     CHECK(FreeLibrary(gLibrary));
+    CHECK(GetModuleHandleA("ZoImgLib64.dll") == NULL);
+    gLibrary = NULL;
+}
+
+int main(int argc, char** argv)
+{
+    const char* path = argc > 1 ? argv[1] : "ZoImgLib64.dll";
+    int load;
+
+    /* Several loads in one process: every start-up must register everything
+     * again and every teardown must leave nothing behind that breaks it. */
+    for (load = 0; load < 3 && gFailures == 0; ++load)
+        LoadConvertUnload(path);
 
     if (gFailures) {
         fprintf(stderr, "%d check(s) failed\n", gFailures);
