@@ -101,6 +101,7 @@ struct Identity8 {
 // RGB48 through the filter's 16-bit tables (16-bit values index them).
 struct Filtered48 {
     static constexpr unsigned kBytes = 6;
+    static constexpr unsigned shift = 0;
     const std::uint16_t* red;
     const std::uint16_t* green;
     const std::uint16_t* blue;
@@ -112,6 +113,7 @@ struct Filtered48 {
 
 struct Identity48 {
     static constexpr unsigned kBytes = 6;
+    static constexpr unsigned shift = 0;
     void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b) const
     {
         PutRGB48(d, static_cast<std::uint16_t>(r), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(b));
@@ -347,11 +349,12 @@ void InterpolatePairs(const unsigned char* line, std::ptrdiff_t above, std::ptrd
 // The vector inside of inner lines where one exists (8-bit samples through
 // an identity filter into 24/32-bit layouts): returns the first pixel it
 // left to the scalar loop. Level 1: SSE2; 2: AVX2 where the CPU has it, then
-// SSE2.
+// SSE2. 16-bit samples (identity filter, 24/32/48-bit output) have an SSE2
+// path; `shift` is theirs.
 template <class Src, class Out, int Level>
 struct BayerInteriorSimd {
     static std::uint32_t Run(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*, std::uint32_t from,
-                             std::uint32_t, int)
+                             std::uint32_t, int, unsigned)
     {
         return from;
     }
@@ -361,7 +364,7 @@ struct BayerInteriorSimd {
 template <unsigned RedIndex, int Level>
 struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>, Level> {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
     {
         if (Level >= 2 && BayerHasAvx2())
             from = InterpolateBlocksAvx2(3, RedIndex == 2, line, above, below, dst, from, to, phase);
@@ -371,11 +374,35 @@ struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>, Level> {
 template <unsigned RedIndex, int Level>
 struct BayerInteriorSimd<Samples8, Identity8<Write32<RedIndex>, false>, Level> {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
     {
         if (Level >= 2 && BayerHasAvx2())
             from = InterpolateBlocksAvx2(4, RedIndex == 2, line, above, below, dst, from, to, phase);
         return InterpolateBlocksSse2<4, RedIndex == 2>(line, above, below, dst, from, to, phase);
+    }
+};
+template <unsigned RedIndex, int Level>
+struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>, Level> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned shift)
+    {
+        return InterpolateWordBlocksSse2<3, RedIndex == 2>(line, above, below, dst, from, to, phase, shift);
+    }
+};
+template <unsigned RedIndex, int Level>
+struct BayerInteriorSimd<Samples16, Identity8<Write32<RedIndex>, true>, Level> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned shift)
+    {
+        return InterpolateWordBlocksSse2<4, RedIndex == 2>(line, above, below, dst, from, to, phase, shift);
+    }
+};
+template <int Level>
+struct BayerInteriorSimd<Samples16, Identity48, Level> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
+    {
+        return InterpolateWordBlocks48Sse2(line, above, below, dst, from, to, phase);
     }
 };
 #endif
@@ -406,7 +433,7 @@ void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_
         // Pairs (x, x + 1) with x + 1 <= count - 2.
         const std::uint32_t end = 2 + ((count - 3) & ~1u);
         const std::uint32_t from =
-            Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase) : 2;
+            Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase, out.shift) : 2;
         switch (phase) {
         case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;
         case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, from, end, out); break;

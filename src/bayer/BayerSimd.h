@@ -14,6 +14,13 @@
 #include <emmintrin.h>
 #endif
 
+// The block helpers below must melt into their loops.
+#if defined(__GNUC__)
+#define ZO_BAYER_INLINE inline __attribute__((always_inline))
+#else
+#define ZO_BAYER_INLINE inline
+#endif
+
 namespace zo {
 
 #if ZO_BAYER_SSE2
@@ -28,14 +35,14 @@ struct BayerBlock16 {
     __m128i red, green, blue;  // 16 bytes each
 };
 
-inline __m128i BayerPick(__m128i evenValue, __m128i oddValue)
+ZO_BAYER_INLINE __m128i BayerPick(__m128i evenValue, __m128i oddValue)
 {
     const __m128i even = _mm_set1_epi32(0x0000FFFF);
     return _mm_or_si128(_mm_and_si128(even, evenValue), _mm_andnot_si128(even, oddValue));
 }
 
 // Eight pixels (one half of a block) as 16-bit lanes of red, green, blue.
-inline void BayerHalf(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1, __m128i c2, __m128i b0,
+ZO_BAYER_INLINE void BayerHalf(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1, __m128i c2, __m128i b0,
                       __m128i b1, __m128i b2, int phase, __m128i& r, __m128i& g, __m128i& b)
 {
     const __m128i v = _mm_add_epi16(a1, b1);
@@ -62,7 +69,7 @@ inline void BayerHalf(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1
     }
 }
 
-inline BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
+ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
 {
     const __m128i zero = _mm_setzero_si128();
     const __m128i a0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a - 1));
@@ -88,7 +95,7 @@ inline BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, c
 
 // Four registers of four pixels each: byte 0 first colour, 1 green, 2 last
 // colour, 3 zero.
-inline void BayerQuads(const BayerBlock16& block, bool blueFirst, __m128i q[4])
+ZO_BAYER_INLINE void BayerQuads(const BayerBlock16& block, bool blueFirst, __m128i q[4])
 {
     const __m128i zero = _mm_setzero_si128();
     const __m128i first = blueFirst ? block.blue : block.red;
@@ -129,6 +136,144 @@ std::uint32_t InterpolateBlocksSse2(const unsigned char* line, std::ptrdiff_t ab
                     d += 6;
                 }
             }
+        }
+    }
+    return x;
+}
+
+// ---- 16-bit samples: eight pixels per pass in 32-bit lanes -----------------
+//
+// The same neighbourhood sums as above on whole words (exact for any 16-bit
+// sample). For 8-bit layouts each value is shifted right by `shift` and its
+// low 8 bits kept; RGB48 keeps the 16-bit values.
+
+ZO_BAYER_INLINE __m128i BayerPick32(__m128i evenValue, __m128i oddValue)
+{
+    const __m128i even = _mm_set_epi32(0, -1, 0, -1);
+    return _mm_or_si128(_mm_and_si128(even, evenValue), _mm_andnot_si128(even, oddValue));
+}
+
+ZO_BAYER_INLINE void BayerQuarter(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1, __m128i c2, __m128i b0,
+                         __m128i b1, __m128i b2, int phase, __m128i& r, __m128i& g, __m128i& b)
+{
+    const __m128i v = _mm_add_epi32(a1, b1);
+    const __m128i h = _mm_add_epi32(c0, c2);
+    const __m128i d = _mm_add_epi32(_mm_add_epi32(a0, a2), _mm_add_epi32(b0, b2));
+    const __m128i rowAverage = _mm_srli_epi32(h, 1);
+    const __m128i columnAverage = _mm_srli_epi32(v, 1);
+    const __m128i cross = _mm_srli_epi32(_mm_add_epi32(v, h), 2);
+    const __m128i diagonal = _mm_srli_epi32(d, 2);
+    if (phase < 2) {
+        const __m128i rowColour = BayerPick32(rowAverage, c1);
+        const __m128i columnColour = BayerPick32(columnAverage, diagonal);
+        g = BayerPick32(c1, cross);
+        r = phase == 0 ? rowColour : columnColour;
+        b = phase == 0 ? columnColour : rowColour;
+    } else {
+        const __m128i own = BayerPick32(c1, rowAverage);
+        const __m128i other = BayerPick32(diagonal, columnAverage);
+        g = BayerPick32(cross, c1);
+        r = phase == 2 ? own : other;
+        b = phase == 2 ? other : own;
+    }
+}
+
+// Eight pixels at word pointers a, c, b (above, current, below): red, green
+// and blue as eight 16-bit lanes each.
+ZO_BAYER_INLINE void BayerWords8(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase,
+                        __m128i& red, __m128i& green, __m128i& blue)
+{
+    const __m128i zero = _mm_setzero_si128();
+    auto load = [](const unsigned char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); };
+    const __m128i a0 = load(a - 2), a1 = load(a), a2 = load(a + 2);
+    const __m128i c0 = load(c - 2), c1 = load(c), c2 = load(c + 2);
+    const __m128i b0 = load(b - 2), b1 = load(b), b2 = load(b + 2);
+    __m128i rl, gl, bl, rh, gh, bh;
+    BayerQuarter(_mm_unpacklo_epi16(a0, zero), _mm_unpacklo_epi16(a1, zero), _mm_unpacklo_epi16(a2, zero),
+                 _mm_unpacklo_epi16(c0, zero), _mm_unpacklo_epi16(c1, zero), _mm_unpacklo_epi16(c2, zero),
+                 _mm_unpacklo_epi16(b0, zero), _mm_unpacklo_epi16(b1, zero), _mm_unpacklo_epi16(b2, zero), phase, rl,
+                 gl, bl);
+    BayerQuarter(_mm_unpackhi_epi16(a0, zero), _mm_unpackhi_epi16(a1, zero), _mm_unpackhi_epi16(a2, zero),
+                 _mm_unpackhi_epi16(c0, zero), _mm_unpackhi_epi16(c1, zero), _mm_unpackhi_epi16(c2, zero),
+                 _mm_unpackhi_epi16(b0, zero), _mm_unpackhi_epi16(b1, zero), _mm_unpackhi_epi16(b2, zero), phase, rh,
+                 gh, bh);
+    // 32-bit lanes below 65536 to 16-bit lanes (signed packing around 32768).
+    const __m128i bias32 = _mm_set1_epi32(32768);
+    const __m128i bias16 = _mm_set1_epi16(-32768);
+    auto pack = [&](__m128i low, __m128i high) {
+        return _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(low, bias32), _mm_sub_epi32(high, bias32)), bias16);
+    };
+    red = pack(rl, rh);
+    green = pack(gl, gh);
+    blue = pack(bl, bh);
+}
+
+// 16-bit samples into a 3- or 4-byte layout (`above`/`below` in bytes):
+// pixels from `from` (even) while eight fit before `to` (at most count - 1). A 24-bit block writes two bytes
+// past its last pixel, which the caller writes afterwards.
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                        unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                        unsigned shift)
+{
+    const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
+    const __m128i low8 = _mm_set1_epi16(0xFF);
+    std::uint32_t x = from;
+    for (; x + 8 <= to; x += 8) {
+        const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
+        __m128i r, g, b;
+        BayerWords8(c + above, c, c + below, phase, r, g, b);
+        auto bytes = [&](__m128i v) { return _mm_and_si128(_mm_srl_epi16(v, count), low8); };
+        BayerBlock16 block;
+        block.red = _mm_packus_epi16(bytes(r), bytes(r));
+        block.green = _mm_packus_epi16(bytes(g), bytes(g));
+        block.blue = _mm_packus_epi16(bytes(b), bytes(b));
+        __m128i q[4];
+        BayerQuads(block, BlueFirst, q);
+        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
+        if (Bytes == 4) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d), q[0]);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16), q[1]);
+        } else {
+            for (int k = 0; k < 2; ++k) {
+                const std::uint64_t pair[2] = {
+                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(q[k])),
+                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(q[k], q[k])))};
+                for (int p = 0; p < 2; ++p) {
+                    const std::uint64_t six = (pair[p] & 0xFFFFFFu) | ((pair[p] >> 8) & 0xFFFFFF000000u);
+                    std::memcpy(d, &six, 8);
+                    d += 6;
+                }
+            }
+        }
+    }
+    return x;
+}
+
+// 16-bit samples into RGB48 (identity filter): each pixel stored as eight
+// bytes, the last two of which the next pixel overwrites; the block's last
+// store writes two bytes past it, which the caller writes afterwards.
+inline std::uint32_t InterpolateWordBlocks48Sse2(const unsigned char* line, std::ptrdiff_t above,
+                                                 std::ptrdiff_t below, unsigned char* dst, std::uint32_t from,
+                                                 std::uint32_t to, int phase)
+{
+    const __m128i zero = _mm_setzero_si128();
+    std::uint32_t x = from;
+    for (; x + 8 <= to; x += 8) {
+        const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
+        __m128i r, g, b;
+        BayerWords8(c + above, c, c + below, phase, r, g, b);
+        const __m128i rg[2] = {_mm_unpacklo_epi16(r, g), _mm_unpackhi_epi16(r, g)};
+        const __m128i b0[2] = {_mm_unpacklo_epi16(b, zero), _mm_unpackhi_epi16(b, zero)};
+        unsigned char* d = dst + static_cast<std::size_t>(x) * 6;
+        for (int k = 0; k < 2; ++k) {
+            const __m128i p01 = _mm_unpacklo_epi32(rg[k], b0[k]);  // r g b 0 of two pixels
+            const __m128i p23 = _mm_unpackhi_epi32(rg[k], b0[k]);
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d), p01);
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 6), _mm_unpackhi_epi64(p01, p01));
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 12), p23);
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d + 18), _mm_unpackhi_epi64(p23, p23));
+            d += 24;
         }
     }
     return x;

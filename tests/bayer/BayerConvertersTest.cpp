@@ -330,25 +330,34 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
 TEST(BayerSimd, VectorLinesMatchScalarLines)
 {
     std::mt19937 rng(6);
-    auto check = [&](auto out, unsigned bytes) {
+    auto check = [&](auto reader, auto out, unsigned bytes) {
+        using Src = decltype(reader);
         using Out = decltype(out);
-        for (std::uint32_t count : {4u, 18u, 19u, 20u, 21u, 33u, 34u, 35u, 36u, 37u, 50u, 51u, 66u, 67u, 68u, 69u, 100u, 1921u})
+        for (std::uint32_t count : {4u, 9u, 10u, 11u, 12u, 18u, 19u, 20u, 21u, 33u, 34u, 35u, 36u, 37u, 50u, 51u, 66u,
+                                    67u, 68u, 69u, 100u, 1921u})
             for (int phase = 0; phase < 4; ++phase) {
-                std::vector<std::uint8_t> rows(3 * count);
+                std::vector<std::uint8_t> rows(3 * count * Src::kBytes);
                 for (auto& b : rows)
                     b = std::uint8_t(rng());
                 const std::ptrdiff_t w = count;
+                const std::uint8_t* line = &rows[count * Src::kBytes];
                 std::vector<std::uint8_t> sse2(count * bytes + 16, 0xC3), best(sse2), scalar(sse2);
-                zo::InterpolateLine<zo::Samples8, Out, 0>(&rows[w], scalar.data(), count, phase, -w, w, true, true,
-                                                          out);
-                zo::InterpolateLine<zo::Samples8, Out, 1>(&rows[w], sse2.data(), count, phase, -w, w, true, true, out);
-                zo::InterpolateLine<zo::Samples8, Out, 2>(&rows[w], best.data(), count, phase, -w, w, true, true, out);
+                zo::InterpolateLine<Src, Out, 0>(line, scalar.data(), count, phase, -w, w, true, true, out);
+                zo::InterpolateLine<Src, Out, 1>(line, sse2.data(), count, phase, -w, w, true, true, out);
+                zo::InterpolateLine<Src, Out, 2>(line, best.data(), count, phase, -w, w, true, true, out);
                 ASSERT_EQ(sse2, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
                 ASSERT_EQ(best, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
             }
     };
-    check(zo::Identity8<zo::WriteRGB24, false>{0}, 3);
-    check(zo::Identity8<zo::WriteBGR24, false>{0}, 3);
-    check(zo::Identity8<zo::WriteRGB32, false>{0}, 4);
-    check(zo::Identity8<zo::WriteBGR32, false>{0}, 4);
+    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB24, false>{0}, 3);
+    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR24, false>{0}, 3);
+    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB32, false>{0}, 4);
+    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR32, false>{0}, 4);
+    for (unsigned shift : {0u, 2u, 4u, 7u}) {
+        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB24, true>{shift}, 3);
+        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR24, true>{shift}, 3);
+        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB32, true>{shift}, 4);
+        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR32, true>{shift}, 4);
+    }
+    check(zo::Samples16{}, zo::Identity48{}, 6);
 }
