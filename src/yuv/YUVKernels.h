@@ -90,9 +90,11 @@ inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::
 // zero: no pair is converted.
 inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (count & 1); }
 
-// Vector part of the identity-filter path (YUVSimd.cpp): converts whole
-// groups from the start of the line and returns how many pairs it did; the
-// scalar kernel finishes the line. Returns 0 where no vector path applies.
+// Vector paths (YUVSimd.cpp, the best for this CPU): convert whole groups
+// from the start of the line, unfiltered, into the layout of dstBytes
+// (2 RGB16, 3 and 4 with red at redIndex) and return how many pairs or
+// pixels they did; the scalar kernels finish the line. 0 where no vector
+// path applies.
 std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
@@ -119,6 +121,8 @@ struct WriterShape<Write32<R>> {
 
 // A whole 4:2:2 line of `count` pixels (rounded up to even, see above).
 // `vector` allows the vector paths (with a filter, through a small buffer).
+// Pairs are independent, so converting in vector groups and then pair by
+// pair gives what blocks of four pairs followed by single pairs give.
 template <class Writer, class Reader>
 void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
                      const YUVChannelTables& t, bool vector);
