@@ -141,18 +141,19 @@ constexpr BayerCell kBayerCells[4] = {
     {1, 1, 0, 0, 1},  // BGGR
 };
 
-// Converts source lines line0/line1 into destination lines dst0/dst1, eight
+// Converts source lines line0/line1 into destination line dst0, eight
 // pixels (four cells) per pass, then the remaining whole cells, then a last
 // half cell for an odd count (its missing column's colour comes from the
 // pixel to the left, 0 without one; its green is the cell's green in its own
-// column). Nothing beyond `count` pixels is read or written.
+// column). Nothing beyond `count` pixels is read or written. The second
+// destination line of the pair is a copy of the first (ReplicateCall).
 //
 // RedQuirk: deliberately, the second cell of every eight-pixel pass takes
 // its red from pixel 4 of line 0 (in GRBG a green site) rather than from its
 // own red site. Only the 8-bit RGB16 GRBG routine uses it.
 template <class Src, class Out, int Pattern, bool RedQuirk>
-void ReplicateLines(const unsigned char* line0, const unsigned char* line1, unsigned char* dst0,
-                    unsigned char* dst1, std::uint32_t count, const Out& out)
+void ReplicateLines(const unsigned char* line0, const unsigned char* line1, unsigned char* dst0, std::uint32_t count,
+                    const Out& out)
 {
     constexpr BayerCell c = kBayerCells[Pattern];
     constexpr unsigned kOut = Out::kBytes;
@@ -166,8 +167,6 @@ void ReplicateLines(const unsigned char* line0, const unsigned char* line1, unsi
         const std::uint32_t g1 = Src::At(line1, x + 1 - c.green0Column);
         out.Put(dst0 + x * kOut, red, g0, blue);
         out.Put(dst0 + (x + 1) * kOut, red, g1, blue);
-        out.Put(dst1 + x * kOut, red, g0, blue);
-        out.Put(dst1 + (x + 1) * kOut, red, g1, blue);
     };
     auto red = [&](std::uint32_t x) { return Src::At(redLine, x + c.redColumn); };
 
@@ -186,33 +185,29 @@ void ReplicateLines(const unsigned char* line0, const unsigned char* line1, unsi
                 return Src::At(line, x);
             return x > 0 ? Src::At(line, x - 1) : 0;
         };
-        const std::uint32_t r = sample(redLine, c.redColumn);
-        const std::uint32_t b = sample(blueLine, c.blueColumn);
-        const std::uint32_t g = Src::At(green0Line, x);
-        out.Put(dst0 + x * kOut, r, g, b);
-        out.Put(dst1 + x * kOut, r, g, b);
+        out.Put(dst0 + x * kOut, sample(redLine, c.redColumn), Src::At(green0Line, x), sample(blueLine, c.blueColumn));
     }
 }
 
 template <class Src, class Out>
 void ReplicateByPattern(int pattern, bool redQuirk, const unsigned char* line0, const unsigned char* line1,
-                        unsigned char* dst0, unsigned char* dst1, std::uint32_t count, const Out& out)
+                        unsigned char* dst0, std::uint32_t count, const Out& out)
 {
     switch (pattern) {
     case kGRBG:
         if (redQuirk)
-            ReplicateLines<Src, Out, kGRBG, true>(line0, line1, dst0, dst1, count, out);
+            ReplicateLines<Src, Out, kGRBG, true>(line0, line1, dst0, count, out);
         else
-            ReplicateLines<Src, Out, kGRBG, false>(line0, line1, dst0, dst1, count, out);
+            ReplicateLines<Src, Out, kGRBG, false>(line0, line1, dst0, count, out);
         break;
     case kGBRG:
-        ReplicateLines<Src, Out, kGBRG, false>(line0, line1, dst0, dst1, count, out);
+        ReplicateLines<Src, Out, kGBRG, false>(line0, line1, dst0, count, out);
         break;
     case kRGGB:
-        ReplicateLines<Src, Out, kRGGB, false>(line0, line1, dst0, dst1, count, out);
+        ReplicateLines<Src, Out, kRGGB, false>(line0, line1, dst0, count, out);
         break;
     default:
-        ReplicateLines<Src, Out, kBGGR, false>(line0, line1, dst0, dst1, count, out);
+        ReplicateLines<Src, Out, kBGGR, false>(line0, line1, dst0, count, out);
         break;
     }
 }
@@ -488,11 +483,15 @@ inline BayerLineCall MakeBayerLineCall(const ZoPixelConverterContext& context, c
     return call;
 }
 
+// Both destination lines of a pair receive the same pixels: the first is
+// converted, the second copied from it.
 template <class Src, class Out>
 void ReplicateCall(const BayerLineCall& call, bool redQuirk, const Out& out)
 {
     ReplicateByPattern<Src>(call.pattern, redQuirk, call.source, call.source + call.sourceLineBytes,
-                            call.destination, call.destination + call.destinationLineBytes, call.count, out);
+                            call.destination, call.count, out);
+    std::memmove(call.destination + call.destinationLineBytes, call.destination,
+                 static_cast<std::size_t>(call.count) * Out::kBytes);
 }
 
 template <class Src, class Out>
