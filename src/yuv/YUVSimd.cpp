@@ -18,13 +18,23 @@
 namespace zo {
 namespace {
 
+// Keeps a constant multiplier opaque to the compiler, which would otherwise
+// replace one pmullw by a longer chain of shifts and adds.
+inline __m128i Opaque(__m128i v)
+{
+#if defined(__GNUC__)
+    __asm__("" : "+x"(v));
+#endif
+    return v;
+}
+
 // 16-bit lane operations for TransformLanes.
 struct V128 {
     using Reg = __m128i;
     static Reg Set(std::int32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
     static Reg Add(Reg a, Reg b) { return _mm_add_epi16(a, b); }
     static Reg Sub(Reg a, Reg b) { return _mm_sub_epi16(a, b); }
-    static Reg MulLo(Reg a, Reg b) { return _mm_mullo_epi16(a, b); }
+    static Reg MulLo(Reg a, Reg b) { return _mm_mullo_epi16(a, Opaque(b)); }
     template <int N>
     static Reg Slli(Reg a) { return _mm_slli_epi16(a, N); }
     template <int N>

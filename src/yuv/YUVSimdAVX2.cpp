@@ -16,12 +16,20 @@
 namespace zo {
 namespace {
 
+// Keeps a constant multiplier opaque to the compiler, which would otherwise
+// replace one vpmullw by a longer chain of shifts and adds.
+inline __m256i Opaque(__m256i v)
+{
+    __asm__("" : "+x"(v));
+    return v;
+}
+
 struct V256 {
     using Reg = __m256i;
     static Reg Set(std::int32_t v) { return _mm256_set1_epi16(static_cast<short>(v)); }
     static Reg Add(Reg a, Reg b) { return _mm256_add_epi16(a, b); }
     static Reg Sub(Reg a, Reg b) { return _mm256_sub_epi16(a, b); }
-    static Reg MulLo(Reg a, Reg b) { return _mm256_mullo_epi16(a, b); }
+    static Reg MulLo(Reg a, Reg b) { return _mm256_mullo_epi16(a, Opaque(b)); }
     template <int N>
     static Reg Slli(Reg a) { return _mm256_slli_epi16(a, N); }
     template <int N>
@@ -143,9 +151,9 @@ inline void Transform422(__m256i x, __m256i& r, __m256i& g, __m256i& b)
     const __m256i y = _mm256_and_si256(x, _mm256_set1_epi16(0xFF));
     const __m256i u = _mm256_shuffle_epi8(x, spreadU);
     const __m256i v = _mm256_shuffle_epi8(x, spreadV);
-    const __m256i base = _mm256_mullo_epi16(y, V256::Set(kLumaFraction));
+    const __m256i base = V256::MulLo(y, V256::Set(kLumaFraction));
     const __m256i rs = _mm256_add_epi16(
-        base, _mm256_add_epi16(_mm256_mullo_epi16(v, V256::Set(kRedFromVFraction)), V256::Set(kRedSumOffset)));
+        base, _mm256_add_epi16(V256::MulLo(v, V256::Set(kRedFromVFraction)), V256::Set(kRedSumOffset)));
     const __m256i gs = _mm256_add_epi16(
         base, _mm256_add_epi16(_mm256_maddubs_epi16(_mm256_shuffle_epi8(x, spreadUV), greenUV),
                                V256::Set(kGreenSumOffset)));
