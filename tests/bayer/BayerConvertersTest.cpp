@@ -361,3 +361,32 @@ TEST(BayerSimd, VectorLinesMatchScalarLines)
     }
     check(zo::Samples16{}, zo::Identity48{}, 6);
 }
+
+// Lines per line call follow the calling thread's current flags: 2 when
+// replicating (or outside any conversion), 1 when interpolating.
+TEST(BayerConverters, LinesPerConvertFollowTheThreadsFlags)
+{
+    struct Probe : ZoBayerRGB16ToRGB32 {
+        Probe() : ZoBayerRGB16ToRGB32(ZO_PT_BAYER_RGB10, false, 2, ZO_FLAG_BAYER_GRBG) {}
+        using ZoBayerRGB16ToRGB32::GetLinesPerConvert;
+    };
+    struct Recorder : ZoPixelConverter {
+        explicit Recorder(const Probe& p)
+            : ZoPixelConverter(p.GetSourceType(), p.GetDestinationType(), 2, 4, 1, 1), probe(p) {}
+        using ZoPixelConverter::Convert;
+        std::uint32_t Convert(const unsigned char*, unsigned char*, std::uint32_t) const override
+        {
+            seen.push_back(probe.GetLinesPerConvert());
+            return 0;
+        }
+        const Probe& probe;
+        mutable std::vector<std::uint32_t> seen;
+    };
+    Probe probe;
+    EXPECT_EQ(probe.GetLinesPerConvert(), 2u);
+    Recorder recorder(probe);
+    std::vector<std::uint8_t> buffer(64);
+    recorder.Convert(buffer.data(), 2, 2, buffer.data(), 2, 2, 2, 2, ZO_FLAG_BAYER_INTERPOLATE, 0);
+    recorder.Convert(buffer.data(), 2, 2, buffer.data(), 2, 2, 2, 2, ZO_FLAG_BAYER_BGGR, 0);
+    EXPECT_EQ(recorder.seen, (std::vector<std::uint32_t>{1, 1, 2, 2}));
+}
