@@ -39,12 +39,17 @@ struct V128 {
     static Reg Slli(Reg a) { return _mm_slli_epi16(a, N); }
     template <int N>
     static Reg Srai(Reg a) { return _mm_srai_epi16(a, N); }
+    // -100 U + 48 V (SSE2 has no byte multiply-add; the pairs are not used).
+    static Reg GreenChroma(Reg u, Reg v, Reg)
+    {
+        return Sub(MulLo(v, Set(bt601::kGreenFromVFraction)), MulLo(u, Set(bt601::kGreenFromU)));
+    }
 };
 
 // Eight pixels: Y, U, V as 16-bit lanes -> unclamped R, G, B as 16-bit lanes.
 inline void Transform8(__m128i y, __m128i u, __m128i v, __m128i& r, __m128i& g, __m128i& b)
 {
-    TransformLanes<V128>(y, u, v, r, g, b);
+    TransformLanes<V128>(y, u, v, u, r, g, b);
 }
 
 // Eight 4:2:2 pixels (bytes Y0 U Y1 V ...) -> unclamped R, G, B.

@@ -11,7 +11,6 @@
 #include <immintrin.h>
 
 #include "yuv/YUVSimdTransform.h"
-#include "yuv/YUVTransform.h"
 
 namespace zo {
 namespace {
@@ -34,6 +33,13 @@ struct V256 {
     static Reg Slli(Reg a) { return _mm256_slli_epi16(a, N); }
     template <int N>
     static Reg Srai(Reg a) { return _mm256_srai_epi16(a, N); }
+    // -100 U + 48 V from each lane's (U, V) byte pair in one multiply-add;
+    // the sum lies in -25500..12240, so its saturation never acts.
+    static Reg GreenChroma(Reg, Reg, Reg uv)
+    {
+        const int pair = ((bt601::kGreenFromVFraction & 0xFF) << 8) | ((-bt601::kGreenFromU) & 0xFF);
+        return _mm256_maddubs_epi16(uv, Opaque(_mm256_set1_epi16(static_cast<short>(pair))));
+    }
 };
 
 inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
@@ -133,37 +139,19 @@ struct Store16 {
 // --- 4:2:2 -------------------------------------------------------------------
 
 // Sixteen pixels (bytes Y0 U Y1 V ...) -> unclamped R, G, B in 16-bit lanes.
-// The same integers as TransformLanes, with fewer operations: byte shuffles
-// spread each pair's U and V over its two pixels, and one multiply-add of
-// the (U, V) byte pairs gives the green chroma term (-100 U + 48 V lies in
-// -25500..12240, so the instruction's saturation never acts).
+// Byte shuffles spread each pair's U and V (and the (U, V) byte pair) over
+// its two pixels.
 inline void Transform422(__m256i x, __m256i& r, __m256i& g, __m256i& b)
 {
-    using namespace bt601;
     const __m256i spreadU = _mm256_setr_epi8(1, -1, 1, -1, 5, -1, 5, -1, 9, -1, 9, -1, 13, -1, 13, -1,  //
                                              1, -1, 1, -1, 5, -1, 5, -1, 9, -1, 9, -1, 13, -1, 13, -1);
     const __m256i spreadV = _mm256_setr_epi8(3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1,  //
                                              3, -1, 3, -1, 7, -1, 7, -1, 11, -1, 11, -1, 15, -1, 15, -1);
     const __m256i spreadUV = _mm256_setr_epi8(1, 3, 1, 3, 5, 7, 5, 7, 9, 11, 9, 11, 13, 15, 13, 15,  //
                                               1, 3, 1, 3, 5, 7, 5, 7, 9, 11, 9, 11, 13, 15, 13, 15);
-    const __m256i greenUV = _mm256_set1_epi16(static_cast<short>(((kGreenFromVFraction & 0xFF) << 8) |
-                                                                 ((-kGreenFromU) & 0xFF)));
     const __m256i y = _mm256_and_si256(x, _mm256_set1_epi16(0xFF));
-    const __m256i u = _mm256_shuffle_epi8(x, spreadU);
-    const __m256i v = _mm256_shuffle_epi8(x, spreadV);
-    const __m256i base = V256::MulLo(y, V256::Set(kLumaFraction));
-    const __m256i rs = _mm256_add_epi16(
-        base, _mm256_add_epi16(V256::MulLo(v, V256::Set(kRedFromVFraction)), V256::Set(kRedSumOffset)));
-    const __m256i gs = _mm256_add_epi16(
-        base, _mm256_add_epi16(_mm256_maddubs_epi16(_mm256_shuffle_epi8(x, spreadUV), greenUV),
-                               V256::Set(kGreenSumOffset)));
-    const __m256i bs = _mm256_add_epi16(base, _mm256_add_epi16(_mm256_slli_epi16(u, 2), V256::Set(kBlueSumOffset)));
-    r = _mm256_add_epi16(_mm256_add_epi16(y, _mm256_add_epi16(v, V256::Set(kRedWholeOffset))),
-                         _mm256_srai_epi16(rs, kFractionBits));
-    g = _mm256_add_epi16(_mm256_sub_epi16(y, _mm256_sub_epi16(v, V256::Set(kGreenWholeOffset))),
-                         _mm256_srai_epi16(gs, kFractionBits));
-    b = _mm256_add_epi16(_mm256_add_epi16(y, _mm256_add_epi16(_mm256_slli_epi16(u, 1), V256::Set(kBlueWholeOffset))),
-                         _mm256_srai_epi16(bs, kFractionBits));
+    TransformLanes<V256>(y, _mm256_shuffle_epi8(x, spreadU), _mm256_shuffle_epi8(x, spreadV),
+                         _mm256_shuffle_epi8(x, spreadUV), r, g, b);
 }
 
 // Packs two registers of sixteen 16-bit values into bytes in pixel order.
@@ -304,9 +292,9 @@ std::uint32_t Pixels444(const unsigned char* src, unsigned char* dst, std::uint3
         const __m256i y = pickY.Apply(a, b, c), u = pickU.Apply(a, b, c), v = pickV.Apply(a, b, c);
         __m256i r0, g0, b0, r1, g1, b1;
         TransformLanes<V256>(_mm256_unpacklo_epi8(y, zero), _mm256_unpacklo_epi8(u, zero),
-                             _mm256_unpacklo_epi8(v, zero), r0, g0, b0);
+                             _mm256_unpacklo_epi8(v, zero), _mm256_unpacklo_epi8(u, v), r0, g0, b0);
         TransformLanes<V256>(_mm256_unpackhi_epi8(y, zero), _mm256_unpackhi_epi8(u, zero),
-                             _mm256_unpackhi_epi8(v, zero), r1, g1, b1);
+                             _mm256_unpackhi_epi8(v, zero), _mm256_unpackhi_epi8(u, v), r1, g1, b1);
         // In-lane packing gives natural order here.
         Store::Put(dst, Bytes32{_mm256_packus_epi16(r0, r1), _mm256_packus_epi16(g0, g1), _mm256_packus_epi16(b0, b1)});
     }

@@ -91,43 +91,41 @@ static_assert(FitsInt16(kLumaFraction * 239 + kRedFromVFraction * 127 + kRound) 
 static_assert(FitsInt16(kLumaFraction * 239 + kGreenFromU * 128 + kGreenFromVFraction * 127 + kRound) &&
                   FitsInt16(kLumaFraction * -16 - kGreenFromU * 127 + kGreenFromVFraction * -128 + kRound),
               "green fraction fits in 16 bits");
-// Folded for vector code: with y the raw luma, the offsets move into the
-// chroma terms (exact, the same integers):
-//   R = (y + v - 144)       + ((42 y + 153 E - 544) >> 8)
-//   G = (y - v + 112)       + ((42 y - 100 D + 48 E - 544) >> 8)
-//   B = (y + 2 u - 272)     + ((42 y + 4 D - 544) >> 8)
-constexpr std::int32_t kFoldedRound = kRound - kLumaFraction * kLumaOffset;                  // -544
-constexpr std::int32_t kRedWholeOffset = -(kLumaOffset + kChromaOffset);                     // v - 144
-constexpr std::int32_t kGreenWholeOffset = kChromaOffset - kLumaOffset;                      // 112 - v
-constexpr std::int32_t kBlueWholeOffset = -(kLumaOffset + kBlueFromUWhole * kChromaOffset);  // 2 u - 272
 
-// The same sums with the raw samples y, u, v (AVX2 4:2:2 path): the
-// constants absorb every offset. Intermediate products may wrap in 16-bit
-// lanes; the sums themselves lie in signed 16-bit range, so wrapping
-// arithmetic gives them exactly.
-//   R sum = 42 y + 153 v + kRedSumOffset
-//   G sum = 42 y - 100 u + 48 v + kGreenSumOffset
-//   B sum = 42 y + 4 u + kBlueSumOffset
-constexpr std::int32_t kRedSumOffset = kFoldedRound - kRedFromVFraction * kChromaOffset;  // -20128
+// With the raw samples y, u, v the offsets move into constants (the same
+// integers again), which is the form the vector kernels compute:
+//   R = (y + v - 144)    + ((42 y + 153 v + kRedSumOffset) >> 8)
+//   G = (y - v + 112)    + ((42 y - 100 u + 48 v + kGreenSumOffset) >> 8)
+//   B = (y + 2 u - 272)  + ((42 y + 4 u + kBlueSumOffset) >> 8)
+// In 16-bit lanes the products may wrap (153 x 255 does), but each sum lies
+// in signed 16-bit range, so wrapping arithmetic still gives it exactly.
+constexpr std::int32_t kFoldedRound = kRound - kLumaFraction * kLumaOffset;                     // -544
+constexpr std::int32_t kRedSumOffset = kFoldedRound - kRedFromVFraction * kChromaOffset;        // -20128
 constexpr std::int32_t kGreenSumOffset =
-    kFoldedRound + kGreenFromU * kChromaOffset - kGreenFromVFraction * kChromaOffset;      // 6112
-constexpr std::int32_t kBlueSumOffset = kFoldedRound - kBlueFromUFraction * kChromaOffset; // -1056
+    kFoldedRound + kGreenFromU * kChromaOffset - kGreenFromVFraction * kChromaOffset;            // 6112
+constexpr std::int32_t kBlueSumOffset = kFoldedRound - kBlueFromUFraction * kChromaOffset;      // -1056
+constexpr std::int32_t kRedWholeOffset = -(kLumaOffset + kChromaOffset);                        // -144
+constexpr std::int32_t kGreenWholeOffset = kChromaOffset - kLumaOffset;                         // 112 (y - v + 112)
+constexpr std::int32_t kBlueWholeOffset = -(kLumaOffset + kBlueFromUWhole * kChromaOffset);     // -272
 
-// The split form, for checking the vector kernels' arithmetic in scalar code.
-constexpr std::int32_t RedSplit(std::int32_t y, std::int32_t, std::int32_t v)
+// The vector form in scalar code, every step wrapped to a 16-bit lane as the
+// vector kernels do (for testing it over the whole domain).
+constexpr std::int32_t Lane(std::int32_t v) { return static_cast<std::int16_t>(static_cast<std::uint16_t>(v & 0xFFFF)); }
+constexpr std::int32_t RedLanes(std::int32_t y, std::int32_t, std::int32_t v)
 {
-    const std::int32_t c = y - kLumaOffset, e = v - kChromaOffset;
-    return c + e + FloorShift(kLumaFraction * c + kRedFromVFraction * e + kRound, kFractionBits);
+    const std::int32_t sum = Lane(Lane(kLumaFraction * y) + Lane(Lane(kRedFromVFraction * v) + kRedSumOffset));
+    return Lane(y + v + kRedWholeOffset + FloorShift(sum, kFractionBits));
 }
-constexpr std::int32_t GreenSplit(std::int32_t y, std::int32_t u, std::int32_t v)
+constexpr std::int32_t GreenLanes(std::int32_t y, std::int32_t u, std::int32_t v)
 {
-    const std::int32_t c = y - kLumaOffset, d = u - kChromaOffset, e = v - kChromaOffset;
-    return c - e + FloorShift(kLumaFraction * c - kGreenFromU * d + kGreenFromVFraction * e + kRound, kFractionBits);
+    const std::int32_t chroma = Lane(Lane(kGreenFromVFraction * v) - Lane(kGreenFromU * u));
+    const std::int32_t sum = Lane(Lane(kLumaFraction * y) + Lane(chroma + kGreenSumOffset));
+    return Lane(y - v + kGreenWholeOffset + FloorShift(sum, kFractionBits));
 }
-constexpr std::int32_t BlueSplit(std::int32_t y, std::int32_t u, std::int32_t)
+constexpr std::int32_t BlueLanes(std::int32_t y, std::int32_t u, std::int32_t)
 {
-    const std::int32_t c = y - kLumaOffset, d = u - kChromaOffset;
-    return c + kBlueFromUWhole * d + FloorShift(kLumaFraction * c + kBlueFromUFraction * d + kRound, kFractionBits);
+    const std::int32_t sum = Lane(Lane(kLumaFraction * y) + Lane(kBlueFromUFraction * u + kBlueSumOffset));
+    return Lane(y + kBlueFromUWhole * u + kBlueWholeOffset + FloorShift(sum, kFractionBits));
 }
 
 }  // namespace bt601

@@ -14,8 +14,8 @@
 
 namespace {
 
-// Every (Y, U, V) triple: the library's transform, its clamp and the split
-// form the vector paths use, against the reference formula.
+// Every (Y, U, V) triple: the library's transform, its clamp and the 16-bit
+// lane form the vector paths use, against the reference formula.
 TEST(YUVTransform, EveryTripleMatchesReference)
 {
     long mismatches = 0;
@@ -24,9 +24,9 @@ TEST(YUVTransform, EveryTripleMatchesReference)
             for (int v = 0; v < 256; ++v) {
                 const yuvref::RGB x = yuvref::Unclamped(y, u, v);
                 const zo::RGB8 c = zo::YUVToRGB8(y, u, v);
-                mismatches += zo::bt601::RedSplit(y, u, v) != x.r;
-                mismatches += zo::bt601::GreenSplit(y, u, v) != x.g;
-                mismatches += zo::bt601::BlueSplit(y, u, v) != x.b;
+                mismatches += zo::bt601::RedLanes(y, u, v) != x.r;
+                mismatches += zo::bt601::GreenLanes(y, u, v) != x.g;
+                mismatches += zo::bt601::BlueLanes(y, u, v) != x.b;
                 mismatches += c.r != yuvref::Clamp(x.r) || c.g != yuvref::Clamp(x.g) || c.b != yuvref::Clamp(x.b);
             }
     EXPECT_EQ(mismatches, 0);
