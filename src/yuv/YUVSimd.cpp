@@ -13,8 +13,6 @@
 #if defined(ZO_YUV_HAVE_X86)
 #include <emmintrin.h>
 
-#include <cstring>
-
 namespace zo {
 namespace {
 

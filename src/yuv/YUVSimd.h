@@ -26,7 +26,7 @@ struct YUVVectorPaths {
 // `count` receives the number of entries.
 const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count);
 
-#if defined(__x86_64__) || defined(_M_X64) || defined(__i386__)
+#if defined(__x86_64__) || defined(_M_X64)
 #define ZO_YUV_HAVE_X86 1
 extern const YUVVectorPaths kYUVPathsSSE2;
 #if defined(ZO_YUV_HAVE_AVX2)

@@ -37,6 +37,7 @@ struct V256 {
     // the sum lies in -25500..12240, so its saturation never acts.
     static Reg GreenChroma(Reg, Reg, Reg uv)
     {
+        static_assert(bt601::kGreenFromU <= 128 && bt601::kGreenFromVFraction <= 127, "signed byte coefficients");
         const int pair = ((bt601::kGreenFromVFraction & 0xFF) << 8) | ((-bt601::kGreenFromU) & 0xFF);
         return _mm256_maddubs_epi16(uv, Opaque(_mm256_set1_epi16(static_cast<short>(pair))));
     }
