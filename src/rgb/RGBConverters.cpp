@@ -87,6 +87,22 @@ void WordsLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     }
 }
 
+// The 24-bit line form of an RGB16 source with the identity filter: a chunk
+// at a time expanded to 32-bit pixels (which vectorises) in a stack buffer,
+// then repacked to three bytes a pixel.
+template <class Writer>
+void ExpandRGB16IdentityTo24(const unsigned char* s, unsigned char* d, std::uint32_t n, const ChannelTables8& t)
+{
+    constexpr std::uint32_t kChunk = 256;
+    unsigned char pixels[kChunk * 4];
+    for (std::uint32_t done = 0; done < n;) {
+        const std::uint32_t m = n - done < kChunk ? n - done : kChunk;
+        zo::ExpandThenFilterRGB16Line<zo::Write32<0>, true>(s + 2 * std::size_t(done), pixels, m, t);
+        zo::simd::RepackBytesIdentityLine<Writer, 4>(pixels, d + 3 * std::size_t(done), m);
+        done += m;
+    }
+}
+
 // Single pixel of an 8-bit-channel source: unlike the line form it reads
 // the FIRST byte of each k-byte channel (bytes 0, k, 2k). The two forms agree
 // for k = 1 only; the difference is deliberate and kept.
@@ -230,7 +246,7 @@ ZO_RGB_END
 ZO_RGB_LINE(ZoRGB16ToRGB24)
     WithOrder<zo::Write24>(mBlueFirst, [&](auto w) {
         if (filter.IsIdentity8())
-            zo::ExpandThenFilterRGB16Line<decltype(w), true>(s, d, count, Tables8(filter));
+            ExpandRGB16IdentityTo24<decltype(w)>(s, d, count, Tables8(filter));
         else
             zo::ExpandThenFilterRGB16Line<decltype(w), false>(s, d, count, Tables8(filter));
     });
@@ -288,8 +304,11 @@ ZO_RGB_LINE(ZoRGB24ToRGB24Planar)
     unsigned char* red = d + context.planeOffsets[0];
     unsigned char* green = d + context.planeOffsets[1];
     unsigned char* blue = d + context.planeOffsets[2];
-    if (mChannelStep == 1 && filter.IsIdentity8())
-        zo::RepackBytesPlanarLine<1, true>(s, red, green, blue, count, 1, t);
+    if (mChannelStep == 1 && filter.IsIdentity8()) {
+        const std::uint32_t done = zo::simd::RepackPlanarIdentity(s, red, green, blue, count);
+        zo::RepackBytesPlanarLine<1, true>(s + 3 * std::size_t(done), red + done, green + done, blue + done,
+                                           count - done, 1, t);
+    }
     else if (mChannelStep == 1)
         zo::RepackBytesPlanarLine<1, false>(s, red, green, blue, count, 1, t);
     else

@@ -74,6 +74,21 @@ std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char*
     ZO_SHUFFLE(SwapFour(s, d, n));
 }
 
+namespace {
+bool Apart(const unsigned char* a, const unsigned char* b, std::uint32_t n)
+{
+    return a + n <= b || b + n <= a;
+}
+}  // namespace
+
+std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, unsigned char* green,
+                                   unsigned char* blue, std::uint32_t n)
+{
+    if (!Apart(red, green, n) || !Apart(red, blue, n) || !Apart(green, blue, n))
+        return 0;
+    ZO_SHUFFLE(ThreeToPlanes(s, red, green, blue, n));
+}
+
 std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     ZO_SHUFFLE(GrayBytesToThree(s, d, n));

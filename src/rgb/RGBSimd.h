@@ -68,6 +68,12 @@ std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigne
 template <>
 std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 
+// One-byte channels to three planes (red, green, blue); 0 when the planes
+// overlap within the n pixels, where the scalar kernel's per-pixel order of
+// writes decides the result.
+std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, unsigned char* green,
+                                   unsigned char* blue, std::uint32_t n);
+
 // Gray to RGB24/BGR24 (three equal bytes): one byte a pixel, or 16-bit
 // words w giving (w >> shift) & 0xFF (shift 8: the high byte).
 std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n);

@@ -99,6 +99,33 @@ std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32
     return i;
 }
 
+// Channel c of sixteen pixels from 48 bytes (three loads), one shuffle each.
+std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
+                            std::uint32_t n)
+{
+    __m128i masks[3][3];  // [channel][load]
+    for (unsigned c = 0; c < 3; ++c)
+        for (unsigned part = 0; part < 3; ++part) {
+            alignas(16) char m[16];
+            for (unsigned j = 0; j < 16; ++j) {
+                const unsigned at = 3 * j + c;
+                m[j] = at / 16 == part ? static_cast<char>(at % 16) : Z;
+            }
+            masks[c][part] = _mm_load_si128(reinterpret_cast<const __m128i*>(m));
+        }
+    unsigned char* planes[3] = {red, green, blue};
+    std::uint32_t i = 0;
+    for (; i + 16 <= n; i += 16) {
+        const unsigned char* p = s + std::size_t(i) * 3;
+        const __m128i a = Load(p), b = Load(p + 16), c = Load(p + 32);
+        for (unsigned ch = 0; ch < 3; ++ch)
+            Store(planes[ch] + i,
+                  _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, masks[ch][0]), _mm_shuffle_epi8(b, masks[ch][1])),
+                               _mm_shuffle_epi8(c, masks[ch][2])));
+    }
+    return i;
+}
+
 std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<3, 3>(s, d, n, _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, Z, Z, Z, Z));

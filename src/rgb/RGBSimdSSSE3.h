@@ -25,6 +25,10 @@ std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_
 std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 // r g b (group 3) or r g b x (group 4) -> RGB16 words (8 pixels a step).
 std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
+// r g b -> three planes (16 pixels a step); the planes must not overlap
+// within the n pixels.
+std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
+                            std::uint32_t n);
 // r g b -> b g r.
 std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n);
 // r g b x -> b g r x.

@@ -563,3 +563,33 @@ TEST(RGBConverters, FastPathsMatchTheScalarKernels)
     words(zo::Write24<2>{}, Four{}, "RGB64 to BGR24");
     words(zo::Write32<0>{}, Four{}, "RGB64 to RGB32");
 }
+
+TEST(RGBConverters, PlanarAndRGB16FastPathsMatchTheScalarKernels)
+{
+    std::mt19937 rng(80);
+    const ZoRGBFilter identity(8);
+    const zo::ChannelTables8 t{identity.RedTable8(), identity.GreenTable8(), identity.BlueTable8()};
+    for (std::uint32_t n : {1u, 15u, 16u, 17u, 47u, 48u, 49u, 255u, 256u, 257u, 1001u}) {
+        SCOPED_TRACE(n);
+        const std::vector<unsigned char> s = RandomBytes(3 * std::size_t(n), rng);
+        // Planes apart, and planes overlapping (a 5-byte step between them).
+        for (std::size_t gap : {std::size_t(n) + 3, std::size_t(5)}) {
+            std::vector<unsigned char> fast(3 * gap + n + 32, kPoison), scalar = fast;
+            const std::uint32_t done = zo::simd::RepackPlanarIdentity(s.data(), &fast[0], &fast[gap], &fast[2 * gap], n);
+            zo::RepackBytesPlanarLine<1, true>(s.data() + 3 * done, &fast[done], &fast[gap + done],
+                                               &fast[2 * gap + done], n - done, 1, t);
+            zo::RepackBytesPlanarLine<1, true>(s.data(), &scalar[0], &scalar[gap], &scalar[2 * gap], n, 1, t);
+            EXPECT_TRUE(SameBytes(fast, scalar)) << "gap " << gap;
+        }
+        // RGB16 words to 24 bits through the registered line forms.
+        for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24}) {
+            std::vector<unsigned char> fast(3 * std::size_t(n) + 32, kPoison), scalar = fast;
+            ASSERT_EQ(Registered(ZO_PT_RGB16, destination)->Convert(s.data(), fast.data(), n), ZO_OK);
+            if (destination == ZO_PT_RGB24)
+                zo::ExpandThenFilterRGB16Line<zo::Write24<0>, false>(s.data(), scalar.data(), n, t);
+            else
+                zo::ExpandThenFilterRGB16Line<zo::Write24<2>, false>(s.data(), scalar.data(), n, t);
+            EXPECT_TRUE(SameBytes(fast, scalar)) << destination;
+        }
+    }
+}
