@@ -148,6 +148,45 @@ TEST(YUVConverters, EveryInstanceFilteredAreaMatchesReference)
     }
 }
 
+// Converters built with other sample sizes and offsets than the registered
+// ones (for pairs that are taken, so nothing new is registered).
+TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
+{
+    std::mt19937 rng(5);
+    const yuvref::Tables identity = yuvref::Tables::Identity();
+    const ZoYUV8ToRGB24 yuv8Extra2(ZO_PT_YUV8, true, 2);
+    const ZoYUV8ToRGB16 yuv8Extra1(ZO_PT_YUV8, 1);
+    const ZoYUV10ToRGB32 yuv10Shift0(ZO_PT_YUV10, false, 0);
+    const ZoYUV10ToRGB24 yuv10Shift6(ZO_PT_YUV10, true, 6);
+    const ZoYUV8444ToRGB32 yuv444Extra1(ZO_PT_YUV8_444, true, 1, 2, 0, 1);
+    const ZoYUV8444ToRGB16 yuv444Extra2(ZO_PT_YUV8_444, 2, 1, 1, 0);
+    struct Case {
+        const ZoPixelConverter* converter;
+        Instance in;
+    };
+    const Case cases[] = {
+        {&yuv8Extra2, {ZO_PT_YUV8, ZO_PT_BGR24, Family::YUV8, 2, 0, 0, 0}},
+        {&yuv8Extra1, {ZO_PT_YUV8, ZO_PT_RGB16, Family::YUV8, 1, 0, 0, 0}},
+        {&yuv10Shift0, {ZO_PT_YUV10, ZO_PT_RGB32, Family::YUV10, 0, 0, 0, 0}},
+        {&yuv10Shift6, {ZO_PT_YUV10, ZO_PT_BGR24, Family::YUV10, 6, 0, 0, 0}},
+        {&yuv444Extra1, {ZO_PT_YUV8_444, ZO_PT_BGR32, Family::YUV444, 1, 2, 0, 1}},
+        {&yuv444Extra2, {ZO_PT_YUV8_444, ZO_PT_RGB16, Family::YUV444, 2, 1, 1, 0}},
+    };
+    for (const Case& k : cases) {
+        EXPECT_NE(&Registered(k.in), k.converter);
+        const unsigned db = yuvref::DestBytes(k.in.dest);
+        for (unsigned w : {1u, 7u, 33u, 70u}) {
+            SCOPED_TRACE(Describe(k.in) + " param " + std::to_string(k.in.param) + " width " + std::to_string(w));
+            const auto src = yuvref::RandomBytes((w + 2) * k.in.SourcePixelBytes(), rng);
+            std::vector<unsigned char> got((w + 1) * db + kGuard, kPoison), want = got;
+            k.converter->Convert(src.data(), got.data(), w);
+            yuvref::Line(k.in, src.data(), want.data(), w, identity);
+            ASSERT_EQ(got, want);
+        }
+    }
+    EXPECT_EQ(yuv444Extra1.GetSourceByteSize(), 3u);  // whatever the extra bytes
+}
+
 TEST(YUVConverters, SinglePixelFormIsNotSupported)
 {
     for (const Instance& in : yuvref::RegisteredInstances()) {
