@@ -78,7 +78,9 @@ public:
     // GetDestinationByteSize(destinationWidth) + destinationPadding. An
     // interlaced source holds its two fields one after the other (the second
     // at sourceHeight x line bytes / 2) and fills even then odd destination
-    // lines (swapped by FLAG_INVERT_DEINTERLACER). A planar destination holds
+    // lines (swapped by FLAG_INVERT_DEINTERLACER); each field pass converts
+    // its lines 0, 2, 4, ... below `height`, so an odd height writes height + 1
+    // destination lines. A planar destination holds
     // three planes of destinationWidth x destinationHeight bytes with lines
     // sourceWidth bytes apart. Without a Bayer pattern flag, GRBG is assumed.
     // Always returns 0.
