@@ -16,6 +16,7 @@
 #ifndef ZO_YUV_KERNELS_H
 #define ZO_YUV_KERNELS_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "rgb/RGBLayouts.h"
