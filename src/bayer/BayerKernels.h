@@ -250,45 +250,78 @@ inline void BayerEdgePixel(const unsigned char* line, std::ptrdiff_t above, std:
 {
     const std::ptrdiff_t i = x;
     const bool hasLeft = x > 0, hasRight = x + 1 < count;
+    const unsigned across = unsigned(hasLeft) + unsigned(hasRight);
+    const unsigned upDown = unsigned(hasAbove) + unsigned(hasBelow);
     const int own = (x & 1) ? kOddColour[phase] : kEvenColour[phase];
-    std::uint32_t sum = 0;
-    unsigned n = 0;
-    auto add = [&](const unsigned char* l, std::ptrdiff_t j) {
-        sum += Src::At(l, j);
-        ++n;
-    };
-    auto addColumn = [&](std::ptrdiff_t j) {
-        if (hasAbove)
-            add(line + above, j);
-        if (hasBelow)
-            add(line + below, j);
-    };
-    auto addRow = [&](std::ptrdiff_t j) {
+    // Sums of the existing neighbours: left + right, above + below, and the
+    // diagonals.
+    const std::uint32_t row = (hasLeft ? Src::At(line, i - 1) : 0) + (hasRight ? Src::At(line, i + 1) : 0);
+    std::uint32_t column = 0, diagonal = 0;
+    for (int k = 0; k < 2; ++k) {
+        const bool has = k == 0 ? hasAbove : hasBelow;
+        if (!has)
+            continue;
+        const unsigned char* l = line + (k == 0 ? above : below);
+        column += Src::At(l, i);
         if (hasLeft)
-            add(line, j - 1);
+            diagonal += Src::At(l, i - 1);
         if (hasRight)
-            add(line, j + 1);
-    };
+            diagonal += Src::At(l, i + 1);
+    }
     rgb[own] = Src::At(line, i);
     if (own == kGreen) {
         const int rowColour = (x & 1) ? kEvenColour[phase] : kOddColour[phase];
-        addRow(i);
-        rgb[rowColour] = BayerAverage(sum, n);
-        sum = 0;
-        n = 0;
-        addColumn(i);
-        rgb[2 - rowColour] = BayerAverage(sum, n);
+        rgb[rowColour] = BayerAverage(row, across);
+        rgb[2 - rowColour] = BayerAverage(column, upDown);
     } else {
-        addRow(i);
-        addColumn(i);
-        rgb[kGreen] = BayerAverage(sum, n);
-        sum = 0;
-        n = 0;
-        if (hasLeft)
-            addColumn(i - 1);
-        if (hasRight)
-            addColumn(i + 1);
-        rgb[2 - own] = BayerAverage(sum, n);
+        rgb[kGreen] = BayerAverage(row + column, across + upDown);
+        rgb[2 - own] = BayerAverage(diagonal, across * upDown);
+    }
+}
+
+// Pixel pairs (x, x+1), x even, from `from` to `to` (exclusive) of the first
+// or last line of an area of two lines or more: every pixel has its left and
+// right neighbours and one neighbouring line, `other` bytes away.
+//   green site: its row's colour (L + R) >> 1, its column's colour the lone
+//   sample of the other line; red or blue site: green (L + R + V) / 3, the
+//   opposite colour the two diagonals >> 1.
+template <class Src, class Out, int Phase>
+void InterpolateEdgeLinePairs(const unsigned char* line, std::ptrdiff_t other, unsigned char* dst,
+                              std::uint32_t from, std::uint32_t to, const Out& out)
+{
+    const unsigned char* v = line + other;
+    constexpr unsigned kOut = Out::kBytes;
+    for (std::ptrdiff_t x = from; x < static_cast<std::ptrdiff_t>(to); x += 2) {
+        unsigned char* d = dst + x * kOut;
+        if (Phase < 2) {
+            const std::uint32_t g0 = Src::At(line, x);
+            const std::uint32_t row0 = (Src::At(line, x - 1) + Src::At(line, x + 1)) >> 1;
+            const std::uint32_t column0 = Src::At(v, x);
+            const std::uint32_t own1 = Src::At(line, x + 1);
+            const std::uint32_t g1 = (Src::At(v, x + 1) + Src::At(line, x) + Src::At(line, x + 2)) / 3;
+            const std::uint32_t other1 = (Src::At(v, x) + Src::At(v, x + 2)) >> 1;
+            if (Phase == 0) {
+                out.Put(d, row0, g0, column0);
+                out.Put(d + kOut, own1, g1, other1);
+            } else {
+                out.Put(d, column0, g0, row0);
+                out.Put(d + kOut, other1, g1, own1);
+            }
+        } else {
+            const std::uint32_t own0 = Src::At(line, x);
+            const std::uint32_t g0 = (Src::At(v, x) + Src::At(line, x - 1) + Src::At(line, x + 1)) / 3;
+            const std::uint32_t other0 = (Src::At(v, x - 1) + Src::At(v, x + 1)) >> 1;
+            const std::uint32_t g1 = Src::At(line, x + 1);
+            const std::uint32_t row1 = (Src::At(line, x) + Src::At(line, x + 2)) >> 1;
+            const std::uint32_t column1 = Src::At(v, x + 1);
+            if (Phase == 2) {
+                out.Put(d, own0, g0, other0);
+                out.Put(d + kOut, row1, g1, column1);
+            } else {
+                out.Put(d, other0, g0, own0);
+                out.Put(d + kOut, column1, g1, row1);
+            }
+        }
     }
 }
 
@@ -404,9 +437,10 @@ struct BayerInteriorSimd<Samples16, Identity48, Level> {
 
 // One line of `count` pixels of row phase `phase`. `above`/`below` are the
 // offsets of the neighbouring lines in samples; hasAbove is false on the
-// area's first line, hasBelow on its last. Edge pixels and the first and last
-// lines go through BayerEdgePixel, the inside of inner lines through the
-// unrolled pair loop.
+// area's first line, hasBelow on its last. The first two and last one or two
+// pixels (and every pixel of a one-line area) go through BayerEdgePixel; the
+// inside of inner lines through the vector blocks and the unrolled pair loop,
+// the inside of the first and last lines through their own pair loop.
 // `Vector` 0 keeps to the scalar code (the reference for the vector paths),
 // 1 allows SSE2, 2 also AVX2.
 template <class Src, class Out, int Vector = 2>
@@ -422,18 +456,29 @@ void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_
         out.Put(dst + x * Out::kBytes, rgb[0], rgb[1], rgb[2]);
     };
     std::uint32_t x = 0;
-    if (hasAbove && hasBelow && count >= 4) {
+    if (count >= 4 && (hasAbove || hasBelow)) {
         edge(0);
         edge(1);
         // Pairs (x, x + 1) with x + 1 <= count - 2.
         const std::uint32_t end = 2 + ((count - 3) & ~1u);
-        const std::uint32_t from =
-            Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase, out.shift) : 2;
-        switch (phase) {
-        case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;
-        case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, from, end, out); break;
-        case 2: InterpolatePairs<Src, Out, 2>(line, above, below, dst, from, end, out); break;
-        default: InterpolatePairs<Src, Out, 3>(line, above, below, dst, from, end, out); break;
+        if (hasAbove && hasBelow) {
+            const std::uint32_t from =
+                Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase, out.shift)
+                       : 2;
+            switch (phase) {
+            case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;
+            case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, from, end, out); break;
+            case 2: InterpolatePairs<Src, Out, 2>(line, above, below, dst, from, end, out); break;
+            default: InterpolatePairs<Src, Out, 3>(line, above, below, dst, from, end, out); break;
+            }
+        } else {
+            const std::ptrdiff_t other = hasAbove ? above : below;
+            switch (phase) {
+            case 0: InterpolateEdgeLinePairs<Src, Out, 0>(line, other, dst, 2, end, out); break;
+            case 1: InterpolateEdgeLinePairs<Src, Out, 1>(line, other, dst, 2, end, out); break;
+            case 2: InterpolateEdgeLinePairs<Src, Out, 2>(line, other, dst, 2, end, out); break;
+            default: InterpolateEdgeLinePairs<Src, Out, 3>(line, other, dst, 2, end, out); break;
+            }
         }
         x = end;
     }
