@@ -6,10 +6,12 @@ namespace {
 
 using namespace zo;
 
-// Calls body(output) with the 8-bit channel output for `filter` and `shift`.
+// Calls body(output) with the 8-bit channel output for `filter` and `shift`
+// (a shift past 31 gives 0 like a shift of 31 does on 16-bit samples).
 template <class Writer, class Body>
 void With16(const ZoRGBFilter& filter, std::uint32_t shift, Body body)
 {
+    shift = shift < 31 ? shift : 31;
     if (filter.IsIdentity8())
         body(Identity8<Writer, true>{shift});
     else
