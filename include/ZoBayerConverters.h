@@ -73,7 +73,8 @@ private:
 class ZO_API ZoBayerRGB8ToRGB : public ZoPixelConverter {
 public:
     // Source pixel size (extraBytes + 1) x bytesPerPixel; a sample is read
-    // from the last byte of its extraBytes + 1 bytes.
+    // from the last byte of its extraBytes + 1 bytes. extraBytes is 0 or 1
+    // (with any other value the line calls convert nothing and return 18).
     ZoBayerRGB8ToRGB(const std::int64_t& sourceType, const std::int64_t& destinationType,
                      std::uint32_t bytesPerPixel, std::uint32_t destinationPixelSize,
                      std::uint32_t pipeliningSize, bool bgr, std::uint32_t extraBytes,
