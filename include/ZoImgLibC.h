@@ -87,7 +87,7 @@ ZO_API uint32_t ZoPixelConverter_ConvertArea(const ZoPixelConverter* converter, 
                                              unsigned char* destination, uint32_t destinationWidth,
                                              uint32_t destinationHeight, uint32_t width, uint32_t height,
                                              uint32_t flags, uint32_t destinationPadding);
-/* The filter pointer is not checked: it must be a valid filter. */
+/* A null filter converts as ZoPixelConverter_ConvertArea does (default identity filter). */
 ZO_API uint32_t ZoPixelConverter_ConvertAreaFilter(const ZoPixelConverter* converter, const ZoRGBFilter* filter,
                                                    const unsigned char* source, uint32_t sourceWidth,
                                                    uint32_t sourceHeight, unsigned char* destination,

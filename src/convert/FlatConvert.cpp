@@ -79,6 +79,11 @@ uint32_t ZoPixelConverter_ConvertAreaFilter(const ZoPixelConverter* converter, c
 {
     if (!converter)
         return ZO_ERR_BAD_ARGUMENT;
+    // A null filter means no filter: the converter's default identity filter.
+    if (!filter)
+        return ZoPixelConverter_ConvertArea(converter, source, sourceWidth, sourceHeight, destination,
+                                            destinationWidth, destinationHeight, width, height, flags,
+                                            destinationPadding);
     return Guarded([&] {
         return converter->Convert(*filter, source, sourceWidth, sourceHeight, destination, destinationWidth,
                                   destinationHeight, width, height, flags, destinationPadding);

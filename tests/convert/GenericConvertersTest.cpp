@@ -370,4 +370,8 @@ TEST(FlatConverter, ForwardsToTheConverter)
     EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), true));
     EXPECT_EQ(ZoPixelConverter_ConvertArea(c, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0), ZO_OK);
     EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), false));
+    // A null filter is no filter: the same bytes as the unfiltered area form.
+    std::fill(d.begin(), d.end(), kPoison);
+    EXPECT_EQ(ZoPixelConverter_ConvertAreaFilter(c, nullptr, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0), ZO_OK);
+    EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), false));
 }
