@@ -112,32 +112,42 @@ ZO_BAYER_INLINE void BayerQuads(const BayerBlock16& block, bool blueFirst, __m12
 // (`to` at most count - 1, so that the loads at x + 1 stay inside the line).
 // Returns where it stopped. A 24-bit block stores two bytes past its last
 // pixel, which the caller writes afterwards.
+// Stores a block of sixteen pixels in a 3- or 4-byte layout. A 24-bit block
+// writes two bytes past its last pixel.
+template <unsigned Bytes, bool BlueFirst>
+ZO_BAYER_INLINE void BayerStoreBlock(const BayerBlock16& block, unsigned char* d)
+{
+    __m128i q[4];
+    BayerQuads(block, BlueFirst, q);
+    if (Bytes == 4) {
+        for (int k = 0; k < 4; ++k)
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * k), q[k]);
+    } else {
+        for (int k = 0; k < 4; ++k) {
+            const std::uint64_t pair[2] = {
+                static_cast<std::uint64_t>(_mm_cvtsi128_si64(q[k])),
+                static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(q[k], q[k])))};
+            for (int p = 0; p < 2; ++p) {
+                const std::uint64_t six = (pair[p] & 0xFFFFFFu) | ((pair[p] >> 8) & 0xFFFFFF000000u);
+                std::memcpy(d, &six, 8);
+                d += 6;
+            }
+        }
+    }
+}
+
+// Pixels x = from, from + 16, ... while a whole block fits before `to`
+// (`to` at most count - 1, so that the loads at x + 1 stay inside the line).
+// Returns where it stopped. A 24-bit block stores two bytes past its last
+// pixel, which the caller writes afterwards.
 template <unsigned Bytes, bool BlueFirst>
 std::uint32_t InterpolateBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                     unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
 {
     std::uint32_t x = from;
-    for (; x + 16 <= to; x += 16) {
-        const BayerBlock16 block = BayerBlock(line + above + x, line + x, line + below + x, phase);
-        __m128i q[4];
-        BayerQuads(block, BlueFirst, q);
-        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
-        if (Bytes == 4) {
-            for (int k = 0; k < 4; ++k)
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * k), q[k]);
-        } else {
-            for (int k = 0; k < 4; ++k) {
-                const std::uint64_t pair[2] = {
-                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(q[k])),
-                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(q[k], q[k])))};
-                for (int p = 0; p < 2; ++p) {
-                    const std::uint64_t six = (pair[p] & 0xFFFFFFu) | ((pair[p] >> 8) & 0xFFFFFF000000u);
-                    std::memcpy(d, &six, 8);
-                    d += 6;
-                }
-            }
-        }
-    }
+    for (; x + 16 <= to; x += 16)
+        BayerStoreBlock<Bytes, BlueFirst>(BayerBlock(line + above + x, line + x, line + below + x, phase),
+                                          dst + static_cast<std::size_t>(x) * Bytes);
     return x;
 }
 
@@ -209,8 +219,9 @@ ZO_BAYER_INLINE void BayerWords8(const unsigned char* a, const unsigned char* c,
 }
 
 // 16-bit samples into a 3- or 4-byte layout (`above`/`below` in bytes):
-// pixels from `from` (even) while eight fit before `to` (at most count - 1). A 24-bit block writes two bytes
-// past its last pixel, which the caller writes afterwards.
+// sixteen pixels from `from` (even) while they fit before `to` (at most
+// count - 1). A 24-bit block writes two bytes past its last pixel, which the
+// caller writes afterwards.
 template <unsigned Bytes, bool BlueFirst>
 std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                         unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
@@ -218,34 +229,18 @@ std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_
 {
     const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
     const __m128i low8 = _mm_set1_epi16(0xFF);
+    auto bytes = [&](__m128i v) { return _mm_and_si128(_mm_srl_epi16(v, count), low8); };
     std::uint32_t x = from;
-    for (; x + 8 <= to; x += 8) {
+    for (; x + 16 <= to; x += 16) {
         const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
-        __m128i r, g, b;
-        BayerWords8(c + above, c, c + below, phase, r, g, b);
-        auto bytes = [&](__m128i v) { return _mm_and_si128(_mm_srl_epi16(v, count), low8); };
+        __m128i r0, g0, b0, r1, g1, b1;
+        BayerWords8(c + above, c, c + below, phase, r0, g0, b0);
+        BayerWords8(c + 16 + above, c + 16, c + 16 + below, phase, r1, g1, b1);
         BayerBlock16 block;
-        block.red = _mm_packus_epi16(bytes(r), bytes(r));
-        block.green = _mm_packus_epi16(bytes(g), bytes(g));
-        block.blue = _mm_packus_epi16(bytes(b), bytes(b));
-        __m128i q[4];
-        BayerQuads(block, BlueFirst, q);
-        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
-        if (Bytes == 4) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(d), q[0]);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16), q[1]);
-        } else {
-            for (int k = 0; k < 2; ++k) {
-                const std::uint64_t pair[2] = {
-                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(q[k])),
-                    static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(q[k], q[k])))};
-                for (int p = 0; p < 2; ++p) {
-                    const std::uint64_t six = (pair[p] & 0xFFFFFFu) | ((pair[p] >> 8) & 0xFFFFFF000000u);
-                    std::memcpy(d, &six, 8);
-                    d += 6;
-                }
-            }
-        }
+        block.red = _mm_packus_epi16(bytes(r0), bytes(r1));
+        block.green = _mm_packus_epi16(bytes(g0), bytes(g1));
+        block.blue = _mm_packus_epi16(bytes(b0), bytes(b1));
+        BayerStoreBlock<Bytes, BlueFirst>(block, dst + static_cast<std::size_t>(x) * Bytes);
     }
     return x;
 }
