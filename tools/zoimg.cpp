@@ -241,8 +241,13 @@ std::string ConverterDocument()
         for (std::int64_t destination : ConverterDestinations(source)) {
             const ZoPixelConverter& converter = ZoPixelTypeFactory::GetConverter(source, destination);
             std::string what;
-            if (IsChain(converter)) {
-                what = "chain: " + DescribeConverter(converter);
+            if (const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter)) {
+                auto stage = [](const ZoPixelConverter* c) {
+                    return c ? "`" + ClassName(*c) + "` (" + HexId(c->GetSourceType()) + " -> " +
+                                   HexId(c->GetDestinationType()) + ")"
+                             : std::string("?");
+                };
+                what = "chain: " + stage(chain->GetFirst()) + " + " + stage(chain->GetSecond());
                 ++chains;
             } else {
                 what = "`" + ClassName(converter) + "`";
