@@ -189,7 +189,8 @@ ZO_BAYER_INLINE void BayerQuarter(__m128i a0, __m128i a1, __m128i a2, __m128i c0
 }
 
 // Eight pixels at word pointers a, c, b (above, current, below): red, green
-// and blue as eight 16-bit lanes each.
+// and blue as eight 16-bit lanes each (sums in 32-bit lanes unless every
+// sample is below 2^14).
 ZO_BAYER_INLINE void BayerWords8(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase,
                         __m128i& red, __m128i& green, __m128i& blue)
 {
@@ -198,6 +199,15 @@ ZO_BAYER_INLINE void BayerWords8(const unsigned char* a, const unsigned char* c,
     const __m128i a0 = load(a - 2), a1 = load(a), a2 = load(a + 2);
     const __m128i c0 = load(c - 2), c1 = load(c), c2 = load(c + 2);
     const __m128i b0 = load(b - 2), b1 = load(b), b2 = load(b + 2);
+    // Samples below 2^14 (10- and 12-bit data) cannot overflow a 16-bit sum
+    // of four: then the sums are taken in 16-bit lanes directly.
+    const __m128i any = _mm_or_si128(_mm_or_si128(_mm_or_si128(a0, a1), _mm_or_si128(a2, c0)),
+                                     _mm_or_si128(_mm_or_si128(c1, c2), _mm_or_si128(_mm_or_si128(b0, b1), b2)));
+    const __m128i high = _mm_and_si128(any, _mm_set1_epi16(static_cast<short>(0xC000)));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(high, zero)) == 0xFFFF) {
+        BayerHalf(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, red, green, blue);
+        return;
+    }
     __m128i rl, gl, bl, rh, gh, bh;
     BayerQuarter(_mm_unpacklo_epi16(a0, zero), _mm_unpacklo_epi16(a1, zero), _mm_unpacklo_epi16(a2, zero),
                  _mm_unpacklo_epi16(c0, zero), _mm_unpacklo_epi16(c1, zero), _mm_unpacklo_epi16(c2, zero),

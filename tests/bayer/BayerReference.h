@@ -230,6 +230,7 @@ struct Case {
     std::uint32_t flags;   // pattern flags (maybe none) and FLAG_BAYER_INTERPOLATE
     const ZoRGBFilter* filter;  // null: the converter's default
     std::uint32_t padding;
+    std::uint32_t wordMask = 0xFFFF;  // range of random 16-bit samples
 };
 
 // Lines a conversion touches: the area, or for replicating mode with an
@@ -279,7 +280,7 @@ inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const C
     m.height = lines;
     std::vector<std::uint8_t> source(std::size_t(lines) * c.sourceWidth * in.sourceBytes);
     for (std::uint32_t i = 0; i < lines * c.sourceWidth; ++i) {
-        const std::uint32_t s = in.sourceBytes == 2 && in.wordFamily ? rng() & 0xFFFF : rng() & 0xFF;
+        const std::uint32_t s = in.sourceBytes == 2 && in.wordFamily ? rng() & c.wordMask : rng() & 0xFF;
         m.v.push_back(s);
         PutSample(in, s, std::uint8_t(rng()), &source[std::size_t(i) * in.sourceBytes]);
     }
