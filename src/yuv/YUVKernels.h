@@ -72,8 +72,9 @@ struct YUV10PairReader {
 // Pairs [firstPair, pairEnd) of a 4:2:2 line.
 template <class Writer, bool Filtered, class Reader>
 inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t firstPair,
-                             std::uint32_t pairEnd, const Reader& reader, const YUVChannelTables& t)
+                             std::uint32_t pairEnd, const Reader& reader, const YUVChannelTables& tables)
 {
+    const YUVChannelTables t = tables;  // a local copy: byte stores cannot alias it
     const std::uint32_t pairBytes = reader.PairBytes();
     const unsigned char* s = src + static_cast<std::size_t>(firstPair) * pairBytes;
     unsigned char* d = dst + static_cast<std::size_t>(firstPair) * 2 * Writer::kBytes;
@@ -150,8 +151,12 @@ constexpr std::uint32_t kFilterChunkPixels = 256;
 template <class Writer>
 inline void FilterRGB32(const unsigned char* rgb32, unsigned char* dst, std::uint32_t n, const YUVChannelTables& t)
 {
+    // Local copies: byte stores could otherwise alias the table pointers.
+    const std::uint8_t* const red = t.red;
+    const std::uint8_t* const green = t.green;
+    const std::uint8_t* const blue = t.blue;
     for (std::uint32_t i = 0; i < n; ++i, rgb32 += 4, dst += Writer::kBytes)
-        Writer::Put(dst, t.red[rgb32[0]], t.green[rgb32[1]], t.blue[rgb32[2]]);
+        Writer::Put(dst, red[rgb32[0]], green[rgb32[1]], blue[rgb32[2]]);
 }
 
 template <class Writer, class Reader>
@@ -184,8 +189,9 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
 template <class Writer, bool Filtered>
 inline void YUV444PixelsToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t first, std::uint32_t end,
                               std::uint32_t pixelBytes, std::uint32_t extra, std::uint32_t yOffset,
-                              std::uint32_t uOffset, std::uint32_t vOffset, const YUVChannelTables& t)
+                              std::uint32_t uOffset, std::uint32_t vOffset, const YUVChannelTables& tables)
 {
+    const YUVChannelTables t = tables;  // a local copy: byte stores cannot alias it
     const unsigned char* p = src + static_cast<std::size_t>(first) * pixelBytes + extra;
     unsigned char* d = dst + static_cast<std::size_t>(first) * Writer::kBytes;
     for (std::uint32_t i = first; i < end; ++i, p += pixelBytes, d += Writer::kBytes)
