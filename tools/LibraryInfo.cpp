@@ -213,11 +213,6 @@ std::string ClassName(const ZoPixelConverter& converter)
     return mangled;
 }
 
-bool IsChain(const ZoPixelConverter& converter)
-{
-    return dynamic_cast<const ZoComplexConverter*>(&converter) != nullptr;
-}
-
 std::string DescribeConverter(const ZoPixelConverter& converter)
 {
     const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter);

@@ -50,7 +50,6 @@ std::string ClassName(const ZoPixelConverter& converter);
 // "ZoBayerRGB8ToRGB24", or for a chain
 // "ZoIdentityConverter (0x00220011 -> 0x00020011) + ZoBayerRGB16ToRGB16 (...)".
 std::string DescribeConverter(const ZoPixelConverter& converter);
-bool IsChain(const ZoPixelConverter& converter);
 
 }  // namespace zoimg
 
