@@ -39,8 +39,8 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     if (f.IsIdentity8()) {
         if (k == 1)
             zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
-        else if (k == 2)
-            zo::RepackBytesLine<Writer, Group, 2, true>(s, d, n, 2, t);
+        else if (k == 2)  // the second byte of each channel is the high byte of a word
+            zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
         else
             zo::RepackBytesLine<Writer, Group, 0, true>(s, d, n, k, t);
     } else {

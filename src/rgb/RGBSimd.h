@@ -36,13 +36,15 @@ inline std::uint32_t RepackKeepFourthIdentity(const unsigned char*, unsigned cha
 template <>
 inline std::uint32_t RepackBytesIdentity<Write24<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    std::memcpy(d, s, std::size_t(n) * 3);
+    if (n)
+        std::memcpy(d, s, std::size_t(n) * 3);
     return n;
 }
 template <>
 inline std::uint32_t RepackKeepFourthIdentity<0>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    std::memcpy(d, s, std::size_t(n) * 4);
+    if (n)
+        std::memcpy(d, s, std::size_t(n) * 4);
     return n;
 }
 

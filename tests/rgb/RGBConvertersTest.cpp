@@ -383,8 +383,9 @@ TEST(RGBConverters, GroupOfFourOverrun)
                     written = i + 1;
             // Every pixel up to `expected` written, none after it.
             EXPECT_LE(written, expected * dp) << c.destination << " count " << count;
-            if (expected)
+            if (expected) {
                 EXPECT_GT(written, (expected - 1) * dp) << c.destination << " count " << count;
+            }
         }
     }
 }
@@ -401,7 +402,7 @@ TEST(RGBConverters, FourthByteOfRGB32ToRGB32)
     ASSERT_EQ(Registered(ZO_PT_RGB32, ZO_PT_RGB32)->Convert(s, d), ZO_OK);
     EXPECT_EQ(std::vector<unsigned char>(d, d + 4), (std::vector<unsigned char>{10, 20, 30, 40}));
     // Skip 1: line form from byte 7, single pixel from byte 3.
-    const unsigned char wide[16] = {1, 10, 2, 20, 3, 30, 4, 40};
+    const unsigned char wide[32] = {1, 10, 2, 20, 3, 30, 4, 40};  // room for the group of four
     ASSERT_EQ(Registered(ZO_PT_RGB64_10BITS | N, ZO_PT_RGB32)->Convert(wide, d, 1), ZO_OK);
     EXPECT_EQ(std::vector<unsigned char>(d, d + 4), (std::vector<unsigned char>{10, 20, 30, 40}));
     ASSERT_EQ(Registered(ZO_PT_RGB64_10BITS | N, ZO_PT_RGB32)->Convert(wide, d), ZO_OK);
@@ -436,7 +437,7 @@ TEST(RGBConverters, PlanarLineSize)
 // byte of each channel, the single-pixel form the first.
 TEST(RGBConverters, ByteChoiceOfSkipOneSources)
 {
-    const unsigned char s[12] = {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1};
+    const unsigned char s[24] = {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1};  // room for the group of four
     unsigned char d[16];
     const ZoPixelConverter* c = Registered(ZO_PT_RGB48_12BITS | N, ZO_PT_RGB24);
     ASSERT_EQ(c->Convert(s, 1, 1, d, 1, 1, 1, 1, 0, 0), ZO_OK);
@@ -461,7 +462,7 @@ TEST(RGBConverters, WhiteBalanceFilterFollowsItsTables)
     ASSERT_EQ(Registered(ZO_PT_RGB24 | P, ZO_PT_BGR32)->Convert(f8, rgb, 2, 1, d, 2, 1, 2, 1, 0, 0), ZO_OK);
     EXPECT_EQ(std::vector<unsigned char>(d, d + 8), (std::vector<unsigned char>{100, 200, 150, 0, 3, 3, 255, 0}));
     // 10-bit words 400, 1000, 1023: red 600 >> 2 = 150, green 250, blue 511 >> 2 = 127.
-    const unsigned char words[6] = {400 & 0xFF, 400 >> 8, 1000 & 0xFF, 1000 >> 8, 0xFF, 0x03};
+    const unsigned char words[24] = {400 & 0xFF, 400 >> 8, 1000 & 0xFF, 1000 >> 8, 0xFF, 0x03};
     ASSERT_EQ(Registered(ZO_PT_RGB48_10BITS, ZO_PT_RGB24)->Convert(f16, words, 1, 1, d, 1, 1, 1, 1, 0, 0), ZO_OK);
     EXPECT_EQ(std::vector<unsigned char>(d, d + 3), (std::vector<unsigned char>{150, 250, 127}));
 }
