@@ -207,6 +207,14 @@ int CommandConvert(const std::vector<std::string>& args)
                     " takes " + std::to_string(expected) + " (" + std::to_string(converter.GetSourceByteSize(width)) +
                     " a line)");
 
+    if (haveGains) {
+        // The library hands a caller's filter to a chain's first stage only.
+        if (const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter))
+            if (chain->GetFirst())
+                std::fprintf(stderr,
+                             "zoimg: note: this conversion is a chain; the gains reach its first stage (%s) only\n",
+                             ClassName(*chain->GetFirst()).c_str());
+    }
     std::vector<std::uint8_t> output;
     const std::uint32_t result =
         ConvertFrame(converter, input.data(), width, height, flags, haveGains ? gains : nullptr, output);
