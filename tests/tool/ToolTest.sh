@@ -89,6 +89,28 @@ if "$zoimg" converters 0x420011 | grep -q -- '-> 0x00020011'; then
     expect_status 1 "cannot be written as an image" "$zoimg" convert --from 0x420011 --to 0x20011 --width 4 --height 1 packed.raw x.png
 fi
 
+# Every registered conversion runs through zoimg convert on an 8 x 4 frame of
+# random bytes, sized from the message for a wrong size, and writes an image
+# or, for the destinations that are not images, raw bytes.
+head -c 65536 /dev/urandom > random.bin
+: > empty.raw
+pairs=0
+while read -r source _ destination _; do
+    pairs=$((pairs + 1))
+    size=$("$zoimg" convert --from "$source" --to "$destination" --width 8 --height 4 empty.raw x.raw 2>&1 |
+        sed -n 's/.* takes \([0-9]*\) .*/\1/p' || true)
+    [[ -n $size ]] || { fail "$source -> $destination: no frame size in the size message"; continue; }
+    head -c "$size" random.bin > frame.raw
+    status=0
+    "$zoimg" convert --from "$source" --to "$destination" --width 8 --height 4 frame.raw out.png 2> err.txt || status=$?
+    if [[ $status -ne 0 ]]; then
+        grep -q 'cannot be written as an image' err.txt || { fail "$source -> $destination: $(cat err.txt)"; continue; }
+        "$zoimg" convert --from "$source" --to "$destination" --width 8 --height 4 frame.raw out.raw ||
+            fail "$source -> $destination as raw bytes"
+    fi
+done < <("$zoimg" converters | grep '^0x')
+[[ $pairs -gt 0 ]] || fail "zoimg converters listed nothing"
+
 # The converter reference starts with its title and lists 8-bit gray.
 "$zoimg" docs > converters.md
 head -1 converters.md | grep -qx '# Converters' || fail "zoimg docs: no title"
