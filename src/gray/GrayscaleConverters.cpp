@@ -3,6 +3,7 @@
 #include "ZoGrayscaleConverters.h"
 
 #include "gray/GrayscaleKernels.h"
+#include "gray/GrayscaleSimd.h"
 #include "rgb/RGBSimd.h"
 
 namespace g = zo::gray;
@@ -66,6 +67,25 @@ void FirstBytePixel(const unsigned char* s, unsigned char* d)
 }
 
 }  // namespace
+
+namespace zo {
+namespace gray {
+
+std::uint32_t GrayBytesToRGB32(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+#if defined(ZO_GRAY_HAVE_AVX2)
+    static const bool kAVX2 = __builtin_cpu_supports("avx2");
+    if (kAVX2)
+        return GrayBytesToRGB32AVX2(s, d, n);
+#endif
+    (void)s;
+    (void)d;
+    (void)n;
+    return 0;
+}
+
+}  // namespace gray
+}  // namespace zo
 
 // Base values: source bytes, destination bytes, pipelining 4, one line a call.
 ZoGrayscale16ToGrayscale16RightShift::ZoGrayscale16ToGrayscale16RightShift(const std::int64_t& sourceType,
@@ -239,7 +259,9 @@ std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char
 
 std::uint32_t ZoGrayscale8ToRGB32::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    LastByteLine<g::PutRGB32>(s, d, n, mSourcePixelBytes);
+    // One-byte pixels: the vector path first, the scalar kernel for the rest.
+    const std::uint32_t done = mSourcePixelBytes == 1 ? g::GrayBytesToRGB32(s, d, n) : 0;
+    LastByteLine<g::PutRGB32>(s + done, d + std::size_t(done) * 4, n - done, mSourcePixelBytes);
     return ZO_OK;
 }
 std::uint32_t ZoGrayscale8ToRGB32::Convert(const unsigned char* s, unsigned char* d) const

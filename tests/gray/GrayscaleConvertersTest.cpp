@@ -9,6 +9,7 @@
 #include "ZoGrayscaleConverters.h"
 #include "ZoPixelTypeFactory.h"
 #include "gray/GrayscaleKernels.h"
+#include "gray/GrayscaleSimd.h"
 #include "gray/GrayscaleTables.h"
 #include "convert/ConvertTestSupport.h"
 #include "rgb/AreaTestSupport.h"
@@ -349,5 +350,32 @@ TEST(GrayscaleConverters, FastPathsMatchTheScalarKernels)
         run(ZO_PT_GRAY10, g::ReadWordShifted<2>{});
         run(ZO_PT_GRAY12, g::ReadWordShifted<4>{});
         run(ZO_PT_GRAY14, g::ReadWordShifted<6>{});
+    }
+}
+
+// The vector path for one-byte pixels to 32-bit destinations, alone and
+// through both registered converters, against the scalar kernel: awkward
+// widths, poison around the written bytes.
+TEST(GrayscaleConverters, Gray8ToRGB32VectorPathMatchesTheScalarKernel)
+{
+    namespace g = zo::gray;
+    std::mt19937 rng(92);
+    for (std::uint32_t n : {1u, 2u, 3u, 7u, 9u, 15u, 16u, 17u, 31u, 32u, 33u, 47u, 48u, 49u, 63u, 65u, 1001u, 1920u}) {
+        SCOPED_TRACE(n);
+        const std::vector<unsigned char> s = RandomBytes(n, rng);
+        std::vector<unsigned char> scalar(4 * std::size_t(n) + 64, kPoison);
+        g::GrayLine<g::PutRGB32>(s.data(), scalar.data(), n, g::ReadLastByte<1>{});
+
+        std::vector<unsigned char> part(scalar.size(), kPoison);
+        const std::uint32_t done = g::GrayBytesToRGB32(s.data(), part.data(), n);
+        ASSERT_LE(done, n);
+        for (std::size_t i = 0; i < part.size(); ++i)
+            ASSERT_EQ(part[i], i < 4 * std::size_t(done) ? scalar[i] : kPoison) << "byte " << i;
+
+        for (std::int64_t destination : {ZO_PT_RGB32, ZO_PT_BGR32}) {
+            std::vector<unsigned char> whole(scalar.size(), kPoison);
+            ASSERT_EQ(Registered(ZO_PT_GRAY8, destination)->Convert(s.data(), whole.data(), n), ZO_OK);
+            EXPECT_TRUE(SameBytes(whole, scalar)) << destination;
+        }
     }
 }
