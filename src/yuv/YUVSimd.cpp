@@ -292,7 +292,13 @@ const YUVVectorPaths kYUVPathsSSE2 = {"SSE2", Pairs8SSE2, Pairs10SSE2, Pixels444
 
 const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count)
 {
-#if defined(ZO_YUV_HAVE_AVX2)
+#if defined(ZO_YUV_HAVE_AVX512)
+    static const bool kAVX2 = __builtin_cpu_supports("avx2");
+    static const bool kAVX512 =
+        kAVX2 && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
+    static const YUVVectorPaths* const kPaths[] = {&kYUVPathsSSE2, &kYUVPathsAVX2, &kYUVPathsAVX512};
+    count = kAVX512 ? 3 : (kAVX2 ? 2 : 1);
+#elif defined(ZO_YUV_HAVE_AVX2)
     static const bool kAVX2 = __builtin_cpu_supports("avx2");
     static const YUVVectorPaths* const kPaths[] = {&kYUVPathsSSE2, &kYUVPathsAVX2};
     count = kAVX2 ? 2 : 1;

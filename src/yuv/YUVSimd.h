@@ -32,6 +32,11 @@ extern const YUVVectorPaths kYUVPathsSSE2;
 #if defined(ZO_YUV_HAVE_AVX2)
 extern const YUVVectorPaths kYUVPathsAVX2;  // YUVSimdAVX2.cpp, built with -mavx2
 #endif
+#if defined(ZO_YUV_HAVE_AVX512)
+// YUVSimdAVX512.cpp, built with -mavx512bw -mavx512vbmi (its own path for
+// 8-bit 4:2:2 to 32-bit pixels, the AVX2 paths for the rest).
+extern const YUVVectorPaths kYUVPathsAVX512;
+#endif
 #endif
 
 }  // namespace zo

@@ -212,10 +212,48 @@ std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32
     return groups * 16;
 }
 
+// The 4:2:2 transform with byte multiply-adds only (the byte-pair form of
+// YUVTransform.h). Two byte shuffles give each pixel's lane the byte pairs
+// (Y, U) and (Y, V); every term, whole or fraction, is then one vpmaddubsw
+// of such a pair (no sum saturates), which leaves the shift unit free for
+// the arithmetic shifts and the packing.
+inline __m256i BytePair(std::int32_t low, std::int32_t high)
+{
+    return Opaque(_mm256_set1_epi16(static_cast<short>(((high & 0xFF) << 8) | (low & 0xFF))));
+}
+
+inline void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
+{
+    using namespace bt601;
+    const __m256i pickU = _mm256_setr_epi8(0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13,  //
+                                           0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13);
+    const __m256i pickV = _mm256_setr_epi8(0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15,  //
+                                           0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15);
+    const __m256i yu = _mm256_shuffle_epi8(x, pickU);
+    const __m256i yv = _mm256_shuffle_epi8(x, pickV);
+    const __m256i rs = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(kLumaFraction, -kRedFromVPairFraction)),
+                                        _mm256_set1_epi16(static_cast<short>(kRedPairSumOffset)));
+    const __m256i gs = _mm256_add_epi16(
+        _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(kLumaFraction, kGreenFromVFraction)),
+                         _mm256_maddubs_epi16(yu, BytePair(0, -kGreenFromU))),
+        _mm256_set1_epi16(static_cast<short>(kGreenSumOffset)));
+    const __m256i bs = _mm256_add_epi16(_mm256_maddubs_epi16(yu, BytePair(kLumaFraction, kBlueFromUFraction)),
+                                        _mm256_set1_epi16(static_cast<short>(kBlueSumOffset)));
+    const __m256i rw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(1, kRedFromVPairWhole)),
+                                        _mm256_set1_epi16(static_cast<short>(kRedPairWholeOffset)));
+    const __m256i gw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(1, -1)),
+                                        _mm256_set1_epi16(static_cast<short>(kGreenWholeOffset)));
+    const __m256i bw = _mm256_add_epi16(_mm256_maddubs_epi16(yu, BytePair(1, kBlueFromUWhole)),
+                                        _mm256_set1_epi16(static_cast<short>(kBlueWholeOffset)));
+    r = _mm256_add_epi16(rw, _mm256_srai_epi16(rs, kFractionBits));
+    g = _mm256_add_epi16(gw, _mm256_srai_epi16(gs, kFractionBits));
+    b = _mm256_add_epi16(bw, _mm256_srai_epi16(bs, kFractionBits));
+}
+
 // 32-bit destinations, sixteen pixels at a time straight from the 16-bit
-// results (fewer registers live than packing two registers per channel):
-// packing (first, third) and (green, 0) and two rounds of unpacking give
-// pixels 0-3 | 8-11 and 4-7 | 12-15, which two lane permutes put in order.
+// results. The source's 8-byte quarters (four pixels each) are first put in
+// the order 0, 2 | 1, 3, so that after packing (first, third) and (green, 0)
+// two rounds of in-lane unpacking give pixels 0-7 and 8-15 in order.
 template <unsigned RedIndex, class Reader>
 std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
 {
@@ -226,15 +264,13 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
         reader.Load2(src, x[0], x[1]);
         for (int k = 0; k < 2; ++k) {
             __m256i r, g, b;
-            Transform422(x[k], r, g, b);
+            Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
             const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
             const __m256i middle = _mm256_packus_epi16(g, zero);
             const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
             const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
-            const __m256i a = _mm256_unpacklo_epi16(lo, hi);        // 0-3 | 8-11
-            const __m256i c = _mm256_unpackhi_epi16(lo, hi);        // 4-7 | 12-15
-            Store(dst + 64 * k, _mm256_permute2x128_si256(a, c, 0x20));
-            Store(dst + 64 * k + 32, _mm256_permute2x128_si256(a, c, 0x31));
+            Store(dst + 64 * k, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
+            Store(dst + 64 * k + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
         }
     }
     return groups * 16;

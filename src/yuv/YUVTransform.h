@@ -108,6 +108,24 @@ constexpr std::int32_t kRedWholeOffset = -(kLumaOffset + kChromaOffset);        
 constexpr std::int32_t kGreenWholeOffset = kChromaOffset - kLumaOffset;                         // 112 (y - v + 112)
 constexpr std::int32_t kBlueWholeOffset = -(kLumaOffset + kBlueFromUWhole * kChromaOffset);     // -272
 
+// A second split for vector kernels that multiply byte pairs (signed byte
+// coefficients, at most 127 in size): 409 = 512 - 103 gives
+//   R = (y + 2 v - 272)  + ((42 y - 103 v + kRedPairSumOffset) >> 8)
+// with G and B as above. Every coefficient, whole or fraction, then fits a
+// signed byte, and every product pair and sum stays within signed 16 bits.
+constexpr std::int32_t kRedFromVPairWhole = 2;
+constexpr std::int32_t kRedFromVPairFraction = kRedFromVPairWhole * 256 - kRedFromV;                 // 103 (subtracted)
+constexpr std::int32_t kRedPairSumOffset = kFoldedRound + kRedFromVPairFraction * kChromaOffset;     // 12640
+constexpr std::int32_t kRedPairWholeOffset = -(kLumaOffset + kRedFromVPairWhole * kChromaOffset);   // -272
+static_assert(kRedFromVPairFraction <= 128 && kLumaFraction <= 127 && kGreenFromU <= 128 &&
+                  kGreenFromVFraction <= 127 && kBlueFromUFraction <= 127,
+              "byte-pair coefficients fit a signed byte");
+static_assert(FitsInt16(kLumaFraction * 255 + kRedPairSumOffset) &&
+                  FitsInt16(-kRedFromVPairFraction * 255 + kRedPairSumOffset) &&
+                  FitsInt16(kLumaFraction * 255 + kGreenFromVFraction * 255 + kGreenSumOffset) &&
+                  FitsInt16(-kGreenFromU * 255 + kGreenSumOffset),
+              "byte-pair sums fit in 16 bits");
+
 // The vector form in scalar code, every step wrapped to a 16-bit lane as the
 // vector kernels do (for testing it over the whole domain).
 constexpr std::int32_t Lane(std::int32_t v) { return static_cast<std::int16_t>(static_cast<std::uint16_t>(v & 0xFFFF)); }
@@ -126,6 +144,14 @@ constexpr std::int32_t BlueLanes(std::int32_t y, std::int32_t u, std::int32_t)
 {
     const std::int32_t sum = Lane(Lane(kLumaFraction * y) + Lane(kBlueFromUFraction * u + kBlueSumOffset));
     return Lane(y + kBlueFromUWhole * u + kBlueWholeOffset + FloorShift(sum, kFractionBits));
+}
+
+// The byte-pair red in scalar code, wrapped to 16-bit lanes (green and
+// blue of that form are GreenLanes and BlueLanes).
+constexpr std::int32_t RedBytePairLanes(std::int32_t y, std::int32_t, std::int32_t v)
+{
+    const std::int32_t sum = Lane(Lane(kLumaFraction * y - kRedFromVPairFraction * v) + kRedPairSumOffset);
+    return Lane(Lane(y + kRedFromVPairWhole * v + kRedPairWholeOffset) + FloorShift(sum, kFractionBits));
 }
 
 }  // namespace bt601

@@ -25,6 +25,7 @@ TEST(YUVTransform, EveryTripleMatchesReference)
                 const yuvref::RGB x = yuvref::Unclamped(y, u, v);
                 const zo::RGB8 c = zo::YUVToRGB8(y, u, v);
                 mismatches += zo::bt601::RedLanes(y, u, v) != x.r;
+                mismatches += zo::bt601::RedBytePairLanes(y, u, v) != x.r;
                 mismatches += zo::bt601::GreenLanes(y, u, v) != x.g;
                 mismatches += zo::bt601::BlueLanes(y, u, v) != x.b;
                 mismatches += c.r != yuvref::Clamp(x.r) || c.g != yuvref::Clamp(x.g) || c.b != yuvref::Clamp(x.b);
