@@ -29,7 +29,7 @@ inline __m512i BytePair(std::int32_t low, std::int32_t high)
     return Opaque(_mm512_set1_epi16(static_cast<short>(((high & 0xFF) << 8) | (low & 0xFF))));
 }
 
-inline __m512i Words(std::int32_t v) { return _mm512_set1_epi16(static_cast<short>(v)); }
+inline __m512i Words(std::int32_t v) { return Opaque(_mm512_set1_epi16(static_cast<short>(v))); }
 
 // Byte tables, built once.
 struct Tables {
@@ -58,10 +58,10 @@ struct Tables {
             d[2] = static_cast<signed char>(block + 8 + q);       // third
             d[3] = static_cast<signed char>(64 + block + 8 + q);  // a zero of `middle`
         }
-        pickU = _mm512_load_si512(u);
-        pickV = _mm512_load_si512(v);
-        out[0] = _mm512_load_si512(o[0]);
-        out[1] = _mm512_load_si512(o[1]);
+        pickU = _mm512_loadu_si512(u);
+        pickV = _mm512_loadu_si512(v);
+        out[0] = _mm512_loadu_si512(o[0]);
+        out[1] = _mm512_loadu_si512(o[1]);
     }
 };
 
