@@ -45,10 +45,10 @@ ZO_API uint16_t ZoPixelType_GetPixelBitSize(const ZoPixelType* type);
 ZO_API uint16_t ZoPixelType_GetPixelByteSize(const ZoPixelType* type);
 ZO_API bool ZoPixelType_IsBayerPattern(const ZoPixelType* type);
 ZO_API uint32_t ZoPixelType_GetBufferSizeFor(const ZoPixelType* type, uint32_t width, uint32_t height);
-/* The second handle is not checked; false when the first is null. */
+/* False when either handle is null. */
 ZO_API bool ZoPixelType_HasConverterTo(const ZoPixelType* type, const ZoPixelType* destination);
 ZO_API bool ZoPixelType_HasConverterFrom(const ZoPixelType* type, const ZoPixelType* source);
-/* Null for a missing pair. Neither handle is checked: both must be valid. */
+/* Null for a missing pair or when either handle is null. */
 ZO_API const ZoPixelConverter* ZoPixelType_GetConverterTo(const ZoPixelType* type,
                                                           const ZoPixelType* destination);
 ZO_API const ZoPixelConverter* ZoPixelType_GetConverterFrom(const ZoPixelType* type, const ZoPixelType* source);

@@ -25,22 +25,22 @@ uint32_t ZoPixelType_GetBufferSizeFor(const ZoPixelType* type, uint32_t width, u
 
 bool ZoPixelType_HasConverterTo(const ZoPixelType* type, const ZoPixelType* destination)
 {
-    return type && type->HasConverterTo(*destination);
+    return type && destination && type->HasConverterTo(*destination);
 }
 
 bool ZoPixelType_HasConverterFrom(const ZoPixelType* type, const ZoPixelType* source)
 {
-    return type && source->HasConverterTo(*type);
+    return type && source && source->HasConverterTo(*type);
 }
 
 const ZoPixelConverter* ZoPixelType_GetConverterTo(const ZoPixelType* type, const ZoPixelType* destination)
 {
-    return ZoFindConverter(type->GetTypeID(), destination->GetTypeID());
+    return type && destination ? ZoFindConverter(type->GetTypeID(), destination->GetTypeID()) : nullptr;
 }
 
 const ZoPixelConverter* ZoPixelType_GetConverterFrom(const ZoPixelType* type, const ZoPixelType* source)
 {
-    return ZoFindConverter(source->GetTypeID(), type->GetTypeID());
+    return type && source ? ZoFindConverter(source->GetTypeID(), type->GetTypeID()) : nullptr;
 }
 
 bool ZoPixelTypeFactory_HasPixelType(int64_t id) { return ZoPixelTypeFactory::HasPixelType(id); }

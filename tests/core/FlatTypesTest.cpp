@@ -19,6 +19,13 @@ TEST(FlatTypes, NullHandlesGiveNeutralValues)
     EXPECT_EQ(ZoPixelType_Clone(nullptr), nullptr);
     EXPECT_FALSE(ZoPixelType_HasConverterTo(nullptr, gray));
     EXPECT_FALSE(ZoPixelType_HasConverterFrom(nullptr, gray));
+    // The second handle is checked as well: a null one never crashes.
+    EXPECT_FALSE(ZoPixelType_HasConverterTo(gray, nullptr));
+    EXPECT_FALSE(ZoPixelType_HasConverterFrom(gray, nullptr));
+    EXPECT_EQ(ZoPixelType_GetConverterTo(nullptr, gray), nullptr);
+    EXPECT_EQ(ZoPixelType_GetConverterTo(gray, nullptr), nullptr);
+    EXPECT_EQ(ZoPixelType_GetConverterFrom(nullptr, gray), nullptr);
+    EXPECT_EQ(ZoPixelType_GetConverterFrom(gray, nullptr), nullptr);
     ZoPixelType_Destroy(nullptr);  // does nothing
 
     std::int64_t untouched = 77;
