@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <thread>
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
@@ -51,29 +50,6 @@ std::vector<unsigned char> ConvertFrame(const ZoPixelConverter& c, const Job& j)
     return d;
 }
 
-void ExpectParallelEqualsSerial(const std::vector<const ZoPixelConverter*>& converters)
-{
-    const std::vector<Job> jobs = MakeJobs();
-    std::vector<std::vector<std::vector<unsigned char>>> serial(converters.size());
-    for (std::size_t c = 0; c < converters.size(); ++c)
-        for (const Job& j : jobs)
-            serial[c].push_back(ConvertFrame(*converters[c], j));
-
-    std::vector<int> mismatches(kThreads, 0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int round = 0; round < kRounds; ++round)
-                for (std::size_t c = 0; c < converters.size(); ++c)
-                    if (ConvertFrame(*converters[c], jobs[t]) != serial[c][t])
-                        ++mismatches[t];
-        });
-    for (auto& th : threads)
-        th.join();
-    for (int t = 0; t < kThreads; ++t)
-        EXPECT_EQ(mismatches[t], 0) << "thread " << t;
-}
-
 }  // namespace
 
 TEST(ConvertConcurrency, OneConverterAndOneChainShared)
@@ -90,7 +66,20 @@ TEST(ConvertConcurrency, OneConverterAndOneChainShared)
     ASSERT_NE(deinterlace, nullptr);
     static FilterStage after(ZO_PT_GRAY8, FreshTestId(), 2, 0x21);
     static ZoComplexConverter fieldChain(deinterlace, &after);
-    ExpectParallelEqualsSerial({&single, &chain, &fieldChain, deinterlace});
+    const std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain, deinterlace};
+
+    const std::vector<Job> jobs = MakeJobs();
+    std::vector<std::vector<std::vector<unsigned char>>> serial(converters.size());
+    for (std::size_t c = 0; c < converters.size(); ++c)
+        for (const Job& j : jobs)
+            serial[c].push_back(ConvertFrame(*converters[c], j));
+    const auto mismatches = zotest::CountThreadMismatches(kThreads, kRounds, [&](int t) {
+        int bad = 0;
+        for (std::size_t c = 0; c < converters.size(); ++c)
+            bad += ConvertFrame(*converters[c], jobs[t]) != serial[c][t];
+        return bad != 0;
+    });
+    EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
 }
 
 TEST(ConvertConcurrency, DirectLineCallsWhileOthersConvertAreas)
@@ -100,25 +89,23 @@ TEST(ConvertConcurrency, DirectLineCallsWhileOthersConvertAreas)
     static FilterStage stage(FreshTestId(), FreshTestId(), 2, 0x07);
     const std::vector<Job> jobs = MakeJobs();
     const std::uint8_t* identity = ZoPixelConverter::DefaultFilter(1).RedTable8();
-    std::vector<int> mismatches(kThreads, 0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            const Job& j = jobs[t];
-            std::vector<unsigned char> expectedLine(j.width * 2), line(j.width * 2);
-            FilterStage::Apply(identity, 0, 0x07, 2, j.source.data(), expectedLine.data(), j.width);
-            std::vector<unsigned char> expectedArea = ConvertFrame(stage, j);
-            for (int round = 0; round < kRounds * 4; ++round) {
-                if (t & 1) {
-                    stage.Convert(j.source.data(), line.data(), j.width);
-                    mismatches[t] += line != expectedLine;
-                } else {
-                    mismatches[t] += ConvertFrame(stage, j) != expectedArea;
-                }
-            }
-        });
-    for (auto& th : threads)
-        th.join();
-    for (int t = 0; t < kThreads; ++t)
-        EXPECT_EQ(mismatches[t], 0) << "thread " << t;
+    std::vector<std::vector<unsigned char>> expected;
+    for (int t = 0; t < kThreads; ++t) {
+        const Job& j = jobs[t];
+        if (t & 1) {
+            expected.emplace_back(j.width * 2);
+            FilterStage::Apply(identity, 0, 0x07, 2, j.source.data(), expected.back().data(), j.width);
+        } else {
+            expected.push_back(ConvertFrame(stage, j));
+        }
+    }
+    const auto mismatches = zotest::CountThreadMismatches(kThreads, kRounds * 4, [&](int t) {
+        const Job& j = jobs[t];
+        if (!(t & 1))
+            return ConvertFrame(stage, j) != expected[t];
+        std::vector<unsigned char> line(j.width * 2);
+        stage.Convert(j.source.data(), line.data(), j.width);
+        return line != expected[t];
+    });
+    EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
 }

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <thread>
 #include <vector>
 
 #include "ZoGenericConverters.h"
@@ -83,11 +84,6 @@ public:
         ContextHold hold(*this);
         return Snap(hold.Context());
     }
-    const ZoRGBFilter& ProbeActiveFilter() const
-    {
-        ContextHold hold(*this);
-        return ActiveFilter(hold.Context());
-    }
     using ZoPixelConverter::GetLinesPerConvert;
     using ZoPixelConverter::GetPipeliningSize;
 
@@ -141,6 +137,23 @@ public:
 private:
     std::uint32_t mSalt;
 };
+
+// Runs body(t) on `threads` threads at once, `rounds` times each; body
+// returns true on a mismatch. Gives the mismatch count of every thread.
+template <class Body>
+std::vector<int> CountThreadMismatches(int threads, int rounds, Body body)
+{
+    std::vector<int> mismatches(threads, 0);
+    std::vector<std::thread> pool;
+    for (int t = 0; t < threads; ++t)
+        pool.emplace_back([&, t] {
+            for (int round = 0; round < rounds; ++round)
+                mismatches[t] += body(t) ? 1 : 0;
+        });
+    for (auto& th : pool)
+        th.join();
+    return mismatches;
+}
 
 }  // namespace zotest
 

