@@ -219,9 +219,6 @@ inline const ZoRGBFilter& RandomFilter()
     return *filter;
 }
 
-}  // namespace bayer_test
-
-namespace bayer_test {
 
 struct Case {
     std::uint32_t sourceWidth;

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <set>
+#include <typeinfo>
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
@@ -208,7 +209,6 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
     const Search kSearches[] = {
         {8, 0x20000, false, false, false, false, 0, true, {0x00020010, 0x00020013}},
         {10, 0x20000, false, false, false, false, 0, true, {0x00020011, 0x00020014}},
-        {12, 0x20000, false, false, false, false, 0, true, {0x00020012, 0x00020015}},
         {10, 0x20000, true, false, true, false, 0, true, {0x00320011, 0x00320014}},
         {12, 0x20000, false, true, false, false, 0x1000000, true, {0x01420012, 0x01420015}},
         {8, 0x20000, false, false, false, false, 0x4000000, true, {0x04020010, 0x04020013}},
@@ -221,10 +221,8 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
         // The Bayer property is compared separately.
         {8, 0x20000, false, false, false, false, 0, false, {0x0002000A, 0x0002000B}},
         {8, 0x20000, false, true, false, false, 0, false, {0x0042000A, 0x0042000B}},
-        {8, 0x20000, false, false, false, true, 0, false, {0x0082000A, 0x0082000B}},
         {24, 0x20000, false, false, false, false, 0, false, {0x00020002, 0x00020006}},
         {24, 0x20000, false, false, false, true, 0, false, {0x00820002}},
-        {32, 0x20000, false, false, false, false, 0, false, {0x00020003, 0x00020007}},
         {10, 0x20000, true, false, false, false, 0, false, {0x00120008, 0x00120009}},
         {24, 0x40000, false, true, false, false, 0, false, {0x00440003, 0x00440005}},
         {24, 0x40000, false, false, false, false, 0, false, {}},
@@ -249,20 +247,13 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
             } else {
                 ASSERT_NE(t, nullptr) << index;
                 EXPECT_EQ(t->GetTypeID(), s.ids[index]) << index;
+                // A plain clone owned by the caller, not the registered object.
+                EXPECT_NE(t.get(), &ZoPixelTypeFactory::GetPixelType(s.ids[index]));
+                EXPECT_EQ(typeid(*t), typeid(ZoPixelType));
+                EXPECT_EQ(t->IsBayerPattern(), s.bayer);
             }
         }
     }
-}
-
-TEST(CatalogueSearch, ReturnsClonesOwnedByTheCaller)
-{
-    std::unique_ptr<ZoPixelType> a(ZoPixelTypeFactory::CreatePixelType(8, 0x20000, false, false, false, false, 0,
-                                                                        true, 1));
-    ASSERT_NE(a, nullptr);
-    EXPECT_NE(a.get(), &ZoPixelTypeFactory::GetPixelType(0x00020013));
-    EXPECT_EQ(typeid(*a), typeid(ZoPixelType));
-    EXPECT_TRUE(a->IsBayerPattern());
-    EXPECT_EQ(a->GetPixelByteSize(), 1);
 }
 
 }  // namespace

@@ -189,43 +189,33 @@ TEST(RegistryConverters, EnumerationIsOrderedBySignedIds)
     for (std::int64_t d : destinations)
         keep.emplace_back(new ZoIdentityConverter(source, d, 1, 1));
 
-    const std::int64_t expected[] = {negative, TestId(0x00079010), TestId(0x00079030)};
-    std::int64_t out = 0;
-    for (std::uint32_t i = 0; i < 3; ++i) {
-        ASSERT_TRUE(ZoPixelTypeFactory::EnumConverterFrom(i, source, out)) << i;
-        EXPECT_EQ(out, expected[i]) << i;
-    }
-    out = 1234;
-    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterFrom(3, source, out));
-    EXPECT_EQ(out, 1234);  // untouched
-    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterFrom(0, TestId(0x00079002), out));
-
-    // Sources of one destination, ascending.
+    // Sources of one destination, ascending, likewise.
     const std::int64_t target = TestId(0x00079050);
     const std::int64_t sources[] = {TestId(0x00079042), -0x5200000000LL, TestId(0x00079041)};
     for (std::int64_t s : sources)
         keep.emplace_back(new ZoIdentityConverter(s, target, 1, 1));
-    const std::int64_t expectedSources[] = {-0x5200000000LL, TestId(0x00079041), TestId(0x00079042)};
-    for (std::uint32_t i = 0; i < 3; ++i) {
-        ASSERT_TRUE(ZoPixelTypeFactory::EnumConverterTo(i, target, out)) << i;
-        EXPECT_EQ(out, expectedSources[i]) << i;
-    }
-    out = 1234;
-    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterTo(3, target, out));
-    EXPECT_EQ(out, 1234);
-}
 
-TEST(RegistryConverters, BuiltInEnumerationMatchesLookups)
-{
-    // Every destination enumerated from 8-bit gray is served, in ascending order.
-    std::int64_t previous = INT64_MIN, destination = 0;
-    std::uint32_t count = 0;
-    for (; ZoPixelTypeFactory::EnumConverterFrom(count, ZO_PT_GRAY8, destination); ++count) {
-        EXPECT_GT(destination, previous);
-        EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(ZO_PT_GRAY8, destination));
-        previous = destination;
+    using Enum = bool (*)(std::uint32_t, const std::int64_t&, std::int64_t&);
+    const struct {
+        Enum enumerate;
+        std::int64_t key;
+        std::int64_t expected[3];
+    } kWalks[] = {
+        {&ZoPixelTypeFactory::EnumConverterFrom, source, {negative, TestId(0x00079010), TestId(0x00079030)}},
+        {&ZoPixelTypeFactory::EnumConverterTo, target, {-0x5200000000LL, TestId(0x00079041), TestId(0x00079042)}},
+    };
+    for (const auto& walk : kWalks) {
+        std::int64_t out = 0;
+        for (std::uint32_t i = 0; i < 3; ++i) {
+            ASSERT_TRUE(walk.enumerate(i, walk.key, out)) << i;
+            EXPECT_EQ(out, walk.expected[i]) << i;
+        }
+        out = 1234;
+        EXPECT_FALSE(walk.enumerate(3, walk.key, out));
+        EXPECT_EQ(out, 1234);  // untouched
     }
-    EXPECT_GE(count, 1u);  // at least the identity
+    std::int64_t out = 0;
+    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterFrom(0, TestId(0x00079002), out));
 }
 
 }  // namespace
