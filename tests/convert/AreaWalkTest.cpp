@@ -172,13 +172,13 @@ TEST(AreaWalk, BayerPatternDefaultsToGRBG)
 
 TEST(AreaWalk, FlagConstantsAreTheDocumentedValues)
 {
-    // Bound to references on purpose: the members must be defined.
-    EXPECT_EQ(ZoPixelConverter::FLAG_INVERT_DEINTERLACER, 0x01u);
-    EXPECT_EQ(ZoPixelConverter::FLAG_BAYER_GRBG, 0x10u);
-    EXPECT_EQ(ZoPixelConverter::FLAG_BAYER_GBRG, 0x20u);
-    EXPECT_EQ(ZoPixelConverter::FLAG_BAYER_RGGB, 0x40u);
-    EXPECT_EQ(ZoPixelConverter::FLAG_BAYER_BGGR, 0x80u);
-    EXPECT_EQ(ZoPixelConverter::FLAG_BAYER_INTERPOLATE, 0x100u);
+    // Taken by address on purpose: the members must be defined.
+    const std::uint32_t* flags[] = {&ZoPixelConverter::FLAG_INVERT_DEINTERLACER, &ZoPixelConverter::FLAG_BAYER_GRBG,
+                                    &ZoPixelConverter::FLAG_BAYER_GBRG, &ZoPixelConverter::FLAG_BAYER_RGGB,
+                                    &ZoPixelConverter::FLAG_BAYER_BGGR, &ZoPixelConverter::FLAG_BAYER_INTERPOLATE};
+    const std::uint32_t values[] = {0x01, 0x10, 0x20, 0x40, 0x80, 0x100};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(*flags[i], values[i]);
 }
 
 TEST(AreaWalk, DefaultFilterFollowsSourceByteSize)

@@ -268,41 +268,6 @@ const std::uint32_t kFlagSets[] = {0,
 
 }  // namespace
 
-TEST(ChainedRegistry, RegisteringRowsAreChainsOfTheirStages)
-{
-    REQUIRE_TABLE();
-    const auto& t = Table();
-    for (const ChainEntry& row : t) {
-        SCOPED_TRACE(testing::Message() << "row " << row.order);
-        EXPECT_EQ(row.order, &row - t.data());
-        ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(row.source, row.destination));
-        const ZoPixelConverter* c = Registered(row.source, row.destination);
-        const auto* chain = dynamic_cast<const ZoComplexConverter*>(c);
-        if (!row.registers) {
-            // The pair was served before the chain was built.
-            EXPECT_EQ(chain, nullptr);
-            continue;
-        }
-        ASSERT_NE(chain, nullptr);
-        ASSERT_EQ(row.second.chain, -1);
-        const ZoPixelConverter* second = chain->GetSecond();
-        EXPECT_EQ(second, Registered(row.intermediate, row.destination));
-        EXPECT_TRUE(IsExactly(*second, row.second.cls)) << typeid(*second).name() << " for " << row.second.cls;
-        const ZoPixelConverter* first = chain->GetFirst();
-        EXPECT_EQ(first->GetSourceType(), row.source);
-        EXPECT_EQ(first->GetDestinationType(), row.intermediate);
-        if (row.first.chain >= 0) {
-            // The chain built by the earlier row (a registered one).
-            const ChainEntry& earlier = t.at(row.first.chain);
-            ASSERT_TRUE(earlier.registers);
-            EXPECT_EQ(first, Registered(earlier.source, earlier.destination));
-        } else {
-            EXPECT_EQ(first, Registered(row.source, row.intermediate));
-            EXPECT_TRUE(IsExactly(*first, row.first.cls)) << typeid(*first).name() << " for " << row.first.cls;
-        }
-    }
-}
-
 TEST(ChainedRegistry, StagesAreBuiltWithTheTablesParameters)
 {
     // Each direct stage the table names is compared, conversion by
@@ -386,33 +351,50 @@ TEST(ChainedRegistry, EnumerationOrderOverTheFullRegistry)
     EXPECT_GE(fromPairs.size(), 680u);
 }
 
-TEST(ChainedRegistry, ChainEqualsItsStagesByHand)
+TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
 {
-    // The first stage converts the whole frame with the caller's filter and
-    // flags; the second converts the requested area from there with the
-    // default filter.
+    // A registering row's chain is made of the table's stages. The first
+    // stage converts the whole frame with the caller's filter and flags; the
+    // second converts the requested area from there with the default filter.
     REQUIRE_TABLE();
+    const auto& t = Table();
     ZoRGBFilter gains(16);
     gains.SetMultipliers(0.75, 1.25, 0.5, 3, 0, 7);
     std::uint32_t k = 0;
-    for (const ChainEntry& row : Table()) {
-        if (!row.registers)
-            continue;
+    for (const ChainEntry& row : t) {
         SCOPED_TRACE(testing::Message() << "row " << row.order);
+        EXPECT_EQ(row.order, &row - t.data());
+        ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(row.source, row.destination));
         const auto* chain = dynamic_cast<const ZoComplexConverter*>(Registered(row.source, row.destination));
+        if (!row.registers) {
+            EXPECT_EQ(chain, nullptr);  // the pair was served before the chain was built
+            continue;
+        }
         ASSERT_NE(chain, nullptr);
+        ASSERT_EQ(row.second.chain, -1);
         const ZoPixelConverter& first = *chain->GetFirst();
         const ZoPixelConverter& second = *chain->GetSecond();
+        EXPECT_EQ(&second, Registered(row.intermediate, row.destination));
+        EXPECT_TRUE(IsExactly(second, row.second.cls)) << typeid(second).name() << " for " << row.second.cls;
+        EXPECT_EQ(first.GetDestinationType(), row.intermediate);
+        if (row.first.chain >= 0) {
+            // The chain built by the earlier row (a registered one).
+            const ChainEntry& earlier = t.at(row.first.chain);
+            ASSERT_TRUE(earlier.registers);
+            EXPECT_EQ(&first, Registered(earlier.source, earlier.destination));
+        } else {
+            EXPECT_EQ(&first, Registered(row.source, row.intermediate));
+            EXPECT_TRUE(IsExactly(first, row.first.cls)) << typeid(first).name() << " for " << row.first.cls;
+        }
+
         const Area area{kWidth - 4, kHeight - 2, 3, kFlagSets[k++ % 5]};
         const auto source = SourceFrame(*chain, 1000 + row.order);
-
         std::vector<unsigned char> intermediate(first.GetDestinationByteSize(kWidth * kHeight) + 256, kPoison);
         first.Convert(gains, source.data(), kWidth, kHeight, intermediate.data(), kWidth, kHeight, kWidth, kHeight,
                       area.flags, 0);
         std::vector<unsigned char> byHand(DestinationBytes(*chain, kWidth, kHeight, area.padding), kPoison);
         second.Convert(intermediate.data(), kWidth, kHeight, byHand.data(), kWidth, kHeight, area.width,
                        area.height, area.flags, area.padding);
-
         const auto chained = ConvertArea(*chain, source, area, &gains);
         EXPECT_EQ(chained, byHand);
         EXPECT_NE(chained, std::vector<unsigned char>(chained.size(), kPoison));
