@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <random>
 
 #include "ZoBayerConverters.h"
@@ -205,29 +206,35 @@ TEST(BayerConverters, LineAndPixelFormsOutsideAnArea)
 
 namespace {
 
-// A converter whose area walk hands each line to a Bayer converter's line
-// form: the Bayer line calls then run inside a conversion that is not the
-// Bayer converter's own, as a caller's nested use would. It takes the Bayer
-// converter's pair, which is registered already, so it never registers.
+// A converter whose area walk hands each line call to `line`: Bayer line
+// calls then run inside a conversion that is not the Bayer converter's own,
+// as a caller's nested use would. It takes the given converter's pair, which
+// is registered already, so it never registers.
 class LineRelay : public ZoPixelConverter {
 public:
-    LineRelay(const ZoPixelConverter& bayer, std::uint32_t linesPerConvert)
-        : ZoPixelConverter(bayer.GetSourceType(), bayer.GetDestinationType(), bayer.GetSourceByteSize(), bayer.GetDestinationByteSize(), 1,
-                           linesPerConvert),
-          mBayer(bayer)
+    using Line = std::function<std::uint32_t(const unsigned char*, unsigned char*, std::uint32_t)>;
+    LineRelay(const ZoPixelConverter& pair, std::uint32_t linesPerConvert, Line line)
+        : ZoPixelConverter(pair.GetSourceType(), pair.GetDestinationType(), pair.GetSourceByteSize(),
+                           pair.GetDestinationByteSize(), 1, linesPerConvert),
+          mLine(std::move(line))
     {
     }
     using ZoPixelConverter::Convert;
     std::uint32_t Convert(const unsigned char* s, unsigned char* d, std::uint32_t count) const override
     {
-        results.push_back(mBayer.Convert(s, d, count));
+        results.push_back(mLine(s, d, count));
         return 0;
     }
     mutable std::vector<std::uint32_t> results;
 
 private:
-    const ZoPixelConverter& mBayer;
+    Line mLine;
 };
+
+LineRelay::Line LinesOf(const ZoPixelConverter& bayer)
+{
+    return [&bayer](const unsigned char* s, unsigned char* d, std::uint32_t n) { return bayer.Convert(s, d, n); };
+}
 
 }  // namespace
 
@@ -247,14 +254,14 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
     fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
 
-    LineRelay relay(fresh, 1);
+    LineRelay relay(fresh, 1, LinesOf(fresh));
     relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
     EXPECT_EQ(relayed, direct);
     EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h, ZO_OK));
 
     // Replicating through the relay: two lines per Bayer call, the relay
     // itself steps two lines.
-    LineRelay pairs(fresh, 2);
+    LineRelay pairs(fresh, 2, LinesOf(fresh));
     std::vector<std::uint8_t> d1(w * h * 3, 1), d2(w * h * 3, 2);
     fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
@@ -310,23 +317,13 @@ TEST(BayerConverters, LinesPerConvertFollowTheThreadsFlags)
         Probe() : ZoBayerRGB16ToRGB32(ZO_PT_BAYER_RGB10, false, 2, ZO_FLAG_BAYER_GRBG) {}
         using ZoBayerRGB16ToRGB32::GetLinesPerConvert;
     };
-    struct Recorder : ZoPixelConverter {
-        explicit Recorder(const Probe& p)
-            : ZoPixelConverter(p.GetSourceType(), p.GetDestinationType(), 2, 4, 1, 1), probe(p) {}
-        using ZoPixelConverter::Convert;
-        std::uint32_t Convert(const unsigned char*, unsigned char*, std::uint32_t) const override
-        {
-            seen.push_back(probe.GetLinesPerConvert());
-            return 0;
-        }
-        const Probe& probe;
-        mutable std::vector<std::uint32_t> seen;
-    };
     Probe probe;
     EXPECT_EQ(probe.GetLinesPerConvert(), 2u);
-    Recorder recorder(probe);
+    LineRelay recorder(probe, 1, [&probe](const unsigned char*, unsigned char*, std::uint32_t) {
+        return probe.GetLinesPerConvert();
+    });
     std::vector<std::uint8_t> buffer(64);
     recorder.Convert(buffer.data(), 2, 2, buffer.data(), 2, 2, 2, 2, ZO_FLAG_BAYER_INTERPOLATE, 0);
     recorder.Convert(buffer.data(), 2, 2, buffer.data(), 2, 2, 2, 2, ZO_FLAG_BAYER_BGGR, 0);
-    EXPECT_EQ(recorder.seen, (std::vector<std::uint32_t>{1, 1, 2, 2}));
+    EXPECT_EQ(recorder.results, (std::vector<std::uint32_t>{1, 1, 2, 2}));
 }

@@ -58,59 +58,49 @@ TEST(PixelTypeNaming, FollowsTheRule)
         EXPECT_EQ(Name(c.id, c.bits, c.bayer), c.name) << std::hex << c.id;
 }
 
-struct MatchArgs {
-    std::uint32_t bits;
-    std::int64_t space;
-    bool normalized, packed, interlaced, planar;
-    std::int64_t tap;
-};
-
 TEST(PixelTypeMatch, ComparesEveryAttributeExactly)
 {
-    const ZoPixelType packedInterlacedGray(0x01610002, 10, 2, false);
-    const MatchArgs exact{10, 0x10000, false, true, true, false, 0x01000000};
-    auto matches = [&](const ZoPixelType& t, const MatchArgs& a) {
-        return ZoPixelTypeMatches(t, a.bits, a.space, a.normalized, a.packed, a.interlaced, a.planar, a.tap);
-    };
-    EXPECT_TRUE(matches(packedInterlacedGray, exact));
-    // Change one argument at a time: each must make the match fail.
+    const bool F = false, T = true;
     static const struct {
-        const char* what;
-        void (*change)(MatchArgs&);
-    } kChanges[] = {
-        {"bits", [](MatchArgs& a) { a.bits = 12; }},
-        {"space", [](MatchArgs& a) { a.space = 0x20000; }},
-        {"space as code", [](MatchArgs& a) { a.space = 1; }},
-        {"normalized", [](MatchArgs& a) { a.normalized = true; }},
-        {"packed", [](MatchArgs& a) { a.packed = false; }},
-        {"interlaced", [](MatchArgs& a) { a.interlaced = false; }},
-        {"planar", [](MatchArgs& a) { a.planar = true; }},
-        {"tap", [](MatchArgs& a) { a.tap = 0x02000000; }},
-        {"tap as code", [](MatchArgs& a) { a.tap = 1; }},
+        std::int64_t id;  // the type's own: ID, bit size and Bayer property
+        std::uint16_t typeBits;
+        bool bayer;
+        std::uint32_t bits;  // the search's
+        std::int64_t space;
+        bool normalized, packed, interlaced, planar;
+        std::int64_t tap;
+        bool matches;
+    } kCases[] = {
+        {0x01610002, 10, F, 10, 0x10000, F, T, T, F, 0x01000000, T},
+        // Each argument changed alone makes the match fail.
+        {0x01610002, 10, F, 12, 0x10000, F, T, T, F, 0x01000000, F},
+        {0x01610002, 10, F, 10, 0x20000, F, T, T, F, 0x01000000, F},
+        {0x01610002, 10, F, 10, 1, F, T, T, F, 0x01000000, F},  // space as a code
+        {0x01610002, 10, F, 10, 0x10000, T, T, T, F, 0x01000000, F},
+        {0x01610002, 10, F, 10, 0x10000, F, F, T, F, 0x01000000, F},
+        {0x01610002, 10, F, 10, 0x10000, F, T, F, F, 0x01000000, F},
+        {0x01610002, 10, F, 10, 0x10000, F, T, T, T, 0x01000000, F},
+        {0x01610002, 10, F, 10, 0x10000, F, T, T, F, 0x02000000, F},
+        {0x01610002, 10, F, 10, 0x10000, F, T, T, F, 1, F},  // tap as a code
+        // Two tap bits: only that exact tap value matches.
+        {0x03010001, 8, F, 8, 0x10000, F, F, F, F, 0x03000000, T},
+        {0x03010001, 8, F, 8, 0x10000, F, F, F, F, 0x01000000, F},
+        {0x03010001, 8, F, 8, 0x10000, F, F, F, F, 0, F},
+        // An unknown colour space can never be searched for by a valid one.
+        {0x00030001, 8, F, 8, 0x10000, F, F, F, F, 0, F},
+        {0x00030001, 8, F, 8, 0x20000, F, F, F, F, 0, F},
+        {0x00030001, 8, F, 8, 0x40000, F, F, F, F, 0, F},
+        // High bits are ignored; the Bayer property is not part of the match.
+        {0x300020010LL, 8, T, 8, 0x20000, F, F, F, F, 0, T},
+        {0x00020010, 8, F, 8, 0x20000, F, F, F, F, 0, T},
     };
-    for (const auto& c : kChanges) {
-        MatchArgs a = exact;
-        c.change(a);
-        EXPECT_FALSE(matches(packedInterlacedGray, a)) << c.what;
+    for (const auto& c : kCases) {
+        const ZoPixelType type(c.id, c.typeBits, 2, c.bayer);
+        EXPECT_EQ(ZoPixelTypeMatches(type, c.bits, c.space, c.normalized, c.packed, c.interlaced, c.planar, c.tap),
+                  c.matches)
+            << std::hex << c.id << " bits " << std::dec << c.bits << " space " << std::hex << c.space << " tap "
+            << c.tap << " n/p/i/pl " << c.normalized << c.packed << c.interlaced << c.planar;
     }
-}
-
-TEST(PixelTypeMatch, OddIdsMatchOnlyTheirExactValues)
-{
-    // Two tap bits: only that exact tap value matches.
-    const ZoPixelType twoTaps(0x03010001, 8, 1, false);
-    EXPECT_TRUE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0x03000000));
-    EXPECT_FALSE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0x01000000));
-    EXPECT_FALSE(ZoPixelTypeMatches(twoTaps, 8, 0x10000, false, false, false, false, 0));
-    // An unknown colour space can never be searched for by a valid one.
-    const ZoPixelType unknown(0x00030001, 8, 1, false);
-    for (std::int64_t space : {0x10000, 0x20000, 0x40000})
-        EXPECT_FALSE(ZoPixelTypeMatches(unknown, 8, space, false, false, false, false, 0));
-    // High bits are ignored; the Bayer property is not part of the match.
-    const ZoPixelType high(0x300020010LL, 8, 1, true);
-    EXPECT_TRUE(ZoPixelTypeMatches(high, 8, 0x20000, false, false, false, false, 0));
-    const ZoPixelType notBayer(0x00020010, 8, 1, false);
-    EXPECT_TRUE(ZoPixelTypeMatches(notBayer, 8, 0x20000, false, false, false, false, 0));
 }
 
 // The 28 classes: default ID, sizes and Bayer property.

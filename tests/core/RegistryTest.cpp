@@ -27,6 +27,13 @@ TEST(RegistryTypes, DuplicateRegistrationKeepsTheFirstTypeAndName)
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(ZO_PT_RGB16, &impostor, "impostor"), 18u);
     EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(ZO_PT_RGB16), "RGB 16-bits");
     EXPECT_EQ(ZoPixelTypeFactory::GetPixelType(ZO_PT_RGB16).GetPixelBitSize(), 16);
+    // An explicit name wins over the rule and stays likewise.
+    const std::int64_t id = TestId(0x00030001);  // unknown colour space: no search finds it
+    const ZoGrayscale8 type(id);
+    ASSERT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, "My gray"), 0u);
+    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
+    EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, "Other gray"), 18u);
+    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
 }
 
 TEST(RegistryTypes, UnknownIdsAreNamedAndRecordedUntilRegistered)
@@ -63,16 +70,6 @@ TEST(RegistryTypes, KeysTheCloneByTheGivenIdAndNamesItFromThatId)
     ASSERT_NE(copy, nullptr);
     EXPECT_NE(copy.get(), &stored);
     EXPECT_EQ(copy->GetTypeID(), own);
-}
-
-TEST(RegistryTypes, AnExplicitNameWinsOverTheRule)
-{
-    const std::int64_t id = TestId(0x00030001);  // unknown colour space: no search finds it
-    const ZoGrayscale8 type(id);
-    ASSERT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, "My gray"), 0u);
-    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
-    EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, "Other gray"), 18u);
-    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
 }
 
 TEST(RegistryTypes, PixelTypeConverterLookupsGoThroughTheRegistry)

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -110,26 +111,22 @@ TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
 {
     std::mt19937 rng(5);
     const yuvref::Tables identity = yuvref::Tables::Identity();
-    const ZoYUV8ToRGB24 yuv8Extra2(ZO_PT_YUV8, true, 2);
-    const ZoYUV8ToRGB16 yuv8Extra1(ZO_PT_YUV8, 1);
-    const ZoYUV10ToRGB32 yuv10Shift0(ZO_PT_YUV10, false, 0);
-    const ZoYUV10ToRGB24 yuv10Shift6(ZO_PT_YUV10, true, 6);
-    const ZoYUV8444ToRGB32 yuv444Extra1(ZO_PT_YUV8_444, true, 1, 2, 0, 1);
-    const ZoYUV8444ToRGB16 yuv444Extra2(ZO_PT_YUV8_444, 2, 1, 1, 0);
     struct Case {
-        const ZoPixelConverter* converter;
+        std::unique_ptr<const ZoPixelConverter> converter;
         Instance in;
     };
     const Case cases[] = {
-        {&yuv8Extra2, {ZO_PT_YUV8, ZO_PT_BGR24, Family::YUV8, 2, 0, 0, 0}},
-        {&yuv8Extra1, {ZO_PT_YUV8, ZO_PT_RGB16, Family::YUV8, 1, 0, 0, 0}},
-        {&yuv10Shift0, {ZO_PT_YUV10, ZO_PT_RGB32, Family::YUV10, 0, 0, 0, 0}},
-        {&yuv10Shift6, {ZO_PT_YUV10, ZO_PT_BGR24, Family::YUV10, 6, 0, 0, 0}},
-        {&yuv444Extra1, {ZO_PT_YUV8_444, ZO_PT_BGR32, Family::YUV444, 1, 2, 0, 1}},
-        {&yuv444Extra2, {ZO_PT_YUV8_444, ZO_PT_RGB16, Family::YUV444, 2, 1, 1, 0}},
+        {std::make_unique<ZoYUV8ToRGB24>(ZO_PT_YUV8, true, 2), {ZO_PT_YUV8, ZO_PT_BGR24, Family::YUV8, 2, 0, 0, 0}},
+        {std::make_unique<ZoYUV8ToRGB16>(ZO_PT_YUV8, 1), {ZO_PT_YUV8, ZO_PT_RGB16, Family::YUV8, 1, 0, 0, 0}},
+        {std::make_unique<ZoYUV10ToRGB32>(ZO_PT_YUV10, false, 0), {ZO_PT_YUV10, ZO_PT_RGB32, Family::YUV10, 0, 0, 0, 0}},
+        {std::make_unique<ZoYUV10ToRGB24>(ZO_PT_YUV10, true, 6), {ZO_PT_YUV10, ZO_PT_BGR24, Family::YUV10, 6, 0, 0, 0}},
+        {std::make_unique<ZoYUV8444ToRGB32>(ZO_PT_YUV8_444, true, 1, 2, 0, 1),
+         {ZO_PT_YUV8_444, ZO_PT_BGR32, Family::YUV444, 1, 2, 0, 1}},
+        {std::make_unique<ZoYUV8444ToRGB16>(ZO_PT_YUV8_444, 2, 1, 1, 0),
+         {ZO_PT_YUV8_444, ZO_PT_RGB16, Family::YUV444, 2, 1, 1, 0}},
     };
     for (const Case& k : cases) {
-        EXPECT_NE(&Registered(k.in), k.converter);
+        EXPECT_NE(&Registered(k.in), k.converter.get());
         const unsigned db = yuvref::DestBytes(k.in.dest);
         for (unsigned w : {1u, 7u, 33u, 70u}) {
             SCOPED_TRACE(Describe(k.in) + " param " + std::to_string(k.in.param) + " width " + std::to_string(w));
@@ -140,7 +137,7 @@ TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
             ASSERT_EQ(got, want);
         }
     }
-    EXPECT_EQ(yuv444Extra1.GetSourceByteSize(), 3u);  // whatever the extra bytes
+    EXPECT_EQ(cases[4].converter->GetSourceByteSize(), 3u);  // whatever the extra bytes
 }
 
 // The single-pixel form is refused and a zero count writes nothing.
