@@ -10,6 +10,7 @@
 
 #include "ZoDualTapConverters.h"
 #include "ZoPixelTypeFactory.h"
+#include "rgb/AreaTestSupport.h"
 #include "core/StaticConverters.h"
 
 namespace {
@@ -70,9 +71,7 @@ TEST_F(DualTapInstances, ExactlyTheTabledInstancesMatchTheReference)
                           &ZoPixelTypeFactory::GetConverter(type | tap, type)),
                       nullptr);
             for (std::uint32_t n : {0u, 1u, 2u, 3u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 64u, 1001u, 1920u}) {
-                Bytes src(n + 1 + kGuard);
-                for (auto& b : src)
-                    b = static_cast<unsigned char>(rng());
+                const Bytes src = zotest::RandomBytes(n + 1 + kGuard, rng);
                 Bytes got(n + 2 * kGuard, kPoison), want(got);
                 EXPECT_EQ(c->Convert(src.data(), got.data() + kGuard, n), 0u);
                 ReferenceLine(ModeOf(type | tap), src.data(), want.data() + kGuard, n);
@@ -113,10 +112,8 @@ TEST(DualTapModes, EightPixels)
 TEST(DualTapArea, LineWidthIsTheSourceWidth)
 {
     const std::uint32_t sw = 16, height = 3;
-    Bytes src(sw * height);
     std::mt19937 rng(5);
-    for (auto& b : src)
-        b = static_cast<unsigned char>(rng());
+    const Bytes src = zotest::RandomBytes(sw * height, rng);
     const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x2010001, 0x10001);
     Bytes got(sw * height, kPoison), want(got);
     EXPECT_EQ(c.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0), 0u);
@@ -156,10 +153,8 @@ void CheckDualLinesArea(std::uint32_t width, std::uint32_t sourceWidth, std::uin
                         std::uint32_t padding, std::uint32_t seed)
 {
     const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001);
-    Bytes src(sourceWidth * height + 2 * width);
     std::mt19937 rng(seed);
-    for (auto& b : src)
-        b = static_cast<unsigned char>(rng());
+    const Bytes src = zotest::RandomBytes(sourceWidth * height + 2 * width, rng);
     const std::uint32_t stride = width + padding;
     Bytes got(stride * height + kGuard, kPoison);
     const Bytes want = DualLinesReference(src, sourceWidth, width, height, stride, got);
@@ -190,10 +185,8 @@ TEST(DualTapConcurrency, DualLinesAreasOnSeveralThreads)
     auto worker = [](std::uint32_t seed, bool* ok) {
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001);
         const std::uint32_t width = 24 + seed, height = 9;
-        Bytes src(width * height + 2 * width);
         std::mt19937 rng(seed);
-        for (auto& b : src)
-            b = static_cast<unsigned char>(rng());
+        const Bytes src = zotest::RandomBytes(width * height + 2 * width, rng);
         Bytes got(width * height, 0);
         const Bytes want = DualLinesReference(src, width, width, height, width, got);
         *ok = true;

@@ -9,6 +9,7 @@
 
 #include "gray/DualTapKernels.h"
 #include "gray/PackedKernels.h"
+#include "rgb/AreaTestSupport.h"
 
 namespace {
 
@@ -40,9 +41,8 @@ void CompareUnpacking(std::mt19937& rng)
             zo::PackedRules rules{RandomRule(rng), RandomRule(rng)};
             if (Writer::kBytes != 2 || rng() % 2)  // 8-bit layouts take an 8-bit gray value
                 rules = {zo::RightShiftRule(rng() % 17, 0xFF), zo::RightShiftRule(rng() % 17, 0xFF)};
-            Bytes src(((n + 1) / 2) * 3);  // exactly the groups a line reads (sanitizer builds catch more)
-            for (auto& b : src)
-                b = static_cast<unsigned char>(rng());
+            // Exactly the groups a line reads (sanitizer builds catch more).
+            const Bytes src = zotest::RandomBytes(((n + 1) / 2) * 3, rng);
             for (unsigned mode = 0; mode <= 4; ++mode) {
                 Bytes vec(static_cast<std::size_t>(n) * Writer::kBytes + 2 * kGuard, 0x5A), ref(vec);
                 zo::UnpackPackedLine<Writer>(src.data(), vec.data() + kGuard, n, pipelining, rules, mode);
@@ -86,9 +86,7 @@ TEST(DualTapKernels, VectorPathMatchesScalar)
     std::mt19937 rng(22);
     for (std::uint32_t pipelining : {8u, 16u, 0u}) {
         for (std::uint32_t n : AwkwardWidths()) {
-            Bytes src(n + (n & 1));  // exactly the pairs a line reads
-            for (auto& b : src)
-                b = static_cast<unsigned char>(rng());
+            const Bytes src = zotest::RandomBytes(n + (n & 1), rng);  // exactly the pairs a line reads
             for (unsigned mode = 0; mode <= 4; ++mode) {
                 Bytes vec(n + 2 * kGuard, 0x5A), ref(vec);
                 zo::RecombineDualTapLine(src.data(), vec.data() + kGuard, n, pipelining, mode);
@@ -107,13 +105,10 @@ TEST(DualTapKernels, VectorPathMatchesScalar)
 // nothing is left.
 TEST(DualTapKernels, PairCounts)
 {
-    EXPECT_EQ(zo::DualTapPairCount(0, 8), 0u);
-    EXPECT_EQ(zo::DualTapPairCount(8, 8), 4u);
-    EXPECT_EQ(zo::DualTapPairCount(16, 8), 8u);
-    EXPECT_EQ(zo::DualTapPairCount(1, 8), 1u);
-    EXPECT_EQ(zo::DualTapPairCount(9, 8), 5u);
-    EXPECT_EQ(zo::DualTapPairCount(15, 8), 8u);
-    EXPECT_EQ(zo::DualTapPairCount(14, 8), 7u);
+    // {n, pipelining, pairs}
+    const std::uint32_t cases[][3] = {{0, 8, 0}, {8, 8, 4}, {16, 8, 8}, {1, 8, 1}, {9, 8, 5}, {15, 8, 8}, {14, 8, 7}};
+    for (const auto& c : cases)
+        EXPECT_EQ(zo::DualTapPairCount(c[0], c[1]), c[2]) << c[0];
     EXPECT_EQ(zo::DualTapBlockPixels(15, 8), 8u);
     EXPECT_EQ(zo::DualTapBlockPixels(12, 6), 16u);  // 12 taken up to 16: the blocks overrun the line
     EXPECT_EQ(zo::DualTapPairCount(12, 6), 8u);

@@ -12,9 +12,12 @@
 
 #include "ZoPackedConverters.h"
 #include "ZoPixelTypeFactory.h"
+#include "rgb/AreaTestSupport.h"
 #include "core/StaticConverters.h"
 
 namespace {
+
+using Bytes = std::vector<unsigned char>;
 
 enum class Kind { Gray16, Gray8, RGB16, RGB24, RGB32 };
 
@@ -152,9 +155,7 @@ constexpr unsigned char kPoison = 0xCD;
 // padded destination with the reference.
 void CheckLine(const ZoPixelConverter& c, const Instance& in, std::uint32_t n, std::mt19937& rng)
 {
-    std::vector<unsigned char> src((n / 2) * 3 + 3 + kGuard);
-    for (auto& b : src)
-        b = static_cast<unsigned char>(rng());
+    const Bytes src = zotest::RandomBytes((n / 2) * 3 + 3 + kGuard, rng);
     const std::size_t bytes = static_cast<std::size_t>(n) * BytesPerPixel(in.kind);
     std::vector<unsigned char> got(bytes + 2 * kGuard, kPoison), want(got);
     EXPECT_EQ(c.Convert(src.data(), got.data() + kGuard, n), 0u);
@@ -209,9 +210,7 @@ TEST(PackedRegistered, AreaConversionOfEveryPair)
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(in.source, in.destination);
         ASSERT_TRUE(IsKind(&c, in.kind)) << std::hex << in.source << " -> " << in.destination;
         const std::size_t srcLine = (width / 2) * 3, dstLine = width * BytesPerPixel(in.kind) + padding;
-        std::vector<unsigned char> src(srcLine * height);
-        for (auto& b : src)
-            b = static_cast<unsigned char>(rng());
+        const Bytes src = zotest::RandomBytes(srcLine * height, rng);
         std::vector<unsigned char> got(dstLine * height + kGuard, kPoison), want(got);
         EXPECT_EQ(c.Convert(src.data(), width, height, got.data(), width, height, width, height, 0, padding), 0u);
         for (std::uint32_t y = 0; y < height; ++y)
@@ -254,7 +253,6 @@ const ZoPixelConverter& Registered(std::int64_t s, std::int64_t d)
     return ZoPixelTypeFactory::GetConverter(s, d);
 }
 
-using Bytes = std::vector<unsigned char>;
 using W = std::vector<std::uint16_t>;
 
 TEST(PackedBytes, TenBitGroups)

@@ -2,7 +2,7 @@
 // the layout rules, for every registered instance, and the deliberate quirks.
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <algorithm>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -210,26 +210,6 @@ void CheckExamples(const std::vector<Example>& examples)
     }
 }
 
-// Filters: none (the default identity), and white-balance gains with
-// offsets in an 8-bit and a 16-bit filter.
-struct FilterCase {
-    const char* name;
-    std::unique_ptr<ZoRGBFilter> filter;
-};
-
-std::vector<FilterCase> Filters()
-{
-    std::vector<FilterCase> v;
-    v.push_back({"default", nullptr});
-    auto f8 = std::make_unique<ZoRGBFilter>(8);
-    EXPECT_EQ(f8->SetMultipliers(1.7, 0.6, 1.3, 9, 3, 40), ZO_OK);
-    v.push_back({"8-bit white balance", std::move(f8)});
-    auto f16 = std::make_unique<ZoRGBFilter>(16);
-    EXPECT_EQ(f16->SetMultipliers(1.3, 0.9, 2.1, 500, 0, 77), ZO_OK);
-    v.push_back({"16-bit white balance", std::move(f16)});
-    return v;
-}
-
 std::uint32_t Convert(const ZoPixelConverter& c, const ZoRGBFilter* filter, const Area& a, AreaBuffers& b)
 {
     if (filter)
@@ -245,8 +225,13 @@ TEST(RGBConverters, EveryRegisteredInstanceMatchesTheReference)
 {
     const std::vector<Instance> instances = RegisteredInstances();
     ASSERT_EQ(instances.size(), 78u);
-    const std::vector<FilterCase> filters = Filters();
-    const ZoRGBFilter identity16(16);
+    // No filter (the area conversion's default for these multi-byte sources:
+    // the 16-bit identity), and white-balance gains with offsets in an 8-bit
+    // and a 16-bit filter.
+    ZoRGBFilter identity16(16), f8(8), f16(16);
+    ASSERT_EQ(f8.SetMultipliers(1.7, 0.6, 1.3, 9, 3, 40), ZO_OK);
+    ASSERT_EQ(f16.SetMultipliers(1.3, 0.9, 2.1, 500, 0, 77), ZO_OK);
+    const ZoRGBFilter* const filters[] = {nullptr, &f8, &f16};
     std::mt19937 rng(20261121);
     for (const Instance& in : instances) {
         SCOPED_TRACE("from " + std::to_string(in.source) + " to " + std::to_string(in.destination));
@@ -255,17 +240,14 @@ TEST(RGBConverters, EveryRegisteredInstanceMatchesTheReference)
         ASSERT_TRUE(in.isClass(c));
         EXPECT_EQ(c->GetSourceByteSize(), SourcePixelBytes(in));
         EXPECT_EQ(c->GetDestinationByteSize(), DestinationPixelBytes(in.dst));
-        for (const FilterCase& fc : filters) {
-            SCOPED_TRACE(fc.name);
-            // The area conversion's default for these multi-byte sources is the
-            // 16-bit identity filter.
-            const ZoRGBFilter& used = fc.filter ? *fc.filter : identity16;
+        for (const ZoRGBFilter* filter : filters) {
+            SCOPED_TRACE(!filter ? "default filter" : filter == &f8 ? "8-bit white balance" : "16-bit white balance");
             for (const Area& a : AwkwardAreas(false)) {
                 SCOPED_TRACE("width " + std::to_string(a.width) + ", height " + std::to_string(a.height));
                 AreaBuffers b = MakeBuffers(a, SourcePixelBytes(in), DestinationPixelBytes(in.dst),
                                             in.dst == Dst::Planar, rng);
-                ReferenceArea(in, used, a, b);
-                ASSERT_EQ(Convert(*c, fc.filter.get(), a, b), ZO_OK);
+                ReferenceArea(in, filter ? *filter : identity16, a, b);
+                ASSERT_EQ(Convert(*c, filter, a, b), ZO_OK);
                 ASSERT_TRUE(SameBytes(b.destination, b.expected));
             }
         }
@@ -343,13 +325,10 @@ TEST(RGBConverters, GroupOfFourOverrun)
         ASSERT_NE(conv, nullptr);
         const std::uint32_t dp = conv->GetDestinationByteSize();
         for (std::uint32_t count : {0u, 1u, 4u, 5u}) {
-            std::vector<unsigned char> d(64, kPoison);
+            Bytes d(64, kPoison);
             ASSERT_EQ(conv->Convert(s, d.data(), count), ZO_OK);
             const std::uint32_t expected = c.wholeGroups ? (count + 3) / 4 * 4 : count;
-            std::size_t written = 0;
-            for (std::size_t i = 0; i < d.size(); ++i)
-                if (d[i] != kPoison)
-                    written = i + 1;
+            const std::size_t written = d.rend() - std::find_if(d.rbegin(), d.rend(), [](unsigned char b) { return b != kPoison; });
             // Every pixel up to `expected` written, none after it.
             EXPECT_LE(written, expected * dp) << c.destination << " count " << count;
             if (expected) {
