@@ -21,7 +21,6 @@ if(ZO_X86)
   set_source_files_properties(${_dir}/BayerAvx2.cpp PROPERTIES COMPILE_OPTIONS "${_bayer_avx2_options}")
 endif()
 list(APPEND ZO_TEST_SOURCES
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerLayoutTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerConvertersTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerConcurrencyTest.cpp)
 list(APPEND ZO_BENCH_SOURCES

@@ -89,7 +89,7 @@ inline int ColourAt(std::uint32_t patternFlag, std::uint32_t x, std::uint32_t y)
 // A mosaic of raw sample values (what the converter averages: bytes for the
 // 8-bit family, whole words for the 16-bit family).
 struct Mosaic {
-    std::uint32_t width = 0, height = 0;  // width = source width (samples per line)
+    std::uint32_t width = 0;  // source width (samples per line)
     std::vector<std::uint32_t> v;
     std::uint32_t At(std::uint32_t x, std::uint32_t y) const { return v[y * width + x]; }
 };
@@ -274,7 +274,6 @@ inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const C
 
     Mosaic m;
     m.width = c.sourceWidth;
-    m.height = lines;
     std::vector<std::uint8_t> source(std::size_t(lines) * c.sourceWidth * in.sourceBytes);
     for (std::uint32_t i = 0; i < lines * c.sourceWidth; ++i) {
         const std::uint32_t s = in.sourceBytes == 2 && in.wordFamily ? rng() & c.wordMask : rng() & 0xFF;

@@ -39,11 +39,13 @@ static void Names(void)
 
 static void AttributeSearch(void)
 {
-    /* 8-bit Bayer: the current type, then its deprecated alias. */
+    /* 8-bit Bayer (any non-zero integer is true): the current type, then
+     * its deprecated alias; rising indexes until null. */
     const int64_t expected[] = {0x00020010, 0x00020013};
     uint32_t index = 0;
     ZoPixelType* type;
-    while ((type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_RGB, 0, 0, 0, 0, 0, 1, index)) != NULL) {
+    ZoPixelType* copy;
+    while ((type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_RGB, 0, 0, 0, 0, 0, -7, index)) != NULL) {
         CHECK(index < 2 && ZoPixelType_GetTypeID(type) == expected[index]);
         CHECK(ZoPixelType_IsBayerPattern(type));
         CHECK(ZoPixelType_GetPixelBitSize(type) == 8 && ZoPixelType_GetPixelByteSize(type) == 1);
@@ -51,6 +53,15 @@ static void AttributeSearch(void)
         ++index;
     }
     CHECK(index == 2);
+    /* Packed given as 2, interlaced as 0x100. */
+    type = ZoPixelTypeFactory_CreatePixelType2(12, ZO_PIXEL_COLORSPACE_GRAY, 0, 2, 0x100, 0, ZO_PIXEL_TAP_DUAL_LINV_R, 0, 0);
+    CHECK(type != NULL && ZoPixelType_GetTypeID(type) == 0x04610003 && !ZoPixelType_IsBayerPattern(type));
+    /* A clone is a new handle of the same type. */
+    copy = ZoPixelType_Clone(type);
+    CHECK(copy != NULL && copy != type && ZoPixelType_GetTypeID(copy) == 0x04610003);
+    ZoPixelType_Destroy(copy);
+    ZoPixelType_Destroy(type);
+    CHECK(ZoPixelTypeFactory_CreatePixelType(ZO_PT_YUV8_444) == NULL); /* not registered */
 }
 
 static void BufferSizes(void)
@@ -119,7 +130,7 @@ static void Conversions(void)
     uint32_t n = 0;
     CHECK(identity != NULL);
     CHECK(ZoPixelType_HasConverterTo(gray, gray));
-    CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity);
+    CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity && ZoPixelType_GetConverterFrom(gray, gray) == identity);
     CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8);
     CHECK(ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
     CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7);
@@ -149,6 +160,14 @@ static void Conversions(void)
         ++n;
     }
     CHECK(n >= 1);
+    CHECK(ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, &destination) && ZoPixelTypeFactory_HasConverter(destination, ZO_PT_GRAY8));
+    /* Nothing converts 8-bit gray to 48-bit RGB: false and null, not an identity. */
+    {
+        ZoPixelType* rgb48 = ZoPixelTypeFactory_CreatePixelType(ZO_PT_RGB48);
+        CHECK(!ZoPixelType_HasConverterTo(gray, rgb48) && !ZoPixelType_HasConverterFrom(rgb48, gray));
+        CHECK(ZoPixelType_GetConverterTo(gray, rgb48) == NULL && ZoPixelType_GetConverterFrom(rgb48, gray) == NULL);
+        ZoPixelType_Destroy(rgb48);
+    }
 
     ZoPixelType_Destroy(gray);
 }

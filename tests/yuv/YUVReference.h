@@ -93,10 +93,6 @@ struct Instance {
         default: return 3 * (param + 1);
         }
     }
-    unsigned PixelsWritten(unsigned count) const
-    {
-        return family == Family::YUV444 ? count : (count + 1) / 2 * 2;
-    }
 };
 
 // The bytes a line call writes, at their place in `dst`.
@@ -117,7 +113,7 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
         }
         return;
     }
-    const unsigned pixels = in.PixelsWritten(count);
+    const unsigned pixels = (count + 1) / 2 * 2;  // 4:2:2 writes whole pairs
     for (unsigned i = 0; i < pixels; ++i) {
         const unsigned pair = i / 2;
         int sample[4];

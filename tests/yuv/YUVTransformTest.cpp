@@ -33,56 +33,39 @@ TEST(YUVTransform, EveryTripleMatchesReference)
     EXPECT_EQ(mismatches, 0);
 }
 
-// Every 4:4:4 triple through a registered converter (vector path included):
-// one line of all (U, V) for each Y.
-TEST(YUVTransform, EveryTripleThroughRGB32Converter)
+// Every triple through the registered converters (vector paths included),
+// to a 32-bit and a 24-bit layout: 4:4:4 as one line of all (U, V) for each
+// Y; 4:2:2 as pairs whose two pixels, Y and Y + 128, share each (U, V).
+TEST(YUVTransform, EveryTripleThroughConverters)
 {
-    const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(ZO_PT_YUV8_444, ZO_PT_BGR32);
-    std::vector<unsigned char> src(65536 * 3), dst(65536 * 4);
-    long mismatches = 0;
-    for (int y = 0; y < 256; ++y) {
-        for (int i = 0; i < 65536; ++i) {
-            src[3 * i] = static_cast<unsigned char>(y);
-            src[3 * i + 1] = static_cast<unsigned char>(i >> 8);
-            src[3 * i + 2] = static_cast<unsigned char>(i);
-        }
-        c.Convert(src.data(), dst.data(), 65536);
-        for (int i = 0; i < 65536; ++i) {
-            const yuvref::RGB want = yuvref::Convert(y, i >> 8, i & 0xFF);
-            mismatches += dst[4 * i] != want.b || dst[4 * i + 1] != want.g || dst[4 * i + 2] != want.r ||
-                          dst[4 * i + 3] != 0;
-        }
-    }
-    EXPECT_EQ(mismatches, 0);
-}
-
-// Every triple through the 4:2:2 converters (two pixels a pair: Y and
-// Y + 128 share each (U, V)), to a 32-bit and a 24-bit layout.
-TEST(YUVTransform, EveryTripleThroughYUV422Converters)
-{
-    for (std::int64_t dest : {ZO_PT_BGR32, ZO_PT_RGB24}) {
-        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(ZO_PT_YUV8, dest);
-        const int db = yuvref::DestBytes(dest);
-        std::vector<unsigned char> src(65536 * 4), dst(65536 * 2 * db);
-        long mismatches = 0;
-        for (int y = 0; y < 128; ++y) {
-            for (int j = 0; j < 65536; ++j) {
-                src[4 * j] = static_cast<unsigned char>(y);
-                src[4 * j + 1] = static_cast<unsigned char>(j >> 8);
-                src[4 * j + 2] = static_cast<unsigned char>(y + 128);
-                src[4 * j + 3] = static_cast<unsigned char>(j);
+    for (const bool is444 : {true, false})
+        for (std::int64_t dest : {ZO_PT_BGR32, ZO_PT_RGB24}) {
+            const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(is444 ? ZO_PT_YUV8_444 : ZO_PT_YUV8, dest);
+            const int db = yuvref::DestBytes(dest), perUV = is444 ? 1 : 2;  // pixels sharing one (U, V)
+            std::vector<unsigned char> src(65536 * (is444 ? 3 : 4)), dst(65536 * perUV * db);
+            long mismatches = 0;
+            for (int y = 0; y < 256 / perUV; ++y) {
+                for (int j = 0; j < 65536; ++j) {
+                    unsigned char* p = &src[j * (is444 ? 3 : 4)];
+                    const unsigned char u = static_cast<unsigned char>(j >> 8), v = static_cast<unsigned char>(j);
+                    const unsigned char yb = static_cast<unsigned char>(y), y2 = static_cast<unsigned char>(y + 128);
+                    if (is444) {
+                        p[0] = yb, p[1] = u, p[2] = v;
+                    } else {
+                        p[0] = yb, p[1] = u, p[2] = y2, p[3] = v;
+                    }
+                }
+                c.Convert(src.data(), dst.data(), 65536 * perUV);
+                for (int i = 0; i < 65536 * perUV; ++i) {
+                    const int j = i / perUV;
+                    const yuvref::RGB want = yuvref::Convert(y + (i % perUV) * 128, j >> 8, j & 0xFF);
+                    unsigned char expect[4];
+                    yuvref::WritePixel(dest, expect, want.r, want.g, want.b);
+                    mismatches += std::memcmp(expect, dst.data() + i * db, db) != 0;
+                }
             }
-            c.Convert(src.data(), dst.data(), 2 * 65536);
-            for (int i = 0; i < 2 * 65536; ++i) {
-                const int j = i / 2;
-                const yuvref::RGB want = yuvref::Convert(i % 2 ? y + 128 : y, j >> 8, j & 0xFF);
-                unsigned char expect[4];
-                yuvref::WritePixel(dest, expect, want.r, want.g, want.b);
-                mismatches += std::memcmp(expect, dst.data() + i * db, db) != 0;
-            }
+            EXPECT_EQ(mismatches, 0) << std::hex << dest << (is444 ? " 4:4:4" : " 4:2:2");
         }
-        EXPECT_EQ(mismatches, 0) << std::hex << dest;
-    }
 }
 
 // --- vector paths against the scalar kernels --------------------------------
