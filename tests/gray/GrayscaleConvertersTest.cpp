@@ -27,12 +27,6 @@ struct Instance {
     bool (*isClass)(const ZoPixelConverter*);
 };
 
-template <class T>
-bool IsA(const ZoPixelConverter* c)
-{
-    return dynamic_cast<const T*>(c) != nullptr;
-}
-
 bool TakesByte(Kind k) { return k == Kind::ByteToRGB16 || k == Kind::ByteToRGB24 || k == Kind::ByteToRGB32; }
 
 std::uint32_t SourceBytes(const Instance& i) { return TakesByte(i.kind) ? i.parameter + 1 : 2; }
@@ -149,33 +143,6 @@ std::vector<Instance> RegisteredInstances()
     fromNormalized(ZO_PT_GRAY16);
     fromNormalized(ZO_PT_GRAY16 | N);
     return v;
-}
-
-const ZoPixelConverter* Registered(std::int64_t s, std::int64_t d)
-{
-    return ZoPixelTypeFactory::HasConverter(s, d) ? &ZoPixelTypeFactory::GetConverter(s, d) : nullptr;
-}
-
-// One hand-worked conversion of a registered pair: the single-pixel form
-// (count kPixel) or the line form; `out` is the start of a poisoned destination.
-constexpr int kPixel = -1;
-struct Example {
-    std::int64_t source, destination;
-    unsigned char in[4];
-    int count;
-    Bytes out;
-};
-
-void CheckExamples(const std::vector<Example>& examples)
-{
-    for (const Example& e : examples) {
-        const ZoPixelConverter* c = Registered(e.source, e.destination);
-        ASSERT_NE(c, nullptr) << e.source << " to " << e.destination;
-        Bytes d(16, kPoison);
-        ASSERT_EQ(e.count == kPixel ? c->Convert(e.in, d.data()) : c->Convert(e.in, d.data(), e.count), ZO_OK);
-        EXPECT_EQ(Bytes(d.begin(), d.begin() + e.out.size()), e.out)
-            << e.source << " to " << e.destination << ", count " << e.count;
-    }
 }
 
 }  // namespace

@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "ZoPixelConverter.h"
+#include "ZoPixelTypeFactory.h"
+#include "ZoRGBFilter.h"
 #include "ZoPixelTypeIDs.h"
 
 namespace zotest {
@@ -117,6 +119,45 @@ inline std::vector<Area> AwkwardAreas(bool interlaced)
             areas.push_back({w + 3, sourceHeight, w + 1, h + 2, w, h, ZO_FLAG_INVERT_DEINTERLACER, 2});
     }
     return areas;
+}
+
+template <class T>
+bool IsA(const ZoPixelConverter* c)
+{
+    return dynamic_cast<const T*>(c) != nullptr;
+}
+
+inline const ZoPixelConverter* Registered(std::int64_t s, std::int64_t d)
+{
+    return ZoPixelTypeFactory::HasConverter(s, d) ? &ZoPixelTypeFactory::GetConverter(s, d) : nullptr;
+}
+
+// One hand-worked conversion through a registered pair: the single-pixel form
+// (count kPixel), the line form of `count` pixels, or with a filter a one-line
+// area of `count` pixels. `out` is the start of a poisoned destination.
+constexpr int kPixel = -1;
+struct Example {
+    std::int64_t source, destination;
+    unsigned char in[32];
+    int count;
+    std::vector<unsigned char> out;
+    const ZoRGBFilter* filter = nullptr;
+};
+
+inline void CheckExamples(const std::vector<Example>& examples)
+{
+    for (const Example& e : examples) {
+        const ZoPixelConverter* c = Registered(e.source, e.destination);
+        ASSERT_NE(c, nullptr) << e.source << " to " << e.destination;
+        std::vector<unsigned char> d(64, kPoison);
+        const std::uint32_t n = static_cast<std::uint32_t>(e.count);
+        const std::uint32_t rc = e.count == kPixel ? c->Convert(e.in, d.data())
+                                 : e.filter ? c->Convert(*e.filter, e.in, n, 1, d.data(), n, 1, n, 1, 0, 0)
+                                            : c->Convert(e.in, d.data(), n);
+        ASSERT_EQ(rc, ZO_OK);
+        EXPECT_EQ(std::vector<unsigned char>(d.begin(), d.begin() + e.out.size()), e.out)
+            << e.source << " to " << e.destination << ", count " << e.count;
+    }
 }
 
 }  // namespace zotest

@@ -33,12 +33,6 @@ struct Instance {
     bool (*isClass)(const ZoPixelConverter*);
 };
 
-template <class T>
-bool IsA(const ZoPixelConverter* c)
-{
-    return dynamic_cast<const T*>(c) != nullptr;
-}
-
 std::uint32_t SourcePixelBytes(const Instance& i)
 {
     const std::uint32_t bytes[] = {3 * (i.parameter + 1), 4 * (i.parameter + 1), 6, 8, 2};
@@ -176,38 +170,6 @@ std::vector<Instance> RegisteredInstances()
     fourWords(ZO_PT_RGB64_10BITS, 2);
     fourWords(ZO_PT_RGB64_12BITS, 4);
     return v;
-}
-
-const ZoPixelConverter* Registered(std::int64_t s, std::int64_t d)
-{
-    return ZoPixelTypeFactory::HasConverter(s, d) ? &ZoPixelTypeFactory::GetConverter(s, d) : nullptr;
-}
-
-// One hand-worked conversion: the single-pixel form (count kPixel), the line
-// form of `count` pixels, or with a filter a one-line area of `count` pixels.
-constexpr int kPixel = -1;
-struct Example {
-    std::int64_t source, destination;
-    unsigned char in[32];
-    int count;
-    Bytes out;  // the first bytes of a poison-filled destination
-    const ZoRGBFilter* filter = nullptr;
-};
-
-void CheckExamples(const std::vector<Example>& examples)
-{
-    for (const Example& e : examples) {
-        const ZoPixelConverter* c = Registered(e.source, e.destination);
-        ASSERT_NE(c, nullptr) << e.source << " to " << e.destination;
-        Bytes d(64, kPoison);
-        const std::uint32_t n = static_cast<std::uint32_t>(e.count);
-        const std::uint32_t rc = e.count == kPixel ? c->Convert(e.in, d.data())
-                                 : e.filter ? c->Convert(*e.filter, e.in, n, 1, d.data(), n, 1, n, 1, 0, 0)
-                                            : c->Convert(e.in, d.data(), n);
-        ASSERT_EQ(rc, ZO_OK);
-        EXPECT_EQ(Bytes(d.begin(), d.begin() + e.out.size()), e.out)
-            << e.source << " to " << e.destination << ", count " << e.count;
-    }
 }
 
 std::uint32_t Convert(const ZoPixelConverter& c, const ZoRGBFilter* filter, const Area& a, AreaBuffers& b)
