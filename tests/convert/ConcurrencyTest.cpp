@@ -1,5 +1,7 @@
 // Several threads converting through one converter and one chain at once,
-// each with its own filter and frame, get exactly what a serial run gives.
+// each with its own filter, flags and frame, get exactly what a serial run
+// gives: test converters, test chains and built-in chains behind a
+// deinterlacer, an unpacker, a recombiner, a Bayer converter and another chain.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -19,7 +21,7 @@ constexpr int kRounds = 12;
 struct Job {
     std::uint32_t width, height, padding, flags;
     std::vector<unsigned char> source;
-    ZoRGBFilter filter{8};
+    ZoRGBFilter filter{16};
 };
 
 std::vector<Job> MakeJobs()
@@ -28,23 +30,27 @@ std::vector<Job> MakeJobs()
     std::mt19937 rng(99);
     for (int t = 0; t < kThreads; ++t) {
         Job& j = jobs[t];
-        j.width = 17 + 6 * t;
+        j.width = 18 + 6 * t;  // even: packed stages unpack pixel pairs
         j.height = 10 + 2 * t;  // even: the field split falls on a line
         j.padding = t;
-        j.flags = (t & 1) ? ZO_FLAG_INVERT_DEINTERLACER : 0;
-        j.source.resize(j.width * j.height);
+        const std::uint32_t flags[] = {0, ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_INTERPOLATE,
+                                       ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+                                       ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_BGGR};
+        j.flags = flags[t];
+        j.source.resize(j.width * (j.height + 1) * 8 + 64);  // room for the widest source pixels
         for (auto& b : j.source)
             b = static_cast<unsigned char>(rng());
-        j.filter.SetMultipliers(0.3 + 0.4 * t, 1.0, 1.0, static_cast<std::uint16_t>(t * 5), 0, 0);
+        j.filter.SetMultipliers(0.3 + 0.4 * t, 1.0, 1.5 - 0.2 * t, static_cast<std::uint16_t>(t * 5), 0, 0);
     }
     return jobs;
 }
 
-// One filtered area conversion into a fresh poisoned buffer.
+// One filtered area conversion into a fresh poisoned buffer (with room for
+// planar destinations and converters that write past the last pixel).
 std::vector<unsigned char> ConvertFrame(const ZoPixelConverter& c, const Job& j)
 {
     const std::uint32_t stride = c.GetDestinationByteSize(j.width) + j.padding;
-    std::vector<unsigned char> d(stride * (j.height + 1) + 8, 0xA5);
+    std::vector<unsigned char> d(stride * (j.height + 1) + 3 * j.width * j.height + 64, 0xA5);
     c.Convert(j.filter, j.source.data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height,
               j.flags, j.padding);
     return d;
@@ -52,7 +58,7 @@ std::vector<unsigned char> ConvertFrame(const ZoPixelConverter& c, const Job& j)
 
 }  // namespace
 
-TEST(ConvertConcurrency, OneConverterAndOneChainShared)
+TEST(ConvertConcurrency, ConvertersAndChainsShared)
 {
     // A filter-applying converter, a chain of two of them (the caller's
     // filter on the first stage only) and a chain behind the deinterlacing
@@ -66,7 +72,18 @@ TEST(ConvertConcurrency, OneConverterAndOneChainShared)
     ASSERT_NE(deinterlace, nullptr);
     static FilterStage after(ZO_PT_GRAY8, FreshTestId(), 2, 0x21);
     static ZoComplexConverter fieldChain(deinterlace, &after);
-    const std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain, deinterlace};
+    std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain, deinterlace};
+    const std::pair<std::int64_t, std::int64_t> builtIn[] = {
+        {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24},
+        {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
+        {ZO_PT_GRAY10 | ZO_PIXEL_PACKED, ZO_PT_GRAY14},
+        {ZO_PT_BAYER_RGB8 | ZO_PIXEL_TAP_DUAL_LR, ZO_PT_RGB32},
+        {ZO_PT_BAYER_RGGB12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR}};
+    for (const auto& p : builtIn) {
+        converters.push_back(
+            dynamic_cast<const ZoComplexConverter*>(&ZoPixelTypeFactory::GetConverter(p.first, p.second)));
+        ASSERT_NE(converters.back(), nullptr) << std::hex << p.first << "->" << p.second;
+    }
 
     const std::vector<Job> jobs = MakeJobs();
     std::vector<std::vector<std::vector<unsigned char>>> serial(converters.size());
