@@ -67,18 +67,7 @@ TEST(AreaWalk, ProgressiveLinesWithPadding)
     }
 }
 
-TEST(AreaWalk, HeightZeroConvertsNothing)
-{
-    Frame f;
-    for (std::uint32_t bits : {0u, ZO_PIXEL_INTERLACED}) {
-        RecordingConverter c(FreshTestId(bits), FreshTestId(), 1, 1);
-        EXPECT_EQ(c.Convert(f.source.data(), 4, 4, f.destination.data(), 4, 4, 4, 0, 0, 0), ZO_OK);
-        EXPECT_TRUE(c.calls.empty());
-        EXPECT_EQ(c.Probe().referenceCount, 1u);  // nothing left held
-    }
-}
-
-TEST(AreaWalk, LinesPerConvertTwoStepsOverOddHeights)
+TEST(AreaWalk, LinesPerConvertTwoStepsOverOddHeightsAndHeightZeroConvertsNothing)
 {
     RecordingConverter c(FreshTestId(), FreshTestId(), 2, 3, /*linesPerConvert=*/2);
     Frame f;
@@ -88,6 +77,7 @@ TEST(AreaWalk, LinesPerConvertTwoStepsOverOddHeights)
         std::uint32_t height;
         std::vector<Expected> calls;
     } cases[] = {
+        {0, {}},
         {1, {{0, 0, 0}}},
         {2, {{0, 0, 0}}},
         {3, {{0, 0, 0}, {2 * s, 2 * d, 2}}},
@@ -96,8 +86,9 @@ TEST(AreaWalk, LinesPerConvertTwoStepsOverOddHeights)
     for (const auto& tc : cases) {
         SCOPED_TRACE(tc.height);
         c.calls.clear();
-        c.Convert(f.source.data(), 10, 6, f.destination.data(), 10, 6, 9, tc.height, 0, 1);
+        EXPECT_EQ(c.Convert(f.source.data(), 10, 6, f.destination.data(), 10, 6, 9, tc.height, 0, 1), ZO_OK);
         ExpectCalls(c.calls, tc.calls, 9);
+        EXPECT_EQ(c.Probe().referenceCount, 1u);  // nothing left held
     }
 }
 
@@ -120,6 +111,9 @@ TEST(AreaWalk, InterlacedFieldsFillEvenThenOddLines)
     c.Convert(f.source.data(), 3, 5, f.destination.data(), 3, 6, 3, 5, ZO_FLAG_INVERT_DEINTERLACER, 5);
     ExpectCalls(c.calls, inverted, 3);
     EXPECT_EQ(c.calls[0].context.flags, ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_GRBG);
+    c.calls.clear();  // height 0: no field pass at all
+    EXPECT_EQ(c.Convert(f.source.data(), 3, 5, f.destination.data(), 3, 6, 3, 0, 0, 5), ZO_OK);
+    EXPECT_TRUE(c.calls.empty());
 }
 
 TEST(AreaWalk, PlanarDestinationLinesAreSourceWidthApart)

@@ -34,20 +34,8 @@ inline bool IsTestId(std::int64_t id)
     return (static_cast<std::uint32_t>(id) & ZO_PIXEL_FORMAT_MASK) >= kTestFormatBase;
 }
 
-// What the thread's context record held at one moment.
-struct ContextSnapshot {
-    std::uint32_t referenceCount, sourceLineBytes, sourceHeight, destinationLineBytes, destinationHeight;
-    std::uint32_t planeOffsets[3];
-    std::uint32_t flags, currentLine, areaHeight;
-    const ZoRGBFilter* filter;
-};
-
-inline ContextSnapshot Snap(const ZoPixelConverterContext& c)
-{
-    return {c.referenceCount, c.sourceLineBytes, c.sourceHeight, c.destinationLineBytes, c.destinationHeight,
-            {c.planeOffsets[0], c.planeOffsets[1], c.planeOffsets[2]},
-            c.flags, c.currentLine, c.areaHeight, c.filter};
-}
+// What the thread's context record held at one moment (a copy of it).
+using ContextSnapshot = ZoPixelConverterContext;
 
 // One call of a line form: where it read and wrote (byte offsets from the
 // buffers the test gave), the count, and the context as the line saw it.
@@ -74,7 +62,7 @@ public:
     {
         ContextHold hold(*this);
         const ZoPixelConverterContext& c = hold.Context();
-        calls.push_back({source - sourceBase, destination - destinationBase, count, Snap(c), &ActiveFilter(c)});
+        calls.push_back({source - sourceBase, destination - destinationBase, count, c, &ActiveFilter(c)});
         return lineResult;
     }
 
@@ -82,7 +70,7 @@ public:
     ContextSnapshot Probe() const
     {
         ContextHold hold(*this);
-        return Snap(hold.Context());
+        return hold.Context();
     }
     using ZoPixelConverter::GetLinesPerConvert;
     using ZoPixelConverter::GetPipeliningSize;
