@@ -234,7 +234,7 @@ TEST(RGBConverters, DocumentedValues)
 }
 
 // Red and blue of an RGB16 source come from the filter's entry 0, not from
-// the word (the 24-bit line form takes blue from the word).
+// the word (the 24-bit line form takes blue from the word's bits 15..11).
 TEST(RGBConverters, RGB16SourceRedAndBlueFromFilterEntryZero)
 {
     ZoRGBFilter filter(16);
@@ -249,24 +249,11 @@ TEST(RGBConverters, RGB16SourceRedAndBlueFromFilterEntryZero)
         {S, ZO_PT_BGR32, {0xFF, 0xFF}, 1, {32, 0xFC, 40, 0}, &filter},
         // 24-bit line form: red is the filter's entry 0 itself, blue TB[E5[31]].
         {S, ZO_PT_RGB24, {0xFF, 0xFF}, 1, {5, 0xFC, 0xF8}, &filter},
+        // Blue of the 24-bit line form indexes the expansion table with bits 15..11.
+        {S, ZO_PT_RGB24, {0x01, 0x80}, 1, {0, 0, 0x80}},
         // 24-bit single-pixel form: as the 32-bit forms.
         {S, ZO_PT_RGB24, {0xFF, 0xFF}, kPixel, {0, 0xFC, 0}},
     });
-}
-
-// Blue of the 24-bit line form uses bits 15..11 of the word as the index of
-// the 32-entry expansion table.
-TEST(RGBConverters, RGB16ToRGB24LineBlueFromTopFiveBits)
-{
-    const ZoPixelConverter* c = Registered(ZO_PT_RGB16, ZO_PT_BGR24);
-    for (std::uint32_t w = 0; w < 0x10000; ++w) {
-        const unsigned char s[2] = {static_cast<unsigned char>(w), static_cast<unsigned char>(w >> 8)};
-        unsigned char d[3];
-        ASSERT_EQ(c->Convert(s, d, 1), ZO_OK);
-        ASSERT_EQ(d[0], ((w >> 11) & 0x1F) << 3) << w;
-        ASSERT_EQ(d[1], ((w >> 5) & 0x3F) << 2) << w;
-        ASSERT_EQ(d[2], 0) << w;
-    }
 }
 
 // Five pixels: the groups-of-four classes write eight, the others five.
