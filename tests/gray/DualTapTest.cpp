@@ -54,22 +54,19 @@ ZoStaticConverters DualTapInstances::sStore;
 // instance matches the reference.
 TEST_F(DualTapInstances, ExactlyTheTabledInstancesMatchTheReference)
 {
+    using zotest::IsA;
     ASSERT_EQ(sStore.Items().size(), 13u);
     const ZoPixelConverter* lines = sStore.Find(0x10010001, 0x10001);
     ASSERT_NE(lines, nullptr);
-    EXPECT_NE(dynamic_cast<const ZoDualLinesGrayscale8ToGrayscale8*>(lines), nullptr);
-    EXPECT_NE(dynamic_cast<const ZoDualLinesGrayscale8ToGrayscale8*>(
-                  &ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001)),
-              nullptr);
+    EXPECT_TRUE(IsA<ZoDualLinesGrayscale8ToGrayscale8>(lines));
+    EXPECT_TRUE(IsA<ZoDualLinesGrayscale8ToGrayscale8>(&ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001)));
     std::mt19937 rng(3);
     for (std::int64_t type : kTypes) {
         for (std::int64_t tap : kTaps) {
             const ZoPixelConverter* c = sStore.Find(type | tap, type);
             ASSERT_NE(c, nullptr) << std::hex << (type | tap);
-            EXPECT_NE(dynamic_cast<const ZoDualGrayscale8ToGrayscale8*>(c), nullptr);
-            EXPECT_NE(dynamic_cast<const ZoDualGrayscale8ToGrayscale8*>(
-                          &ZoPixelTypeFactory::GetConverter(type | tap, type)),
-                      nullptr);
+            EXPECT_TRUE(IsA<ZoDualGrayscale8ToGrayscale8>(c));
+            EXPECT_TRUE(IsA<ZoDualGrayscale8ToGrayscale8>(&ZoPixelTypeFactory::GetConverter(type | tap, type)));
             for (std::uint32_t n : {0u, 1u, 2u, 3u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 64u, 1001u, 1920u}) {
                 const Bytes src = zotest::RandomBytes(n + 1 + kGuard, rng);
                 Bytes got(n + 2 * kGuard, kPoison), want(got);

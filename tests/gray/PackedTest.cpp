@@ -124,29 +124,19 @@ void ReferenceLine(const Instance& in, const unsigned char* src, unsigned char* 
     for (long i = 0; i < (nn + 1) / 2; ++i) {
         const unsigned char* g = src + 3 * i;
         const std::uint32_t w0 = g[0] | (g[1] << 8), w1 = g[1] | (g[2] << 8);
-        long pa = 0, pb = 0;
-        switch (mode) {
-        case 0: pa = 2 * i; pb = 2 * i + 1; break;
-        case 1: pa = i; pb = h + i; break;
-        case 2: pa = i; pb = nn - 1 - i; break;
-        case 3: pa = h - 1 - i; pb = h + i; break;
-        case 4: pa = h - 1 - i; pb = nn - 1 - i; break;
-        }
-        ReferenceWrite(in, true, w0, line + pa * bpp);
-        ReferenceWrite(in, false, w1, line + pb * bpp);
+        const long a[] = {2 * i, i, i, h - 1 - i, h - 1 - i};  // where A and B land, by mode
+        const long b[] = {2 * i + 1, h + i, nn - 1 - i, h + i, nn - 1 - i};
+        ReferenceWrite(in, true, w0, line + a[mode] * bpp);
+        ReferenceWrite(in, false, w1, line + b[mode] * bpp);
     }
 }
 
 bool IsKind(const ZoPixelConverter* c, Kind k)
 {
-    switch (k) {
-    case Kind::Gray16: return dynamic_cast<const ZoGrayscale16PackedToGrayscale16*>(c) != nullptr;
-    case Kind::Gray8: return dynamic_cast<const ZoGrayscale16PackedToGrayscale8*>(c) != nullptr;
-    case Kind::RGB16: return dynamic_cast<const ZoGrayscale16PackedToRGB16*>(c) != nullptr;
-    case Kind::RGB24: return dynamic_cast<const ZoGrayscale16PackedToRGB24*>(c) != nullptr;
-    case Kind::RGB32: return dynamic_cast<const ZoGrayscale16PackedToRGB32*>(c) != nullptr;
-    }
-    return false;
+    using zotest::IsA;
+    bool (*const is[])(const ZoPixelConverter*) = {IsA<ZoGrayscale16PackedToGrayscale16>, IsA<ZoGrayscale16PackedToGrayscale8>,
+        IsA<ZoGrayscale16PackedToRGB16>, IsA<ZoGrayscale16PackedToRGB24>, IsA<ZoGrayscale16PackedToRGB32>};
+    return is[int(k)](c);
 }
 
 constexpr std::size_t kGuard = 16;  // bytes of poison on each side of a line
@@ -272,8 +262,8 @@ TEST(PackedBytes, TwelveBitGroups)
     EXPECT_EQ(Words(Line(Registered(0x410003, 0x10005), g, 2)), (W{0x3210, 0x6543}));
     EXPECT_EQ(Line(Registered(0x410003, 0x10001), g, 2), (Bytes{0x32, 0x65}));
     // RGB: g = 0x32 and 0x65; RGB32 carries the gray value in its fourth byte.
-    EXPECT_EQ(Line(Registered(0x410003, 0x20003), g, 2), (Bytes{0x32, 0x32, 0x32, 0x32, 0x65, 0x65, 0x65, 0x65}));
-    EXPECT_EQ(Line(Registered(0x410003, 0x20007), g, 2), (Bytes{0x32, 0x32, 0x32, 0x32, 0x65, 0x65, 0x65, 0x65}));
+    for (std::int64_t d : {0x20003, 0x20007})
+        EXPECT_EQ(Line(Registered(0x410003, d), g, 2), (Bytes{0x32, 0x32, 0x32, 0x32, 0x65, 0x65, 0x65, 0x65}));
     EXPECT_EQ(Line(Registered(0x410003, 0x20006), g, 2), (Bytes{0x32, 0x32, 0x32, 0x65, 0x65, 0x65}));
     EXPECT_EQ(Words(Line(Registered(0x410003, 0x20001), g, 2)), (W{0x3186, 0x632C}));
     EXPECT_EQ(Words(Line(Registered(0x410003, 0x20001), Bytes{0xF0, 0xFF, 0xFF}, 2)), (W{0xFFFF, 0xFFFF}));
