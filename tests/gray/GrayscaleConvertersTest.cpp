@@ -248,7 +248,8 @@ TEST(GrayscaleConverters, FastPathsMatchTheScalarKernels)
 {
     namespace g = zo::gray;
     std::mt19937 rng(91);
-    for (std::uint32_t n : {1u, 2u, 3u, 7u, 9u, 15u, 16u, 17u, 31u, 32u, 33u, 47u, 48u, 49u, 63u, 64u, 65u, 1001u, 1920u}) {
+    for (std::uint32_t n :
+         {1u, 2u, 3u, 7u, 9u, 15u, 16u, 17u, 31u, 32u, 33u, 47u, 48u, 49u, 63u, 64u, 65u, 1001u, 1920u}) {
         SCOPED_TRACE(n);
         const Bytes s = RandomBytes(2 * std::size_t(n), rng);
         auto run = [&](std::int64_t source, auto reader) {

@@ -134,8 +134,9 @@ void ReferenceLine(const Instance& in, const unsigned char* src, unsigned char* 
 bool IsKind(const ZoPixelConverter* c, Kind k)
 {
     using zotest::IsA;
-    bool (*const is[])(const ZoPixelConverter*) = {IsA<ZoGrayscale16PackedToGrayscale16>, IsA<ZoGrayscale16PackedToGrayscale8>,
-        IsA<ZoGrayscale16PackedToRGB16>, IsA<ZoGrayscale16PackedToRGB24>, IsA<ZoGrayscale16PackedToRGB32>};
+    bool (*const is[])(const ZoPixelConverter*) = {IsA<ZoGrayscale16PackedToGrayscale16>,
+        IsA<ZoGrayscale16PackedToGrayscale8>, IsA<ZoGrayscale16PackedToRGB16>, IsA<ZoGrayscale16PackedToRGB24>,
+        IsA<ZoGrayscale16PackedToRGB32>};
     return is[int(k)](c);
 }
 
@@ -293,7 +294,7 @@ TEST(PackedBytes, SourceByteSizeCountsWholeGroups)
     const std::uint32_t cases[][2] = {{7, 9}, {1, 0}, {0, 0}, {8, 12}, {1921, 2880}, {0xFFFFFFFFu, 0x7FFFFFFDu}};
     for (std::int64_t d : {0x10003, 0x10001, 0x20001, 0x20002, 0x20007})
         for (const auto& c : cases)
-            EXPECT_EQ(Registered(0x410003, d).GetSourceByteSize(c[0]), c[1]) << std::hex << d << std::dec << " " << c[0];
+            EXPECT_EQ(Registered(0x410003, d).GetSourceByteSize(c[0]), c[1]) << d << " " << c[0];
 }
 
 TEST(PackedBytes, SinglePixelFormIsNotSupported)

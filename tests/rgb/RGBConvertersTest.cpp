@@ -277,7 +277,8 @@ TEST(RGBConverters, GroupOfFourOverrun)
             Bytes d(64, kPoison);
             ASSERT_EQ(conv->Convert(s, d.data(), count), ZO_OK);
             const std::uint32_t expected = c.wholeGroups ? (count + 3) / 4 * 4 : count;
-            const std::size_t written = d.rend() - std::find_if(d.rbegin(), d.rend(), [](unsigned char b) { return b != kPoison; });
+            const auto last = std::find_if(d.rbegin(), d.rend(), [](unsigned char b) { return b != kPoison; });
+            const std::size_t written = d.rend() - last;
             // Every pixel up to `expected` written, none after it.
             EXPECT_LE(written, expected * dp) << c.destination << " count " << count;
             if (expected) {
@@ -352,85 +353,71 @@ TEST(RGBConverters, WhiteBalanceFilterFollowsItsTables)
     });
 }
 
-// ---------------------------------------------------------------------------
 // Fast paths against the scalar kernels, on random rows of awkward widths:
 // every byte up to and past the row must agree (poison after the row shows
 // a stray write).
-
-namespace {
-
-template <class Writer, unsigned Group>
-void ExpectFastBytesPathMatchesScalar(const char* name)
-{
-    SCOPED_TRACE(name);
-    std::mt19937 rng(77);
-    const zo::ChannelTables8 none{nullptr, nullptr, nullptr};  // not read on the identity path
-    for (std::uint32_t n : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 63u, 64u, 65u, 1001u}) {
-        const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * Group, rng);
-        std::vector<unsigned char> fast(std::size_t(n) * Writer::kBytes + 32, kPoison), scalar = fast;
-        const std::uint32_t done = zo::simd::RepackBytesIdentity<Writer, Group>(s.data(), fast.data(), n);
-        ASSERT_LE(done, n);
-        zo::RepackBytesLine<Writer, Group, 1, true>(s.data() + std::size_t(done) * Group,
-                                                    fast.data() + std::size_t(done) * Writer::kBytes, n - done, 1,
-                                                    none);
-        zo::RepackBytesLine<Writer, Group, 1, true>(s.data(), scalar.data(), n, 1, none);
-        ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
-    }
-}
-
-template <unsigned RedIndex>
-void ExpectFastKeepFourthPathMatchesScalar()
-{
-    std::mt19937 rng(78);
-    const zo::ChannelTables8 none{nullptr, nullptr, nullptr};
-    for (std::uint32_t n : {0u, 1u, 3u, 4u, 5u, 7u, 8u, 9u, 33u, 1001u}) {
-        const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 4, rng);
-        std::vector<unsigned char> fast(std::size_t(n) * 4 + 32, kPoison), scalar = fast;
-        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s.data(), fast.data(), n);
-        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s.data() + 4 * done, fast.data() + 4 * done, n - done, 1,
-                                                         none);
-        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s.data(), scalar.data(), n, 1, none);
-        ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n;
-    }
-}
-
-}  // namespace
-
 TEST(RGBConverters, FastPathsMatchTheScalarKernels)
 {
     RecordProperty("byte_shuffle", zo::simd::HasByteShuffle() ? "vector" : "scalar");
-    ExpectFastBytesPathMatchesScalar<zo::Write32<0>, 3>("RGB24 to RGB32");
-    ExpectFastBytesPathMatchesScalar<zo::Write32<2>, 3>("RGB24 to BGR32");
-    ExpectFastBytesPathMatchesScalar<zo::Write24<0>, 3>("RGB24 to RGB24");
-    ExpectFastBytesPathMatchesScalar<zo::Write24<2>, 3>("RGB24 to BGR24");
-    ExpectFastBytesPathMatchesScalar<zo::Write24<0>, 4>("RGB32 to RGB24");
-    ExpectFastBytesPathMatchesScalar<zo::Write24<2>, 4>("RGB32 to BGR24");
-    ExpectFastKeepFourthPathMatchesScalar<0>();
-    ExpectFastKeepFourthPathMatchesScalar<2>();
-
-    ExpectFastBytesPathMatchesScalar<zo::WriteRGB16, 3>("RGB24 to RGB16");
-    ExpectFastBytesPathMatchesScalar<zo::WriteRGB16, 4>("RGB32 to RGB16");
-    ExpectFastBytesPathMatchesScalar<zo::Write32<0>, 4>("RGB32 to RGB32, fourth byte 0");
-    ExpectFastBytesPathMatchesScalar<zo::Write32<2>, 4>("RGB32 to BGR32, fourth byte 0");
-
-    // 16-bit samples: narrowed a chunk at a time, then repacked.
-    std::mt19937 rng(79);
-    const zo::ChannelTables16 none{nullptr, nullptr, nullptr};
-    auto words = [&](auto writer, auto wordsPerPixel, const char* name) {
-        using Writer = decltype(writer);
-        constexpr unsigned W = decltype(wordsPerPixel)::value;
+    using In = const unsigned char*;
+    using Out = unsigned char*;
+    std::mt19937 rng(77);
+    const zo::ChannelTables8 none8{nullptr, nullptr, nullptr};  // not read on the identity path
+    const zo::ChannelTables16 none16{nullptr, nullptr, nullptr};
+    auto compare = [&](const std::string& name, std::uint32_t sp, std::uint32_t dp, auto fast, auto scalar) {
         SCOPED_TRACE(name);
-        for (std::uint32_t shift : {2u, 4u})
-            for (std::uint32_t n : {0u, 1u, 5u, 33u, 255u, 256u, 257u, 1001u}) {
-                const std::vector<unsigned char> s = RandomBytes(std::size_t(n) * 2 * W, rng);
-                std::vector<unsigned char> fast(std::size_t(n) * Writer::kBytes + 32, kPoison), scalar = fast;
-                zo::simd::RepackWordsIdentityLine<Writer, W>(s.data(), fast.data(), n, shift);
-                zo::RepackWordsLine<Writer, W, true>(s.data(), scalar.data(), n, shift, none);
-                ASSERT_TRUE(SameBytes(fast, scalar)) << "n " << n << " shift " << shift;
-            }
+        for (std::uint32_t n :
+             {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 63u, 64u, 65u, 255u, 256u, 257u, 1001u}) {
+            const Bytes s = RandomBytes(std::size_t(n) * sp, rng);
+            Bytes f(std::size_t(n) * dp + 32, kPoison), r = f;
+            fast(s.data(), f.data(), n);
+            scalar(s.data(), r.data(), n);
+            ASSERT_TRUE(SameBytes(f, r)) << "n " << n;
+        }
     };
+    // Byte channels: the vector part of the identity repack, then the scalar kernel for the rest.
+    auto bytes = [&](auto writer, auto group, const char* name) {
+        using Wr = decltype(writer);
+        constexpr unsigned G = decltype(group)::value;
+        compare(name, G, Wr::kBytes, [&](In s, Out d, std::uint32_t n) {
+            const std::uint32_t done = zo::simd::RepackBytesIdentity<Wr, G>(s, d, n);
+            ASSERT_LE(done, n);
+            zo::RepackBytesLine<Wr, G, 1, true>(s + done * G, d + done * Wr::kBytes, n - done, 1, none8);
+        }, [&](In s, Out d, std::uint32_t n) { zo::RepackBytesLine<Wr, G, 1, true>(s, d, n, 1, none8); });
+    };
+    auto keepFourth = [&](auto redIndex, const char* name) {
+        constexpr unsigned R = decltype(redIndex)::value;
+        compare(name, 4, 4, [&](In s, Out d, std::uint32_t n) {
+            const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<R>(s, d, n);
+            ASSERT_LE(done, n);
+            zo::RepackBytesKeepFourthLine<R, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, none8);
+        }, [&](In s, Out d, std::uint32_t n) { zo::RepackBytesKeepFourthLine<R, 1, true>(s, d, n, 1, none8); });
+    };
+    // 16-bit samples: narrowed a chunk at a time, then repacked.
+    auto words = [&](auto writer, auto wordsPerPixel, const char* name) {
+        using Wr = decltype(writer);
+        constexpr unsigned W = decltype(wordsPerPixel)::value;
+        for (std::uint32_t shift : {2u, 4u})
+            compare(name + std::string(", shift ") + std::to_string(shift), 2 * W, Wr::kBytes,
+                    [&](In s, Out d, std::uint32_t n) { zo::simd::RepackWordsIdentityLine<Wr, W>(s, d, n, shift); },
+                    [&](In s, Out d, std::uint32_t n) { zo::RepackWordsLine<Wr, W, true>(s, d, n, shift, none16); });
+    };
+    using Zero = std::integral_constant<unsigned, 0>;
+    using Two = std::integral_constant<unsigned, 2>;
     using Three = std::integral_constant<unsigned, 3>;
     using Four = std::integral_constant<unsigned, 4>;
+    bytes(zo::Write32<0>{}, Three{}, "RGB24 to RGB32");
+    bytes(zo::Write32<2>{}, Three{}, "RGB24 to BGR32");
+    bytes(zo::Write24<0>{}, Three{}, "RGB24 to RGB24");
+    bytes(zo::Write24<2>{}, Three{}, "RGB24 to BGR24");
+    bytes(zo::Write24<0>{}, Four{}, "RGB32 to RGB24");
+    bytes(zo::Write24<2>{}, Four{}, "RGB32 to BGR24");
+    bytes(zo::WriteRGB16{}, Three{}, "RGB24 to RGB16");
+    bytes(zo::WriteRGB16{}, Four{}, "RGB32 to RGB16");
+    bytes(zo::Write32<0>{}, Four{}, "RGB32 to RGB32, fourth byte 0");
+    bytes(zo::Write32<2>{}, Four{}, "RGB32 to BGR32, fourth byte 0");
+    keepFourth(Zero{}, "RGB32 to RGB32, fourth byte kept");
+    keepFourth(Two{}, "RGB32 to BGR32, fourth byte kept");
     words(zo::WriteRGB16{}, Three{}, "RGB48 to RGB16");
     words(zo::Write24<0>{}, Three{}, "RGB48 to RGB24");
     words(zo::Write24<2>{}, Three{}, "RGB48 to BGR24");
@@ -451,7 +438,8 @@ TEST(RGBConverters, PlanarAndRGB16FastPathsMatchTheScalarKernels)
         // Planes apart, and planes overlapping (a 5-byte step between them).
         for (std::size_t gap : {std::size_t(n) + 3, std::size_t(5)}) {
             std::vector<unsigned char> fast(3 * gap + n + 32, kPoison), scalar = fast;
-            const std::uint32_t done = zo::simd::RepackPlanarIdentity(s.data(), &fast[0], &fast[gap], &fast[2 * gap], n);
+            const std::uint32_t done =
+                zo::simd::RepackPlanarIdentity(s.data(), &fast[0], &fast[gap], &fast[2 * gap], n);
             zo::RepackBytesPlanarLine<1, true>(s.data() + 3 * done, &fast[done], &fast[gap + done],
                                                &fast[2 * gap + done], n - done, 1, t);
             zo::RepackBytesPlanarLine<1, true>(s.data(), &scalar[0], &scalar[gap], &scalar[2 * gap], n, 1, t);
