@@ -57,7 +57,7 @@ public:
 
 private:
     class Scratch;
-    unsigned char* AcquireBuffer(std::uint32_t needed, Scratch& scratch) const;
+    unsigned char* AcquireBuffer(std::uint32_t needed, std::uint32_t lineBytes, Scratch& scratch) const;
 
     // The chain's own intermediate buffer, used by whichever thread holds
     // mBufferLock; a thread that finds it busy uses a buffer of its own for

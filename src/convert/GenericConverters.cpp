@@ -77,29 +77,36 @@ std::uint32_t ZoComplexConverter::GetDestinationByteSize(std::uint32_t pixelCoun
     return mSecond->GetDestinationByteSize(pixelCount);
 }
 
-unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, Scratch& scratch) const
+unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint32_t lineBytes,
+                                                Scratch& scratch) const
 {
+    // Some first stages write a little outside the frame they are given: the
+    // packed unpackers one pixel before or after an odd-width line, the
+    // replicating Bayer walk one line past an odd height, the group-of-four
+    // repackers up to three pixels past a line; some second stages read as
+    // far. The intermediate frame therefore sits inside a margin: kMargin
+    // bytes before it, one intermediate line and kMargin bytes after it.
+    constexpr std::uint32_t kMargin = 64;
+    const std::size_t total = std::size_t{kMargin} + needed + lineBytes + kMargin;
     if (!scratch.mLock.owns_lock()) {
-        scratch.mOwn.resize(needed ? needed : 1);
-        return scratch.mOwn.data();
+        scratch.mOwn.resize(total);
+        return scratch.mOwn.data() + kMargin;
     }
     // The shared buffer grows (contents not kept) and never shrinks.
-    if (mBufferSize < needed) {
+    if (mBufferSize < total) {
         delete[] mBuffer;
         mBuffer = nullptr;
         mBufferSize = 0;
-        mBuffer = new unsigned char[needed];
-        mBufferSize = needed;
+        mBuffer = new unsigned char[total];
+        mBufferSize = static_cast<std::uint32_t>(total);
     }
-    if (!mBuffer)
-        mBuffer = new unsigned char[1];
-    return mBuffer;
+    return mBuffer + kMargin;
 }
 
 std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned char* destination) const
 {
     Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(1), scratch);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(1), 0, scratch);
     const std::uint32_t r = mFirst->Convert(source, buffer);
     if (r != ZO_OK)
         return r;
@@ -113,7 +120,8 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned 
     ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
     ZoPixelConverterContext& context = chain.Context();
     Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(GetLinesPerConvert() * count), scratch);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(GetLinesPerConvert() * count),
+                                          mFirst->GetDestinationByteSize(count), scratch);
     // Both stages step through the intermediate buffer by intermediate lines.
     context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
     context.sourceLineBytes = mSecond->GetSourceByteSize(count);
@@ -132,7 +140,8 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
     ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
     ZoPixelConverterContext& context = chain.Context();
     Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(sourceWidth * sourceHeight), scratch);
+    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(sourceWidth * sourceHeight),
+                                          mFirst->GetDestinationByteSize(sourceWidth), scratch);
     // The first stage converts the whole source frame, with the caller's
     // filter if there is one; it clears the filter when it returns, so the
     // second stage runs with the default identity filter.
