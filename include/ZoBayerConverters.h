@@ -59,6 +59,10 @@ public:
     ZoBayerLastLayout() : mLayout() {}
     void Store(const ZoBayerLayout& layout);
     ZoBayerLayout Load() const;
+    // The layout a line call works from: the one the area call in progress
+    // put in the thread's context, else (a direct line call) a copy of the
+    // last one stored, kept in `local`.
+    const ZoBayerLayout& ForLine(const ZoPixelConverterContext& context, ZoBayerLayout& local) const;
 
 private:
     mutable std::mutex mLock;

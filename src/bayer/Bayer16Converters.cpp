@@ -97,10 +97,7 @@ std::uint32_t ZoBayerRGB16ToRGB::Convert(const unsigned char* source, unsigned c
 const ZoBayerLayout& ZoBayerRGB16ToRGB::LineLayout(const ZoPixelConverterContext& context,
                                                    ZoBayerLayout& local) const
 {
-    if (context.hasBayerLayout)
-        return context.bayerLayout;
-    local = mLastLayout.Load();
-    return local;
+    return mLastLayout.ForLine(context, local);
 }
 
 // ---- RGB16 -----------------------------------------------------------------

@@ -100,10 +100,7 @@ std::uint32_t ZoBayerRGB8ToRGB::Convert(const unsigned char* source, unsigned ch
 const ZoBayerLayout& ZoBayerRGB8ToRGB::LineLayout(const ZoPixelConverterContext& context,
                                                   ZoBayerLayout& local) const
 {
-    if (context.hasBayerLayout)
-        return context.bayerLayout;
-    local = mLastLayout.Load();
-    return local;
+    return mLastLayout.ForLine(context, local);
 }
 
 // ---- RGB16 -----------------------------------------------------------------

@@ -51,3 +51,11 @@ ZoBayerLayout ZoBayerLastLayout::Load() const
     std::lock_guard<std::mutex> lock(mLock);
     return mLayout;
 }
+
+const ZoBayerLayout& ZoBayerLastLayout::ForLine(const ZoPixelConverterContext& context, ZoBayerLayout& local) const
+{
+    if (context.hasBayerLayout)
+        return context.bayerLayout;
+    local = Load();
+    return local;
+}
