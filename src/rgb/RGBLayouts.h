@@ -62,6 +62,18 @@ struct Write32 {
     }
 };
 
+// Runs `kernel` with the writer of the channel order chosen at run time:
+// Layout<2> (blue first) when bgr, else Layout<0> (red first). The kernel
+// takes the writer as a value whose type selects the instantiation.
+template <template <unsigned> class Layout, class Kernel>
+void ByChannelOrder(bool bgr, Kernel&& kernel)
+{
+    if (bgr)
+        kernel(Layout<2>{});
+    else
+        kernel(Layout<0>{});
+}
+
 using WriteRGB24 = Write24<0>;
 using WriteBGR24 = Write24<2>;
 using WriteRGB32 = Write32<0>;

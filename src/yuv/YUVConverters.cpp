@@ -77,10 +77,9 @@ std::uint32_t ZoYUV8ToRGB24::Convert(const unsigned char* source, unsigned char*
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV8PairReader reader{mSampleBytes};
-    if (mBGR)
-        zo::YUV422LineToRGB<zo::WriteBGR24>(source, destination, count, reader, t, true);
-    else
-        zo::YUV422LineToRGB<zo::WriteRGB24>(source, destination, count, reader, t, true);
+    zo::ByChannelOrder<zo::Write24>(mBGR, [&](auto writer) {
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
+    });
     return ZO_OK;
 }
 
@@ -97,10 +96,9 @@ std::uint32_t ZoYUV8ToRGB32::Convert(const unsigned char* source, unsigned char*
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV8PairReader reader{mSampleBytes};
-    if (mBGR)
-        zo::YUV422LineToRGB<zo::WriteBGR32>(source, destination, count, reader, t, true);
-    else
-        zo::YUV422LineToRGB<zo::WriteRGB32>(source, destination, count, reader, t, true);
+    zo::ByChannelOrder<zo::Write32>(mBGR, [&](auto writer) {
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
+    });
     return ZO_OK;
 }
 
@@ -153,10 +151,9 @@ std::uint32_t ZoYUV10ToRGB24::Convert(const unsigned char* source, unsigned char
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV10PairReader reader{mShift};
-    if (mBGR)
-        zo::YUV422LineToRGB<zo::WriteBGR24>(source, destination, count, reader, t, true);
-    else
-        zo::YUV422LineToRGB<zo::WriteRGB24>(source, destination, count, reader, t, true);
+    zo::ByChannelOrder<zo::Write24>(mBGR, [&](auto writer) {
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
+    });
     return ZO_OK;
 }
 
@@ -173,10 +170,9 @@ std::uint32_t ZoYUV10ToRGB32::Convert(const unsigned char* source, unsigned char
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV10PairReader reader{mShift};
-    if (mBGR)
-        zo::YUV422LineToRGB<zo::WriteBGR32>(source, destination, count, reader, t, true);
-    else
-        zo::YUV422LineToRGB<zo::WriteRGB32>(source, destination, count, reader, t, true);
+    zo::ByChannelOrder<zo::Write32>(mBGR, [&](auto writer) {
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
+    });
     return ZO_OK;
 }
 
@@ -248,12 +244,10 @@ std::uint32_t ZoYUV8444ToRGB24::Convert(const unsigned char* source, unsigned ch
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const std::uint32_t blocked = BlockedCount(count);
-    if (mBGR)
-        zo::YUV444LineToRGB<zo::WriteBGR24>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
-                                            mUOffset, mVOffset, t, t, true);
-    else
-        zo::YUV444LineToRGB<zo::WriteRGB24>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
-                                            mUOffset, mVOffset, t, t, true);
+    zo::ByChannelOrder<zo::Write24>(mBGR, [&](auto writer) {
+        zo::YUV444LineToRGB<decltype(writer)>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
+                                              mUOffset, mVOffset, t, t, true);
+    });
     return ZO_OK;
 }
 
@@ -271,11 +265,9 @@ std::uint32_t ZoYUV8444ToRGB32::Convert(const unsigned char* source, unsigned ch
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const std::uint32_t blocked = BlockedCount(count);
-    if (mBGR)
-        zo::YUV444LineToRGB<zo::WriteBGR32>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
-                                            mUOffset, mVOffset, t, t, true);
-    else
-        zo::YUV444LineToRGB<zo::WriteRGB32>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
-                                            mUOffset, mVOffset, t, t, true);
+    zo::ByChannelOrder<zo::Write32>(mBGR, [&](auto writer) {
+        zo::YUV444LineToRGB<decltype(writer)>(source, destination, count, blocked, mSampleBytes - 1, mYOffset,
+                                              mUOffset, mVOffset, t, t, true);
+    });
     return ZO_OK;
 }
