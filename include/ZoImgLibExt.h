@@ -1,0 +1,111 @@
+/* Extensions of ZoImgLib beside the core interface: band conversion for
+ * callers that split a frame across threads, exact buffer sizes, GenICam
+ * PFNC names and the library version. Plain functions with C linkage and
+ * undecorated names, like those of ZoImgLibC.h; compiles as C and as C++.
+ *
+ * Nothing here registers a type or a converter or changes what the core
+ * writes: a band conversion writes exactly the bytes the whole-area
+ * conversion writes in the same lines.
+ *
+ * Result codes are the core's: ZO_OK (0), ZO_ERR_BAD_ARGUMENT (18) for a null
+ * handle or out pointer, an area or band the converter cannot take, or a
+ * size that does not fit; ZO_ERR_NOT_SUPPORTED (26) where a name is known
+ * but has no exact counterpart. A function that answers other than ZO_OK
+ * writes nothing to the caller's buffers. */
+#ifndef ZO_IMGLIB_EXT_H
+#define ZO_IMGLIB_EXT_H
+
+#include <stdint.h>
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
+
+#include "ZoExport.h"
+#include "ZoPixelTypeIDs.h"
+
+#ifdef __cplusplus
+class ZoPixelConverter;
+class ZoRGBFilter;
+extern "C" {
+#else
+typedef struct ZoPixelConverter ZoPixelConverter;
+typedef struct ZoRGBFilter ZoRGBFilter;
+#endif
+
+/* ---- Version ---- */
+
+/* The library's version, "major.minor.patch". Never null. */
+ZO_API const char* ZoImgLib_GetVersion(void);
+
+/* ---- Buffer sizes ---- */
+
+/* What the buffers of one area conversion must hold, in bytes, every
+ * documented over-read and over-write included. sourceBytes and
+ * destinationBytes count from the pointers passed to the conversion;
+ * destinationBytesBefore counts the bytes just before the destination
+ * pointer that the conversion may also write (some dual-tap and packed
+ * layouts), so the caller allocates destinationBytesBefore +
+ * destinationBytes and passes the buffer start + destinationBytesBefore. */
+typedef struct ZoAreaBufferSizes {
+    uint64_t sourceBytes;
+    uint64_t destinationBytes;
+    uint64_t destinationBytesBefore;
+} ZoAreaBufferSizes;
+
+/* Fills *sizes for ZoPixelConverter_ConvertArea (or ConvertBand over the
+ * whole area) with these arguments. 18 for a null converter or sizes
+ * pointer, or for sizes that do not fit in 64 bits. */
+ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
+                                                    uint32_t sourceHeight, uint32_t destinationWidth,
+                                                    uint32_t destinationHeight, uint32_t width, uint32_t height,
+                                                    uint32_t flags, uint32_t destinationPadding,
+                                                    ZoAreaBufferSizes* sizes);
+
+/* ---- Band conversion ---- */
+
+/* Converts destination lines [firstLine, firstLine + lineCount) of the
+ * width x height area described by the other arguments (as for
+ * ZoPixelConverter_ConvertAreaFilter; a null filter is the default identity
+ * filter), writing exactly the bytes the whole-area conversion writes in
+ * those lines and nothing in any other line. Bands that together cover the
+ * area may run concurrently from different threads on the same buffers and
+ * give the whole-area result.
+ *
+ * Answers 18 and writes nothing for a null converter, a band that ends
+ * beyond the area, or a boundary the converter cannot split at (see the
+ * line boundary rules below). lineCount 0 converts nothing and answers 0. */
+ZO_API uint32_t ZoPixelConverter_ConvertBand(const ZoPixelConverter* converter, const ZoRGBFilter* filter,
+                                             const unsigned char* source, uint32_t sourceWidth,
+                                             uint32_t sourceHeight, unsigned char* destination,
+                                             uint32_t destinationWidth, uint32_t destinationHeight,
+                                             uint32_t width, uint32_t height, uint32_t flags,
+                                             uint32_t destinationPadding, uint32_t firstLine,
+                                             uint32_t lineCount);
+
+/* ---- GenICam PFNC names ---- */
+
+/* The core pixel type ID and conversion flags (the Bayer pattern) that mean
+ * exactly the same bytes as a PFNC format, by its name (case-sensitive, as
+ * PFNC spells it) or its 32-bit code. 0 when mapped; 26 for a PFNC format
+ * the library knows but has no exact counterpart of (for instance Mono10p,
+ * Mono12Packed); 18 for a null argument or an unknown name or code. */
+ZO_API uint32_t ZoPfnc_FromName(const char* name, int64_t* typeId, uint32_t* flags);
+ZO_API uint32_t ZoPfnc_FromCode(uint32_t code, int64_t* typeId, uint32_t* flags);
+
+/* The PFNC format that means exactly the same bytes as a core type with
+ * these flags (only the Bayer pattern bits count; none means the type's
+ * default pattern), as name and code. 0 when mapped; 26 when none exists;
+ * 18 for null out pointers. */
+ZO_API uint32_t ZoPfnc_FromPixelType(int64_t typeId, uint32_t flags, const char** name, uint32_t* code);
+
+/* The index-th entry of the library's PFNC table (every PFNC format it
+ * knows, mapped or not): false past the end or for a null out pointer. For
+ * an entry without a counterpart, *typeId is ZO_NO_PIXEL_TYPE_ID and *flags 0. */
+ZO_API bool ZoPfnc_GetEntry(uint32_t index, const char** name, uint32_t* code, int64_t* typeId,
+                            uint32_t* flags);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
