@@ -2,7 +2,10 @@
 #include "ZoGenericConverters.h"
 
 #include <cstring>
+#include <new>
 #include <vector>
+
+#include "convert/ChainFrame.h"
 
 ZoIdentityConverter::ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
                                          std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize)
@@ -87,8 +90,10 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint
     // far. The intermediate frame therefore sits inside a margin: kMargin
     // bytes before it, one intermediate line and kMargin bytes after it.
     constexpr std::uint32_t kMargin = 64;
-    const std::size_t total = std::size_t{kMargin} + needed + lineBytes + kMargin;
-    if (!scratch.mLock.owns_lock()) {
+    const std::uint64_t total = std::uint64_t{kMargin} + needed + lineBytes + kMargin;
+    // A frame whose size the shared buffer's 32-bit size cannot record gets
+    // a buffer of its own as well.
+    if (!scratch.mLock.owns_lock() || total > zo::kChainFrameLimit) {
         scratch.mOwn.resize(total);
         return scratch.mOwn.data() + kMargin;
     }
@@ -97,7 +102,7 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint
         delete[] mBuffer;
         mBuffer = nullptr;
         mBufferSize = 0;
-        mBuffer = new unsigned char[total];
+        mBuffer = new unsigned char[static_cast<std::size_t>(total)];
         mBufferSize = static_cast<std::uint32_t>(total);
     }
     return mBuffer + kMargin;
@@ -116,19 +121,27 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned 
 std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned char* destination,
                                           std::uint32_t count) const
 {
-    // The chain and each stage hold the thread's record for the call.
-    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
-    ZoPixelConverterContext& context = chain.Context();
-    Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(GetLinesPerConvert() * count),
-                                          mFirst->GetDestinationByteSize(count), scratch);
-    // Both stages step through the intermediate buffer by intermediate lines.
-    context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
-    context.sourceLineBytes = mSecond->GetSourceByteSize(count);
-    const std::uint32_t r = mFirst->Convert(source, buffer, count);
-    if (r != ZO_OK)
-        return r;
-    return mSecond->Convert(buffer, destination, count);
+    // L intermediate lines of `count` pixels, sized in 64 bits.
+    std::uint64_t needed = 0;
+    if (!zo::ChainFrameBytes(mFirst->GetDestinationByteSize(), count, GetLinesPerConvert(), &needed))
+        return ZO_ERR_BAD_ARGUMENT;
+    const std::uint32_t lineBytes = mFirst->GetDestinationByteSize() * count;  // fits: checked above
+    try {
+        // The chain and each stage hold the thread's record for the call.
+        ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+        ZoPixelConverterContext& context = chain.Context();
+        Scratch scratch(mBufferLock);
+        unsigned char* buffer = AcquireBuffer(static_cast<std::uint32_t>(needed), lineBytes, scratch);
+        // Both stages step through the intermediate buffer by intermediate lines.
+        context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
+        context.sourceLineBytes = mSecond->GetSourceByteSize(count);
+        const std::uint32_t r = mFirst->Convert(source, buffer, count);
+        if (r != ZO_OK)
+            return r;
+        return mSecond->Convert(buffer, destination, count);
+    } catch (const std::bad_alloc&) {
+        return ZO_ERR_BAD_ARGUMENT;
+    }
 }
 
 std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint32_t sourceWidth,
@@ -137,20 +150,44 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
                                           std::uint32_t width, std::uint32_t height, std::uint32_t flags,
                                           std::uint32_t destinationPadding) const
 {
-    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
-    ZoPixelConverterContext& context = chain.Context();
-    Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(sourceWidth * sourceHeight),
-                                          mFirst->GetDestinationByteSize(sourceWidth), scratch);
-    // The first stage converts the whole source frame, with the caller's
-    // filter if there is one; it clears the filter when it returns, so the
-    // second stage runs with the default identity filter.
-    std::uint32_t r = mFirst->Convert(source, sourceWidth, sourceHeight, buffer, sourceWidth, sourceHeight,
-                                      sourceWidth, sourceHeight, flags, 0);
-    if (r != ZO_OK)
+    // The second stage walks the intermediate frame, which holds the source
+    // frame and nothing else: an area beyond it would read bytes no stage
+    // wrote.
+    if (width > sourceWidth || height > sourceHeight)
+        return ZO_ERR_BAD_ARGUMENT;
+    // The frame and one line after it (see below), sized in 64 bits.
+    std::uint64_t frameBytes = 0;
+    if (!zo::ChainFrameBytes(mFirst->GetDestinationByteSize(), sourceWidth, std::uint64_t{sourceHeight} + 1,
+                             &frameBytes))
+        return ZO_ERR_BAD_ARGUMENT;
+    const std::uint32_t lineBytes = mFirst->GetDestinationByteSize() * sourceWidth;  // fits: checked above
+    try {
+        ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+        ZoPixelConverterContext& context = chain.Context();
+        Scratch scratch(mBufferLock);
+        unsigned char* buffer =
+            AcquireBuffer(static_cast<std::uint32_t>(frameBytes - lineBytes), lineBytes, scratch);
+        // The first stage converts the whole source frame, with the caller's
+        // filter if there is one; it clears the filter when it returns, so the
+        // second stage runs with the default identity filter.
+        std::uint32_t r = mFirst->Convert(source, sourceWidth, sourceHeight, buffer, sourceWidth, sourceHeight,
+                                          sourceWidth, sourceHeight, flags, 0);
+        if (r != ZO_OK)
+            return r;
+        // A replicating Bayer second stage with an odd height converts the
+        // pair (height - 1, height) and so reads the line after the frame.
+        // That line is a copy of the frame's last line, so that the output
+        // depends on this call's input alone (never on an earlier frame's
+        // bytes left in the buffer) and the last line takes the colours of
+        // the line above it.
+        if (sourceHeight != 0)
+            std::memcpy(buffer + std::size_t{sourceHeight} * lineBytes,
+                        buffer + std::size_t{sourceHeight - 1} * lineBytes, lineBytes);
+        r = mSecond->Convert(buffer, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
+                             width, height, flags, destinationPadding);
+        context.filter = nullptr;
         return r;
-    r = mSecond->Convert(buffer, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
-                         width, height, flags, destinationPadding);
-    context.filter = nullptr;
-    return r;
+    } catch (const std::bad_alloc&) {
+        return ZO_ERR_BAD_ARGUMENT;
+    }
 }
