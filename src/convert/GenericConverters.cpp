@@ -5,7 +5,9 @@
 #include <new>
 #include <vector>
 
+#include "convert/BandWindow.h"
 #include "convert/ChainFrame.h"
+#include "core/PixelTypeId.h"
 
 ZoIdentityConverter::ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
                                          std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize)
@@ -30,6 +32,13 @@ std::uint32_t ZoIdentityConverter::Convert(const unsigned char* source, unsigned
 }
 
 // ---------------------------------------------------------------------------
+
+namespace {
+
+// Bytes kept free before and after an intermediate frame.
+constexpr std::uint32_t kFrameMargin = 64;
+
+}  // namespace
 
 // The intermediate buffer of one call: the chain's own when it is free, else
 // one for this call alone.
@@ -89,7 +98,7 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint
     // repackers up to three pixels past a line; some second stages read as
     // far. The intermediate frame therefore sits inside a margin: kMargin
     // bytes before it, one intermediate line and kMargin bytes after it.
-    constexpr std::uint32_t kMargin = 64;
+    constexpr std::uint32_t kMargin = kFrameMargin;
     const std::uint64_t total = std::uint64_t{kMargin} + needed + lineBytes + kMargin;
     // A frame whose size the shared buffer's 32-bit size cannot record gets
     // a buffer of its own as well.
@@ -161,32 +170,65 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
                              &frameBytes))
         return ZO_ERR_BAD_ARGUMENT;
     const std::uint32_t lineBytes = mFirst->GetDestinationByteSize() * sourceWidth;  // fits: checked above
+    const zo::BandWindow window = zo::ThreadBandWindow();
     try {
         ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
         ZoPixelConverterContext& context = chain.Context();
-        Scratch scratch(mBufferLock);
-        unsigned char* buffer =
-            AcquireBuffer(static_cast<std::uint32_t>(frameBytes - lineBytes), lineBytes, scratch);
-        // The first stage converts the whole source frame, with the caller's
-        // filter if there is one; it clears the filter when it returns, so the
-        // second stage runs with the default identity filter.
-        std::uint32_t r = mFirst->Convert(source, sourceWidth, sourceHeight, buffer, sourceWidth, sourceHeight,
-                                          sourceWidth, sourceHeight, flags, 0);
-        if (r != ZO_OK)
+        // Converts intermediate lines [from, to) into `frame` (where line 0
+        // of the intermediate frame is, or would be) and then the area, or
+        // the band of it, from there.
+        auto convert = [&](unsigned char* frame, std::uint32_t from, std::uint32_t to) {
+            // The first stage converts the source frame, with the caller's
+            // filter if there is one; it clears the filter when it returns,
+            // so the second stage runs with the default identity filter.
+            std::uint32_t r;
+            {
+                const zo::BandWindowScope lines({window.active, from, to});
+                r = mFirst->Convert(source, sourceWidth, sourceHeight, frame, sourceWidth, sourceHeight,
+                                    sourceWidth, sourceHeight, flags, 0);
+            }
+            if (r != ZO_OK)
+                return r;
+            // A replicating Bayer second stage with an odd height converts
+            // the pair (height - 1, height) and so reads the line after the
+            // frame. That line is a copy of the frame's last line, so that
+            // the output depends on this call's input alone (never on an
+            // earlier frame's bytes left in the buffer) and the last line
+            // takes the colours of the line above it.
+            if (to == sourceHeight && sourceHeight != 0)
+                std::memcpy(frame + std::size_t{sourceHeight} * lineBytes,
+                            frame + std::size_t{sourceHeight - 1} * lineBytes, lineBytes);
+            {
+                const zo::BandWindowScope band(window);
+                r = mSecond->Convert(frame, sourceWidth, sourceHeight, destination, destinationWidth,
+                                     destinationHeight, width, height, flags, destinationPadding);
+            }
+            context.filter = nullptr;
             return r;
-        // A replicating Bayer second stage with an odd height converts the
-        // pair (height - 1, height) and so reads the line after the frame.
-        // That line is a copy of the frame's last line, so that the output
-        // depends on this call's input alone (never on an earlier frame's
-        // bytes left in the buffer) and the last line takes the colours of
-        // the line above it.
-        if (sourceHeight != 0)
-            std::memcpy(buffer + std::size_t{sourceHeight} * lineBytes,
-                        buffer + std::size_t{sourceHeight - 1} * lineBytes, lineBytes);
-        r = mSecond->Convert(buffer, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
-                             width, height, flags, destinationPadding);
-        context.filter = nullptr;
-        return r;
+        };
+        if (!window.active) {
+            Scratch scratch(mBufferLock);
+            unsigned char* buffer =
+                AcquireBuffer(static_cast<std::uint32_t>(frameBytes - lineBytes), lineBytes, scratch);
+            return convert(buffer, 0, sourceHeight);
+        }
+        // A band: the first stage converts, into storage of this call alone,
+        // the intermediate lines the second stage's calls for the band read
+        // (on even lines, where a replicating Bayer first stage can start
+        // and end). Bands thus run concurrently through one chain.
+        const bool planar = ZoIdHas(mSecond->GetDestinationType(), ZO_PIXEL_PLANAR) &&
+                            !ZoIdHas(mSecond->GetSourceType(), ZO_PIXEL_PLANAR);
+        const std::uint32_t stride =
+            planar ? sourceWidth : mSecond->GetDestinationByteSize(destinationWidth) + destinationPadding;
+        const std::uint64_t reach =
+            zo::BandReadReach(stride, std::uint64_t{mSecond->GetDestinationByteSize()} * sourceWidth);
+        std::uint32_t from = window.firstLine > reach ? static_cast<std::uint32_t>(window.firstLine - reach) : 0;
+        from &= ~1u;
+        const std::uint64_t past = reach >= sourceHeight ? sourceHeight : window.endLine + reach + 1;  // made even
+        const std::uint32_t to = past >= sourceHeight ? sourceHeight : static_cast<std::uint32_t>(past & ~1ull);
+        std::vector<unsigned char> lines(std::size_t{kFrameMargin} + std::size_t{to - from + 1} * lineBytes +
+                                         kFrameMargin);
+        return convert(lines.data() + kFrameMargin - std::ptrdiff_t{from} * lineBytes, from, to);
     } catch (const std::bad_alloc&) {
         return ZO_ERR_BAD_ARGUMENT;
     }

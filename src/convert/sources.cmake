@@ -2,6 +2,7 @@ set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/convert)
 list(APPEND ZO_LIB_SOURCES
   ${_dir}/RGBFilter.cpp
   ${_dir}/PixelConverter.cpp
+  ${_dir}/BandWalk.cpp
   ${_dir}/GenericConverters.cpp
   ${_dir}/IdentityRegistry.cpp
   ${_dir}/ChainRegistry.cpp
