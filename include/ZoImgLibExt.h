@@ -92,9 +92,11 @@ typedef struct ZoAreaBufferSizes {
 
 /* Fills *sizes for ZoPixelConverter_ConvertArea (or ConvertBand over the
  * whole area) with these arguments. 18 (and *sizes untouched) for a null
- * converter or sizes pointer, for sizes that do not fit in 64 bits, or for
- * an area whose line sizes, line steps, plane offsets or second-field
- * offset do not fit the 32 bits in which the conversion computes them. */
+ * converter or sizes pointer, for sizes that do not fit in 64 bits, for an
+ * area whose line sizes, line steps, plane offsets or second-field offset do
+ * not fit the 32 bits in which the conversion computes them, or for an area
+ * a chain refuses (beyond its source frame, or an intermediate frame beyond
+ * 4 GiB - 1). */
 ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
                                                     uint32_t sourceHeight, uint32_t destinationWidth,
                                                     uint32_t destinationHeight, uint32_t width, uint32_t height,
