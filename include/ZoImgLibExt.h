@@ -52,7 +52,9 @@ ZO_API const char* ZoImgLib_GetVersion(void);
  * whole pixels (whole three-byte groups for packed sources): nothing outside
  * is touched, and nothing beyond that end is asked for. So the count stops
  * inside the last line reached: a last line narrower than the frame, and
- * the padding after the last destination line, are not counted. Lines lie
+ * the padding after the last destination line, are not counted (a caller
+ * that keeps whole frames in the buffers allocates the larger of its frame
+ * size and the count). Lines lie
  * GetSourceByteSize(sourceWidth) bytes apart in the source and
  * GetDestinationByteSize(destinationWidth) + destinationPadding in the
  * destination (sourceWidth bytes for a planar destination, whose three
