@@ -8,7 +8,10 @@
 
 // Copies bytes unchanged (GetSourceByteSize(count) bytes a line). Registered
 // from an interlaced type to its progressive twin it deinterlaces, through
-// the base area walk's two field passes.
+// the base area walk's two field passes, with that walk's buffer rules: an
+// odd height writes height + 1 destination lines, and an odd sourceHeight
+// reads up to half a source line past the end of the frame (see
+// ZoPixelConverter's area form).
 class ZO_API ZoIdentityConverter : public ZoPixelConverter {
 public:
     ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
@@ -29,6 +32,17 @@ public:
 // through the first stage, whatever `width` and `height` say, and the caller's
 // filter acts on the first stage only; the second runs with the default
 // identity filter. Several threads may convert through one chain at once.
+//
+// Buffers: the source must hold what the first stage reads converting the
+// whole sourceWidth x sourceHeight frame, over-reads included, whatever
+// `width` and `height` say: an interlaced source with an odd sourceHeight
+// (up to half a source line past the frame), a replicating Bayer first stage
+// with an odd sourceHeight (one source line past the frame), and the line
+// over-reads of packed, dual-tap, 4:2:2 and grouped RGB first stages at the
+// end of the last line. The destination must hold what the second stage
+// writes converting the area from there: a replicating Bayer second stage
+// with an odd `height` writes one destination line past the area. The
+// intermediate frame is the chain's own.
 class ZO_API ZoComplexConverter : public ZoPixelConverter {
 public:
     ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second);
