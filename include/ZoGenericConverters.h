@@ -42,7 +42,9 @@ public:
 // end of the last line. The destination must hold what the second stage
 // writes converting the area from there: a replicating Bayer second stage
 // with an odd `height` writes one destination line past the area. The
-// intermediate frame is the chain's own.
+// intermediate frame is the chain's own and holds the source frame only: the
+// area must lie inside the source frame (width <= sourceWidth, height <=
+// sourceHeight), or the second stage reads beyond the chain's buffer.
 class ZO_API ZoComplexConverter : public ZoPixelConverter {
 public:
     ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second);
