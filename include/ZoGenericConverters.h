@@ -32,19 +32,6 @@ public:
 // through the first stage, whatever `width` and `height` say, and the caller's
 // filter acts on the first stage only; the second runs with the default
 // identity filter. Several threads may convert through one chain at once.
-//
-// Buffers: the source must hold what the first stage reads converting the
-// whole sourceWidth x sourceHeight frame, over-reads included, whatever
-// `width` and `height` say: an interlaced source with an odd sourceHeight
-// (up to half a source line past the frame), a replicating Bayer first stage
-// with an odd sourceHeight (one source line past the frame), and the line
-// over-reads of packed, dual-tap, 4:2:2 and grouped RGB first stages at the
-// end of the last line. The destination must hold what the second stage
-// writes converting the area from there: a replicating Bayer second stage
-// with an odd `height` writes one destination line past the area. The
-// intermediate frame is the chain's own and holds the source frame only: the
-// area must lie inside the source frame (width <= sourceWidth, height <=
-// sourceHeight), or the second stage reads beyond the chain's buffer.
 class ZO_API ZoComplexConverter : public ZoPixelConverter {
 public:
     ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second);
@@ -56,6 +43,18 @@ public:
     using ZoPixelConverter::GetDestinationByteSize;
 
     using ZoPixelConverter::Convert;
+    // Buffers: the source must hold what the first stage reads converting
+    // the whole sourceWidth x sourceHeight frame, over-reads included,
+    // whatever `width` and `height` say: an interlaced source with an odd
+    // sourceHeight (up to half a source line past the frame), a replicating
+    // Bayer first stage with an odd sourceHeight (one source line past the
+    // frame), and the line over-reads of packed, dual-tap, 4:2:2 and grouped
+    // RGB first stages at the end of the last line. The destination must
+    // hold what the second stage writes converting the area from there: a
+    // replicating Bayer second stage with an odd `height` writes one
+    // destination line past the area. The area must lie inside the source
+    // frame (width <= sourceWidth, height <= sourceHeight): the intermediate
+    // frame, the chain's own, holds the source frame only.
     std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth, std::uint32_t sourceHeight,
                           unsigned char* destination, std::uint32_t destinationWidth,
                           std::uint32_t destinationHeight, std::uint32_t width, std::uint32_t height,

@@ -66,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint32_t flags = in.ConsumeIntegral<std::uint16_t>();
     const std::uint32_t padding = in.ConsumeIntegralInRange<std::uint32_t>(0, 7);
     ZoRGBFilter* filter = in.ConsumeBool() ? MakeFilter(in) : nullptr;
+    const bool plainForm = !filter && in.ConsumeBool();  // ConvertArea rather than a null filter
 
     const ZoPixelConverter* converter = pair.converter;
     const zofuzz::AreaSizes sizes = zofuzz::AreaBufferSizes(*converter, sourceWidth, sourceHeight, destinationWidth,
@@ -80,9 +81,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::unique_ptr<unsigned char[]> destination(new unsigned char[destinationBytes]);
     std::memset(destination.get(), 0xA5, destinationBytes);
 
-    const std::uint32_t result = ZoPixelConverter_ConvertAreaFilter(
-        converter, filter, source.get(), sourceWidth, sourceHeight, destination.get() + sizes.destinationBefore,
-        destinationWidth, destinationHeight, width, height, flags, padding);
+    unsigned char* const out = destination.get() + sizes.destinationBefore;
+    const std::uint32_t result =
+        plainForm ? ZoPixelConverter_ConvertArea(converter, source.get(), sourceWidth, sourceHeight, out,
+                                                 destinationWidth, destinationHeight, width, height, flags, padding)
+                  : ZoPixelConverter_ConvertAreaFilter(converter, filter, source.get(), sourceWidth, sourceHeight,
+                                                       out, destinationWidth, destinationHeight, width, height,
+                                                       flags, padding);
     ZoRGBFilter_Destroy(filter);
     if (result != ZO_OK) {
         std::fprintf(stderr, "0x%llx -> 0x%llx answered %u\n", static_cast<unsigned long long>(pair.source),
