@@ -40,7 +40,10 @@ public:
     // Area conversion as the base's, except that with a dual-tap layout the
     // lines are converted sourceWidth pixels wide whatever `width` says
     // (deliberate: the two taps span the whole source line, so a narrower
-    // width would recombine the wrong pixels).
+    // width would recombine the wrong pixels). Each destination line then
+    // receives sourceWidth pixels: with a width below sourceWidth the
+    // conversion writes past the area on every line, and an odd sourceWidth
+    // adds the byte before or after the line described above.
     std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth, std::uint32_t sourceHeight,
                           unsigned char* destination, std::uint32_t destinationWidth,
                           std::uint32_t destinationHeight, std::uint32_t width, std::uint32_t height,
@@ -62,10 +65,15 @@ private:
 // own source line; an odd destination line takes the odd bytes 1, 3, ...
 // from the start of the source line before its own (source pointer + 1 -
 // source line bytes). With sourceWidth = width, source lines 2k and 2k + 1
-// (2n bytes) thus carry destination lines 2k and 2k + 1 interleaved, and the
-// source frame has the size of the destination frame. A line conversion
-// called directly, outside an area conversion, converts as an even line
-// (2n - 1 source bytes read).
+// (2n bytes) thus carry destination lines 2k and 2k + 1 interleaved, and,
+// for an even height, the source frame has the size of the destination
+// frame. An odd height breaks that: the last destination line is even and
+// reads 2n - 1 bytes from the start of the last source line, that is up to
+// n - 1 bytes (width - 1) past the end of a frame of sourceWidth = width.
+// Allow (height - 1) x sourceWidth + 2 x width - 1 source bytes for an odd
+// height, height x sourceWidth for an even one. A line conversion called
+// directly, outside an area conversion, converts as an even line (2n - 1
+// source bytes read).
 class ZO_API ZoDualLinesGrayscale8ToGrayscale8 : public ZoPixelConverter {
 public:
     ZoDualLinesGrayscale8ToGrayscale8();

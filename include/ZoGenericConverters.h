@@ -8,7 +8,10 @@
 
 // Copies bytes unchanged (GetSourceByteSize(count) bytes a line). Registered
 // from an interlaced type to its progressive twin it deinterlaces, through
-// the base area walk's two field passes.
+// the base area walk's two field passes, with that walk's buffer rules: an
+// odd height writes height + 1 destination lines, and an odd sourceHeight
+// reads up to half a source line past the end of the frame (see
+// ZoPixelConverter's area form).
 class ZO_API ZoIdentityConverter : public ZoPixelConverter {
 public:
     ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
@@ -56,6 +59,18 @@ public:
     using ZoPixelConverter::GetDestinationByteSize;
 
     using ZoPixelConverter::Convert;
+    // Buffers: the source must hold what the first stage reads converting
+    // the whole sourceWidth x sourceHeight frame, over-reads included,
+    // whatever `width` and `height` say: an interlaced source with an odd
+    // sourceHeight (up to half a source line past the frame), a replicating
+    // Bayer first stage with an odd sourceHeight (one source line past the
+    // frame), and the line over-reads of packed, dual-tap, 4:2:2 and grouped
+    // RGB first stages at the end of the last line. The destination must
+    // hold what the second stage writes converting the area from there: a
+    // replicating Bayer second stage with an odd `height` writes one
+    // destination line past the area. The area must lie inside the source
+    // frame (width <= sourceWidth, height <= sourceHeight): the intermediate
+    // frame, the chain's own, holds the source frame only.
     std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth, std::uint32_t sourceHeight,
                           unsigned char* destination, std::uint32_t destinationWidth,
                           std::uint32_t destinationHeight, std::uint32_t width, std::uint32_t height,

@@ -13,7 +13,16 @@
  * unsigned 32-bit; bool is the C99 one-byte bool.
  *
  * Buffers passed to the conversion functions are the caller's concern: they
- * are not checked. */
+ * are not checked. Several conversions read or write beyond the area they
+ * are given (interlaced sources with an odd height, replicating Bayer with
+ * an odd height, dual-tap and Dual Lines sources, packed sources and 4:2:2
+ * at odd widths, RGB converters working in groups of four pixels, chains):
+ * the list and each rule are in ZoPixelConverter.h and the converter family
+ * headers.
+ *
+ * The converter pointers answered here are null for a missing pair; from
+ * C++, prefer them (or HasConverter) to the class interface's references,
+ * whose null address C++ cannot reliably test. */
 #ifndef ZO_IMGLIB_C_H
 #define ZO_IMGLIB_C_H
 
@@ -64,7 +73,10 @@ ZO_API ZoPixelType* ZoPixelTypeFactory_CreatePixelType(int64_t id);
 ZO_API ZoPixelType* ZoPixelTypeFactory_CreatePixelType2(uint32_t bitSize, int64_t colourSpace, int32_t normalized,
                                                         int32_t packed, int32_t interlaced, int32_t planar,
                                                         int64_t tapMode, int32_t bayer, uint32_t index);
-/* "Unregistered pixel type" for an unknown ID. */
+/* "Unregistered pixel type" for an unknown ID. The library records every
+ * distinct unknown ID asked about until it is unloaded, about 128 bytes
+ * each: do not feed it untrusted or generated IDs in a loop (check them with
+ * ZoPixelTypeFactory_HasPixelType first). */
 ZO_API const char* ZoPixelTypeFactory_GetPixelTypeName(int64_t id);
 ZO_API bool ZoPixelTypeFactory_HasConverter(int64_t source, int64_t destination);
 /* Null for a pair without converter. */

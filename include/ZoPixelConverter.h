@@ -40,8 +40,34 @@ struct ZO_API ZoPixelConverterContext : public ZoObject {
 // every thread; per-call state lives in the calling thread's context record.
 //
 // Buffers are the caller's concern: the forms do not check pointers or sizes.
-// Some converters read and write a few pixels beyond `count` (see their
-// headers); size buffers accordingly.
+// Several conversions read or write beyond the area they are given; size
+// buffers for every one of them:
+//
+//  - Interlaced sources (this class's area walk; every interlaced pair, the
+//    deinterlacing identities and the chains that start with one): with an
+//    odd height the field passes write height + 1 destination lines, and
+//    with an odd sourceHeight the walk reads up to half a source line past
+//    the end of the source frame (see the area form below).
+//  - Bayer, replicating mode (ZoBayerConverters.h): an odd height reads one
+//    source line and writes one destination line past the area.
+//  - Dual-tap 8-bit lines (ZoDualTapConverters.h): lines are sourceWidth
+//    pixels wide whatever `width` says; an odd line width reads one byte past
+//    a source line and writes one byte before or after a destination line.
+//  - Dual Lines source (ZoDualTapConverters.h): an odd height reads up to
+//    width - 1 bytes past the source frame.
+//  - Packed 10/12-bit sources (ZoPackedConverters.h): an odd width reads
+//    three bytes past a source line and writes one pixel before or after a
+//    destination line.
+//  - RGB converters in groups of four (ZoRGBConverters.h): up to three pixels
+//    read and written past each line.
+//  - YUV 4:2:2 (ZoYUVConverters.h): an odd width reads and writes one pixel
+//    past each line.
+//  - Chains (ZoGenericConverters.h): the source as the first stage reads the
+//    whole sourceWidth x sourceHeight frame, the destination as the second
+//    stage writes the area.
+//
+// Grayscale depth and expansion converters, YUV and YCrCb 4:4:4 and the other
+// RGB converters touch exactly the area.
 class ZO_API ZoPixelConverter : public ZoObject {
 public:
     static const std::uint32_t FLAG_INVERT_DEINTERLACER = 0x01;
@@ -80,7 +106,14 @@ public:
     // at sourceHeight x line bytes / 2) and fills even then odd destination
     // lines (swapped by FLAG_INVERT_DEINTERLACER); each field pass converts
     // its lines 0, 2, 4, ... below `height`, so an odd height writes height + 1
-    // destination lines. A planar destination holds
+    // destination lines: the destination must hold line `height` too. The
+    // second field's start is the product halved with truncation, so with an
+    // odd sourceHeight it lies half a line into the frame, in the middle of
+    // line sourceHeight / 2, and each pass reads (height + 1) / 2 source lines
+    // from its start: with height = sourceHeight odd, the walk reads up to
+    // half a source line past the end of the frame. Allow
+    // (sourceHeight x line bytes) / 2 + ((height + 1) / 2) x line bytes
+    // source bytes. A planar destination holds
     // three planes of destinationWidth x destinationHeight bytes with lines
     // sourceWidth bytes apart. Without a Bayer pattern flag, GRBG is assumed.
     // Always returns 0.

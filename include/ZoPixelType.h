@@ -31,7 +31,10 @@ public:
     virtual std::uint32_t GetBufferSizeFor(std::uint32_t width, std::uint32_t height) const;
 
     bool HasConverterTo(const ZoPixelType& destination) const;
-    // A reference whose address is null when no converter is registered.
+    // A reference whose address is null when no converter is registered (as
+    // ZoPixelTypeFactory::GetConverter): test with HasConverterTo first, or
+    // use the flat ZoPixelType_GetConverterTo, which answers null; the
+    // address of a reference cannot be reliably compared with null in C++.
     const ZoPixelConverter& GetConverterTo(const ZoPixelType& destination) const;
     bool HasConverterFrom(const ZoPixelType& source) const;
     const ZoPixelConverter& GetConverterFrom(const ZoPixelType& source) const;

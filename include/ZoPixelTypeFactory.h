@@ -19,6 +19,9 @@ public:
     static std::uint32_t RegisterPixelType(const std::int64_t& id, const ZoPixelType* type, const char* name);
     static bool HasPixelType(const std::int64_t& id);
     // The registry's own object; a reference whose address is null if absent.
+    // A C++ program may not test a reference for null: compilers assume its
+    // address is never null and may fold `&GetPixelType(id) == nullptr` to
+    // false. Ask HasPixelType first.
     static const ZoPixelType& GetPixelType(const std::int64_t& id);
     // A clone owned by the caller, or null.
     static ZoPixelType* CreatePixelType(const std::int64_t& id);
@@ -32,6 +35,10 @@ public:
                                         bool packed, bool interlaced, bool planar, std::int64_t tapMode,
                                         bool bayer, std::uint32_t index);
     // "Unregistered pixel type" for an unknown ID (recorded under that ID).
+    // Every distinct unknown ID asked about stays recorded until the library
+    // is unloaded, about 128 bytes each: a million different unknown IDs grow
+    // the process by over 100 MB. Do not ask names of untrusted or generated
+    // IDs in a loop; check them with HasPixelType first.
     static const char* GetPixelTypeName(const std::int64_t& id);
 
     static std::uint32_t RegisterPixelConverter(const std::int64_t& source, const std::int64_t& destination,
@@ -45,7 +52,12 @@ public:
     // for that destination; 25 if nothing was added.
     static std::uint32_t ClonePixelConverters(const std::int64_t& from, const std::int64_t& to);
     static bool HasConverter(const std::int64_t& source, const std::int64_t& destination);
-    // A reference whose address is null for an unregistered pair.
+    // A reference whose address is null for an unregistered pair. Test the
+    // pair with HasConverter first, or use the flat
+    // ZoPixelTypeFactory_GetConverter, which answers a plain null pointer:
+    // compilers assume that no reference has a null address, so a program
+    // that compares `&GetConverter(s, d)` with null may never see the null,
+    // and calling through it crashes.
     static const ZoPixelConverter& GetConverter(const std::int64_t& source, const std::int64_t& destination);
     // index-th destination reachable from source, in ascending order.
     static bool EnumConverterFrom(std::uint32_t index, const std::int64_t& source, std::int64_t& destination);

@@ -6,6 +6,8 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev)
+# clang and its sanitizer and libFuzzer runtimes: the second compiler of CI.
+packages+=(clang libclang-rt-14-dev)
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
 

@@ -158,6 +158,12 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
         context.planeOffsets[0] = context.planeOffsets[1] = context.planeOffsets[2] = 0;
     }
     const std::uint32_t destinationLineBytes = context.destinationLineBytes;
+    if (height == 0) {
+        // Nothing to convert. The buffers of an empty area may be null, and
+        // offsetting a null pointer to the second field is undefined.
+        context.filter = nullptr;
+        return ZO_OK;
+    }
 
     auto pass = [&](const unsigned char* s, unsigned char* d, std::uint32_t step, std::uint32_t sourceAdvance,
                     std::uint32_t destinationAdvance) {

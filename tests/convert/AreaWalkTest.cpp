@@ -113,6 +113,14 @@ TEST(AreaWalk, InterlacedFieldsFillEvenThenOddLines)
     EXPECT_EQ(c.calls[0].context.flags, ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_GRBG);
     c.calls.clear();  // height 0: no field pass at all
     EXPECT_EQ(c.Convert(f.source.data(), 3, 5, f.destination.data(), 3, 6, 3, 0, 0, 5), ZO_OK);
+    // An empty area may come with null buffers: no field start is computed
+    // from them (offsetting a null pointer is undefined; the sanitizers stop).
+    for (std::uint32_t flags : {0u, ZO_FLAG_INVERT_DEINTERLACER}) {
+        EXPECT_EQ(c.Convert(nullptr, 3, 5, nullptr, 3, 6, 3, 0, flags, 5), ZO_OK);
+        EXPECT_EQ(ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8)
+                      .Convert(nullptr, 3, 5, nullptr, 3, 5, 3, 0, flags, 0),
+                  ZO_OK);
+    }
     EXPECT_TRUE(c.calls.empty());
 }
 

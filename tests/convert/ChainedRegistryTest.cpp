@@ -20,6 +20,7 @@
 #include "ZoRGBConverters.h"
 #include "ZoYUVConverters.h"
 #include "convert/ConvertTestSupport.h"
+#include "core/ObservedAddress.h"
 #if __has_include("ZoBayerConverters.h")
 #include "ZoBayerConverters.h"
 #define ZO_TEST_HAVE_BAYER 1
@@ -157,7 +158,7 @@ testing::Environment* const gSnapshot = testing::AddGlobalTestEnvironment(new Re
 
 const ZoPixelConverter* Registered(std::int64_t source, std::int64_t destination)
 {
-    return &ZoPixelTypeFactory::GetConverter(source, destination);
+    return ObservedAddress(ZoPixelTypeFactory::GetConverter(source, destination));
 }
 
 // The exact class of a converter, compared by its type name.

@@ -9,6 +9,7 @@
 #include "ZoImgLibC.h"
 #include "ZoPixelTypeFactory.h"
 #include "convert/ConvertTestSupport.h"
+#include "core/ObservedAddress.h"
 
 using zotest::FilterStage;
 using zotest::FreshTestId;
@@ -118,7 +119,7 @@ TEST(IdentityConverter, DeinterlacesTwoFields)
                  {ZO_PT_YUV8 | ZO_PIXEL_INTERLACED, ZO_PT_YUV8, 2}};
     for (const auto& p : pairs) {
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(p.source, p.destination);
-        ASSERT_NE(&c, nullptr);
+        ASSERT_NE(ObservedAddress(c), nullptr);
         for (std::uint32_t width : {1u, 3u, 7u, 33u})
             for (std::uint32_t height : {2u, 4u, 5u, 6u})
                 for (bool invert : {false, true}) {

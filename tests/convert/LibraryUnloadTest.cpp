@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "ZoPixelTypeIDs.h"
+#include "ZoImgLibC.h"
 
 #ifndef ZO_LIBRARY_FILE
 #define ZO_LIBRARY_FILE "libZoImgLib64.so"
@@ -18,16 +18,16 @@
 
 namespace {
 
-struct ZoPixelConverter;
-struct ZoRGBFilter;
-using HasConverterFn = bool (*)(int64_t, int64_t);
-using GetConverterFn = const ZoPixelConverter* (*)(int64_t, int64_t);
-using FilterInitFn = ZoRGBFilter* (*)(uint32_t);
-using FilterDestroyFn = void (*)(ZoRGBFilter*);
-using FilterSetFn = uint32_t (*)(ZoRGBFilter*, double, double, double, uint16_t, uint16_t, uint16_t);
-using ConvertAreaFilterFn = uint32_t (*)(const ZoPixelConverter*, const ZoRGBFilter*, const unsigned char*, uint32_t,
-                                         uint32_t, unsigned char*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t,
-                                         uint32_t);
+// The types of the functions looked up, taken from their declarations: a
+// call through a pointer of any other type (even one naming look-alike
+// handle structs) is undefined, and UndefinedBehaviorSanitizer's function
+// check stops on it.
+using HasConverterFn = decltype(&ZoPixelTypeFactory_HasConverter);
+using GetConverterFn = decltype(&ZoPixelTypeFactory_GetConverter);
+using FilterInitFn = decltype(&ZoRGBFilter_Init);
+using FilterDestroyFn = decltype(&ZoRGBFilter_Destroy);
+using FilterSetFn = decltype(&ZoRGBFilter_SetMultipliers);
+using ConvertAreaFilterFn = decltype(&ZoPixelConverter_ConvertAreaFilter);
 
 template <class F>
 F Symbol(void* library, const char* name)

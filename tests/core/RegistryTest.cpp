@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "ZoGenericConverters.h"
+#include "ZoImgLibC.h"
 #include "ZoPixelTypeFactory.h"
+#include "core/ObservedAddress.h"
 
 namespace {
 
@@ -18,7 +20,7 @@ std::int64_t TestId(std::int64_t low) { return kTestSpace | low; }
 
 const ZoPixelConverter* Registered(std::int64_t source, std::int64_t destination)
 {
-    return &ZoPixelTypeFactory::GetConverter(source, destination);
+    return ObservedAddress(ZoPixelTypeFactory::GetConverter(source, destination));
 }
 
 TEST(RegistryTypes, DuplicateRegistrationKeepsTheFirstTypeAndName)
@@ -40,7 +42,7 @@ TEST(RegistryTypes, UnknownIdsAreNamedAndRecordedUntilRegistered)
 {
     const std::int64_t id = TestId(0x00220044);
     EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(id));
-    EXPECT_EQ(&ZoPixelTypeFactory::GetPixelType(id), nullptr);
+    EXPECT_EQ(ObservedAddress(ZoPixelTypeFactory::GetPixelType(id)), nullptr);
     EXPECT_EQ(ZoPixelTypeFactory::CreatePixelType(id), nullptr);
 
     const char* first = ZoPixelTypeFactory::GetPixelTypeName(id);
@@ -61,7 +63,7 @@ TEST(RegistryTypes, KeysTheCloneByTheGivenIdAndNamesItFromThatId)
     ASSERT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, nullptr), 0u);
     EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "Bayer RGB 10-bits, Packed, Dual Left+Right output");
     const ZoPixelType& stored = ZoPixelTypeFactory::GetPixelType(id);
-    ASSERT_NE(&stored, nullptr);
+    ASSERT_NE(ObservedAddress(stored), nullptr);
     EXPECT_NE(&stored, static_cast<const ZoPixelType*>(&type));
     EXPECT_EQ(stored.GetTypeID(), own);
     EXPECT_TRUE(stored.IsBayerPattern());
@@ -83,8 +85,11 @@ TEST(RegistryTypes, PixelTypeConverterLookupsGoThroughTheRegistry)
     EXPECT_EQ(&gray.GetConverterFrom(registeredGray), Registered(ZO_PT_GRAY8, ZO_PT_GRAY8));
     // Nothing converts to 48-bit RGB from 8-bit gray: a null reference.
     EXPECT_FALSE(gray.HasConverterTo(rgb48));
-    EXPECT_EQ(&gray.GetConverterTo(rgb48), nullptr);
-    EXPECT_EQ(&rgb48.GetConverterFrom(gray), nullptr);
+    EXPECT_EQ(ObservedAddress(gray.GetConverterTo(rgb48)), nullptr);
+    EXPECT_EQ(ObservedAddress(rgb48.GetConverterFrom(gray)), nullptr);
+    // The flat interface answers the same with a plain null pointer.
+    EXPECT_EQ(ZoPixelType_GetConverterTo(&gray, &rgb48), nullptr);
+    EXPECT_EQ(ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8, ZO_PT_RGB48), nullptr);
 }
 
 TEST(RegistryConverters, FirstConstructedWinsAndRegistrationNeedsNoTypes)

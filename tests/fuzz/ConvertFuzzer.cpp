@@ -1,0 +1,98 @@
+// Fuzzes area conversions through the flat interface: any registered pair,
+// areas up to 64 x 16 inside frames a little larger, any flags, destination
+// padding, with or without a filter (random multipliers, offsets and single
+// entries), over random source bytes. Each buffer is allocated exactly as
+// large as the headers say the conversion may touch, so AddressSanitizer
+// reports any byte read or written beyond the documented rules.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "ZoImgLibC.h"
+#include "fuzz/FuzzBufferSizes.h"
+#include "fuzz/FuzzPairs.h"
+
+namespace {
+
+ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
+{
+    const std::uint32_t bitSizes[] = {8, 10, 12, 16};
+    ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray(bitSizes));
+    if (!filter)
+        std::abort();
+    const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0);
+    const double green = in.ConsumeFloatingPointInRange(0.0, 4.0);
+    const double blue = in.ConsumeFloatingPointInRange(0.0, 4.0);
+    const std::uint32_t r = ZoRGBFilter_SetMultipliers(filter, red, green, blue, in.ConsumeIntegral<std::uint16_t>(),
+                                                       in.ConsumeIntegral<std::uint16_t>(),
+                                                       in.ConsumeIntegral<std::uint16_t>());
+    if (r != (red < 0 ? ZO_ERR_BAD_ARGUMENT : ZO_OK))
+        std::abort();
+    const std::uint32_t entries = ZoRGBFilter_GetEntryCount(filter);
+    for (int writes = in.ConsumeIntegralInRange(0, 8); writes > 0; --writes) {
+        const std::uint32_t index = in.ConsumeIntegralInRange<std::uint32_t>(0, 2 * entries);
+        const std::uint16_t value = in.ConsumeIntegral<std::uint16_t>();
+        const std::uint32_t expected = index < entries && value < entries ? ZO_OK : ZO_ERR_BAD_ARGUMENT;
+        std::uint32_t result = 0;
+        switch (in.ConsumeIntegralInRange(0, 2)) {
+        case 0: result = ZoRGBFilter_SetRedValue(filter, index, value); break;
+        case 1: result = ZoRGBFilter_SetGreenValue(filter, index, value); break;
+        default: result = ZoRGBFilter_SetBlueValue(filter, index, value); break;
+        }
+        if (result != expected)
+            std::abort();
+    }
+    return filter;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
+    FuzzedDataProvider in(data, size);
+    const zofuzz::Pair& pair = pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)];
+    const std::uint32_t width = in.ConsumeIntegralInRange<std::uint32_t>(0, 64);
+    const std::uint32_t height = in.ConsumeIntegralInRange<std::uint32_t>(0, 16);
+    const std::uint32_t sourceWidth = width + in.ConsumeIntegralInRange<std::uint32_t>(0, 3);
+    const std::uint32_t sourceHeight = height + in.ConsumeIntegralInRange<std::uint32_t>(0, 3);
+    const std::uint32_t destinationWidth = width + in.ConsumeIntegralInRange<std::uint32_t>(0, 3);
+    const std::uint32_t destinationHeight = height + in.ConsumeIntegralInRange<std::uint32_t>(0, 3);
+    const std::uint32_t flags = in.ConsumeIntegral<std::uint16_t>();
+    const std::uint32_t padding = in.ConsumeIntegralInRange<std::uint32_t>(0, 7);
+    ZoRGBFilter* filter = in.ConsumeBool() ? MakeFilter(in) : nullptr;
+    const bool plainForm = !filter && in.ConsumeBool();  // ConvertArea rather than a null filter
+
+    const ZoPixelConverter* converter = pair.converter;
+    const zofuzz::AreaSizes sizes = zofuzz::AreaBufferSizes(*converter, sourceWidth, sourceHeight, destinationWidth,
+                                                            destinationHeight, width, height, flags, padding);
+    // Separate exact allocations: a byte beyond either is a redzone. new[]
+    // gives a distinct pointer even for 0 bytes, as callers' buffers are.
+    const std::unique_ptr<unsigned char[]> source(new unsigned char[sizes.source]);
+    const std::vector<std::uint8_t> bytes = in.ConsumeRemainingBytes<std::uint8_t>();
+    for (std::uint64_t i = 0; i < sizes.source; ++i)
+        source[i] = bytes.empty() ? static_cast<unsigned char>(i * 13) : bytes[i % bytes.size()];
+    const std::uint64_t destinationBytes = sizes.destinationBefore + sizes.destination;
+    const std::unique_ptr<unsigned char[]> destination(new unsigned char[destinationBytes]);
+    std::memset(destination.get(), 0xA5, destinationBytes);
+
+    unsigned char* const out = destination.get() + sizes.destinationBefore;
+    const std::uint32_t result =
+        plainForm ? ZoPixelConverter_ConvertArea(converter, source.get(), sourceWidth, sourceHeight, out,
+                                                 destinationWidth, destinationHeight, width, height, flags, padding)
+                  : ZoPixelConverter_ConvertAreaFilter(converter, filter, source.get(), sourceWidth, sourceHeight,
+                                                       out, destinationWidth, destinationHeight, width, height,
+                                                       flags, padding);
+    ZoRGBFilter_Destroy(filter);
+    if (result != ZO_OK) {
+        std::fprintf(stderr, "0x%llx -> 0x%llx answered %u\n", static_cast<unsigned long long>(pair.source),
+                     static_cast<unsigned long long>(pair.destination), result);
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,291 @@
+// Fuzzes every flat function that converts no pixels with hostile arguments:
+// null handles, huge indices, random IDs and attribute sets, huge sizes,
+// out-of-range and non-finite filter values. The conversion functions are
+// called with null converters only (buffers are the conversion fuzzer's
+// business). Each input is a sequence of operations on a few live handles,
+// all released at the end, so LeakSanitizer sees what the library keeps.
+//
+// What the headers ask of callers is respected: 16-bit filter entries are
+// read below max(entry count, 65536); filters of 2^17 to 2^31 entries (up
+// to gigabytes of tables, filled entry by entry) are not created, to keep
+// runs fast and small; names of unknown IDs are asked
+// from a bounded pool, since the library records every unknown ID it is asked
+// to name.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "ZoImgLibC.h"
+#include "fuzz/FuzzPairs.h"
+
+namespace {
+
+void Check(bool ok)
+{
+    if (!ok)
+        std::abort();
+}
+
+std::int64_t AnyId(FuzzedDataProvider& in)
+{
+    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
+    switch (in.ConsumeIntegralInRange(0, 3)) {
+    case 0: {
+        const zofuzz::Pair& p = pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)];
+        return in.ConsumeBool() ? p.source : p.destination;
+    }
+    case 1: {
+        const std::int64_t extremes[] = {0, -1, 1, std::numeric_limits<std::int64_t>::min(),
+                                         std::numeric_limits<std::int64_t>::max(), 0xFFFFFFFFLL, 0x100000000LL,
+                                         ZO_PIXEL_TAP_MASK, 0x7FFFFFFF};
+        return in.PickValueInArray(extremes);
+    }
+    case 2:  // a registered ID with random attribute bits flipped
+        return pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)].source ^
+               (std::int64_t(in.ConsumeIntegral<std::uint32_t>()) & 0x1FF00000);
+    default:
+        return in.ConsumeIntegral<std::int64_t>();
+    }
+}
+
+// IDs whose names may be asked: registered ones, or one of 4096 others.
+std::int64_t NameableId(FuzzedDataProvider& in)
+{
+    const std::int64_t id = AnyId(in);
+    if (ZoPixelTypeFactory_HasPixelType(id))
+        return id;
+    return 0x7A5A000000000000LL | (id & 0xFFF);
+}
+
+std::uint32_t AnyCount(FuzzedDataProvider& in)
+{
+    const std::uint32_t extremes[] = {0, 1, 2, 3, 255, 256, 65535, 65536, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    return in.ConsumeBool() ? in.PickValueInArray(extremes) : in.ConsumeIntegral<std::uint32_t>();
+}
+
+double AnyMultiplier(FuzzedDataProvider& in)
+{
+    const double extremes[] = {0.0, -0.0, 1.0, -1.0, 1e300, -1e300, std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity(),
+                               std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::denorm_min()};
+    return in.ConsumeBool() ? in.PickValueInArray(extremes) : in.ConsumeFloatingPoint<double>();
+}
+
+// 0 to 16 bits, or a size whose tables cannot exist (no filter is made).
+std::uint32_t FilterBitSize(FuzzedDataProvider& in)
+{
+    const std::uint32_t huge[] = {32, 33, 40, 63, 64, 1024, 0x7FFFFFFF, 0xFFFFFFFF};
+    return in.ConsumeIntegralInRange(0, 3) == 0 ? in.PickValueInArray(huge)
+                                                : in.ConsumeIntegralInRange<std::uint32_t>(0, 16);
+}
+
+constexpr int kSlots = 4;
+
+struct Handles {
+    ZoPixelType* types[kSlots] = {};
+    ZoRGBFilter* filters[kSlots] = {};
+    ~Handles()
+    {
+        for (ZoPixelType* t : types)
+            ZoPixelType_Destroy(t);
+        for (ZoRGBFilter* f : filters)
+            ZoRGBFilter_Destroy(f);
+    }
+};
+
+void TypeOperation(FuzzedDataProvider& in, Handles& h)
+{
+    ZoPixelType*& slot = h.types[in.ConsumeIntegralInRange(0, kSlots - 1)];
+    ZoPixelType* other = in.ConsumeBool() ? h.types[in.ConsumeIntegralInRange(0, kSlots - 1)] : nullptr;
+    switch (in.ConsumeIntegralInRange(0, 9)) {
+    case 0: {
+        const std::int64_t id = AnyId(in);
+        ZoPixelType* created = ZoPixelTypeFactory_CreatePixelType(id);
+        Check((created != nullptr) == ZoPixelTypeFactory_HasPixelType(id));
+        ZoPixelType_Destroy(slot);
+        slot = created;
+        break;
+    }
+    case 1: {
+        ZoPixelType* created = ZoPixelTypeFactory_CreatePixelType2(
+            AnyCount(in) % 2 ? in.ConsumeIntegralInRange<std::uint32_t>(0, 72) : AnyCount(in),
+            in.ConsumeBool() ? std::int64_t(0x10000) << in.ConsumeIntegralInRange(0, 2) : AnyId(in),
+            in.ConsumeIntegral<std::int32_t>(), in.ConsumeIntegral<std::int32_t>(), in.ConsumeIntegral<std::int32_t>(),
+            in.ConsumeIntegral<std::int32_t>(), in.ConsumeBool() ? 0 : AnyId(in) & ZO_PIXEL_TAP_MASK,
+            in.ConsumeIntegral<std::int32_t>(), AnyCount(in) % 8);
+        ZoPixelType_Destroy(slot);
+        slot = created;
+        break;
+    }
+    case 2: {
+        ZoPixelType* copy = ZoPixelType_Clone(other);
+        Check((copy != nullptr) == (other != nullptr));
+        if (copy)
+            Check(ZoPixelType_GetTypeID(copy) == ZoPixelType_GetTypeID(other));
+        ZoPixelType_Destroy(slot);
+        slot = copy;
+        break;
+    }
+    case 3:
+        ZoPixelType_Destroy(slot);
+        slot = nullptr;
+        break;
+    case 4:
+        Check(slot || ZoPixelType_GetTypeID(slot) == ZO_NO_PIXEL_TYPE_ID);
+        Check(slot || (ZoPixelType_GetPixelBitSize(slot) == 0 && ZoPixelType_GetPixelByteSize(slot) == 0 &&
+                       !ZoPixelType_IsBayerPattern(slot)));
+        break;
+    case 5:
+        ZoPixelType_GetBufferSizeFor(slot, AnyCount(in), AnyCount(in));
+        break;
+    case 6: {
+        const bool to = ZoPixelType_HasConverterTo(slot, other);
+        Check(to == (ZoPixelType_GetConverterTo(slot, other) != nullptr));
+        Check(ZoPixelType_HasConverterFrom(other, slot) == to);
+        Check((ZoPixelType_GetConverterFrom(other, slot) != nullptr) == to);
+        break;
+    }
+    case 7:
+        if (slot)
+            Check(ZoPixelTypeFactory_GetPixelTypeName(ZoPixelType_GetTypeID(slot)) != nullptr);
+        break;
+    case 8: {
+        const std::int64_t id = NameableId(in);
+        const char* name = ZoPixelTypeFactory_GetPixelTypeName(id);
+        Check(name != nullptr && std::strlen(name) < 4096);
+        break;
+    }
+    default:
+        ZoPixelTypeFactory_HasPixelType(AnyId(in));
+        break;
+    }
+}
+
+void RegistryOperation(FuzzedDataProvider& in)
+{
+    const std::int64_t source = AnyId(in), destination = AnyId(in);
+    switch (in.ConsumeIntegralInRange(0, 3)) {
+    case 0: {
+        const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(source, destination);
+        Check((c != nullptr) == ZoPixelTypeFactory_HasConverter(source, destination));
+        if (c) {
+            const std::uint32_t n = AnyCount(in);
+            ZoPixelConverter_GetSourceByteSize(c, n);  // 32-bit products, wrapping
+            ZoPixelConverter_GetDestinationByteSize(c, n);
+            ZoPixelConverter_GetSourceType(c);
+        }
+        break;
+    }
+    case 1: {
+        std::int64_t out = 0x5A5A;
+        const std::uint32_t index = AnyCount(in);
+        if (ZoPixelTypeFactory_EnumConverterFrom(index, source, &out))
+            Check(ZoPixelTypeFactory_HasConverter(source, out));
+        Check(!ZoPixelTypeFactory_EnumConverterFrom(index, source, nullptr));
+        break;
+    }
+    case 2: {
+        std::int64_t out = 0x5A5A;
+        const std::uint32_t index = AnyCount(in);
+        if (ZoPixelTypeFactory_EnumConverterTo(index, destination, &out))
+            Check(ZoPixelTypeFactory_HasConverter(out, destination));
+        Check(!ZoPixelTypeFactory_EnumConverterTo(index, destination, nullptr));
+        break;
+    }
+    default: {
+        // Null converters everywhere, buffers included: nothing is touched.
+        unsigned char byte = 0;
+        const std::uint32_t n = AnyCount(in);
+        Check(ZoPixelConverter_GetSourceType(nullptr) == 0 && ZoPixelConverter_GetDestinationType(nullptr) == 0);
+        Check(ZoPixelConverter_GetSourceByteSize(nullptr, n) == 0 &&
+              ZoPixelConverter_GetDestinationByteSize(nullptr, n) == 0);
+        Check(ZoPixelConverter_ConvertPixel(nullptr, &byte, &byte) == ZO_ERR_BAD_ARGUMENT);
+        Check(ZoPixelConverter_ConvertLine(nullptr, nullptr, nullptr, n) == ZO_ERR_BAD_ARGUMENT);
+        Check(ZoPixelConverter_ConvertArea(nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n) ==
+              ZO_ERR_BAD_ARGUMENT);
+        Check(ZoPixelConverter_ConvertAreaFilter(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n) ==
+              ZO_ERR_BAD_ARGUMENT);
+        break;
+    }
+    }
+}
+
+void FilterOperation(FuzzedDataProvider& in, Handles& h)
+{
+    ZoRGBFilter*& slot = h.filters[in.ConsumeIntegralInRange(0, kSlots - 1)];
+    const std::uint32_t entries = ZoRGBFilter_GetEntryCount(slot);
+    switch (in.ConsumeIntegralInRange(0, 5)) {
+    case 0: {
+        const std::uint32_t bits = FilterBitSize(in);
+        ZoRGBFilter* created = ZoRGBFilter_Init(bits);
+        Check(bits >= 32 ? created == nullptr : created != nullptr);
+        if (created)
+            Check(ZoRGBFilter_GetBitSize(created) == bits && ZoRGBFilter_GetEntryCount(created) == 1u << bits);
+        ZoRGBFilter_Destroy(slot);
+        slot = created;
+        break;
+    }
+    case 1:
+        ZoRGBFilter_Destroy(slot);
+        slot = nullptr;
+        break;
+    case 2: {
+        const double r = AnyMultiplier(in), g = AnyMultiplier(in), b = AnyMultiplier(in);
+        const std::uint32_t result = ZoRGBFilter_SetMultipliers(slot, r, g, b, in.ConsumeIntegral<std::uint16_t>(),
+                                                                in.ConsumeIntegral<std::uint16_t>(),
+                                                                in.ConsumeIntegral<std::uint16_t>());
+        Check(result == (slot && r >= 0 && g >= 0 && b >= 0 ? ZO_OK : ZO_ERR_BAD_ARGUMENT));
+        break;
+    }
+    case 3: {
+        const std::uint32_t index = AnyCount(in);
+        const std::uint16_t value = in.ConsumeIntegral<std::uint16_t>();
+        const std::uint32_t expected = slot && index < entries && value < entries ? ZO_OK : ZO_ERR_BAD_ARGUMENT;
+        Check(ZoRGBFilter_SetRedValue(slot, index, value) == expected);
+        Check(ZoRGBFilter_SetGreenValue(slot, index, value) == expected);
+        Check(ZoRGBFilter_SetBlueValue(slot, index, value) == expected);
+        if (expected == ZO_OK && index < 65536)
+            Check(ZoRGBFilter_GetGreenValue16(slot, index) == value);
+        break;
+    }
+    case 4: {
+        const std::uint32_t index = AnyCount(in);
+        const std::uint8_t red = ZoRGBFilter_GetRedValue8(slot, index);
+        Check(red == ZoRGBFilter_GetRedValue8(slot, index & 0xFF));
+        ZoRGBFilter_GetGreenValue8(slot, index);
+        ZoRGBFilter_GetBlueValue8(slot, index);
+        break;
+    }
+    default: {
+        const std::uint32_t limit = std::max<std::uint32_t>(entries, 65536);
+        const std::uint32_t index = in.ConsumeIntegralInRange<std::uint32_t>(0, limit - 1);
+        const std::uint16_t red = ZoRGBFilter_GetRedValue16(slot, index);
+        ZoRGBFilter_GetGreenValue16(slot, index);
+        ZoRGBFilter_GetBlueValue16(slot, index);
+        if (index < 256)  // the 8-bit entry is the 16-bit one clamped
+            Check(ZoRGBFilter_GetRedValue8(slot, index) == std::min<std::uint16_t>(red, 255));
+        break;
+    }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    FuzzedDataProvider in(data, size);
+    Handles handles;
+    for (int steps = 0; steps < 64 && in.remaining_bytes() > 0; ++steps) {
+        switch (in.ConsumeIntegralInRange(0, 2)) {
+        case 0: TypeOperation(in, handles); break;
+        case 1: RegistryOperation(in); break;
+        default: FilterOperation(in, handles); break;
+        }
+    }
+    return 0;
+}
