@@ -280,7 +280,7 @@ class _Converter:
     computed once per pair."""
 
     __slots__ = ("handle", "source", "destination", "source_name", "destination_name", "source_pixel_bytes",
-                 "source_pair_bytes", "destination_pixel_bytes", "bayer_source", "interlaced_source", "layout")
+                 "source_pair_bytes", "destination_pixel_bytes", "bayer_source", "interlaced_source", "layout", "filter_bits")
 
     def __init__(self, handle, source, destination):
         lib = _lib()
@@ -291,6 +291,13 @@ class _Converter:
         self.destination_pixel_bytes = lib.ZoPixelConverter_GetDestinationByteSize(handle, 1)
         info = _describe_type(source) if lib.ZoPixelTypeFactory_HasPixelType(source) else None
         self.bayer_source = bool(info and info.bayer)
+        # Sources of 8-bit samples (one byte a pixel, 8-bit RGB and YUV) read
+        # a filter's first 256 entries; any other reads the 16-bit tables
+        # with raw 16-bit samples, which a smaller filter would not hold.
+        eight_bit = info is not None and (info.bytes == 1 or info.bits == 8 or (
+            not info.bayer and info.bits == 8 * info.bytes and info.bytes in (3, 4))
+            or (source & COLORSPACE_MASK == COLORSPACE_YUV and (info.bits, info.bytes) == (16, 2)))
+        self.filter_bits = 8 if eight_bit else 16
         self.interlaced_source = bool(source & INTERLACED)
         self.layout = _destination_layout(destination, self.destination_pixel_bytes)
 
@@ -421,6 +428,28 @@ class Filter:
 
 
 # ---- Conversion -------------------------------------------------------------
+
+_gains_filters = collections.OrderedDict()
+_gains_lock = threading.Lock()
+
+
+def _gains_filter(bits, red, green, blue):
+    """A filter for gains=, kept for the next frames with the same gains
+    (filling 16-bit tables takes longer than converting a small frame).
+    Conversions only read a filter, so threads may share one."""
+    key = (bits, red, green, blue)
+    with _gains_lock:
+        found = _gains_filters.get(key)
+        if found is not None:
+            _gains_filters.move_to_end(key)
+            return found
+    found = Filter(bits).set_multipliers(red, green, blue)
+    with _gains_lock:
+        _gains_filters[key] = found
+        while len(_gains_filters) > 8:
+            _gains_filters.popitem(last=False)
+    return found
+
 
 def _frame_bytes(frame):
     """The frame as a flat C-contiguous uint8 array, and its 2-D/3-D shape."""
@@ -599,14 +628,13 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
             red, green, blue = (float(g) for g in gains)
         except (TypeError, ValueError):
             raise ValueError("gains are three numbers (red, green, blue), not %r" % (gains,)) from None
-        filter = Filter(8 if conv.source_pixel_bytes == 1 else 16).set_multipliers(red, green, blue)
+        filter = _gains_filter(8 if conv.source_pixel_bytes == 1 else 16, red, green, blue)
     if filter is not None:
         if not isinstance(filter, Filter):
             raise TypeError("filter is a zoimglib.Filter, not %s" % type(filter).__name__)
-        needed = 8 if conv.source_pixel_bytes == 1 else 16
-        if filter.bits < needed:
+        if filter.bits < conv.filter_bits:
             raise ValueError("a %s source reads %d-bit filter tables: give Filter(%d), not Filter(%d)"
-                             % (conv.source_name, needed, needed, filter.bits))
+                             % (conv.source_name, conv.filter_bits, conv.filter_bits, filter.bits))
         filt = filter._handle
 
     total = sizes.destinationBytesBefore + sizes.destinationBytes
