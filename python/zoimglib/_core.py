@@ -182,6 +182,15 @@ def _unknown_type(spec, role, reason=None):
                       % (role, spec, (" (%s)" % reason) if reason else "", _available_types_text()))
 
 
+def _lookup(spec, role):
+    """resolve_type() through its cache first."""
+    try:
+        found = _resolved.get((spec, role)) if spec.__class__ is not bool else None
+    except TypeError:  # unhashable: resolve_type() says what it should be
+        found = None
+    return found or resolve_type(spec, role)
+
+
 def _known_id(type_id):
     """A registered type, or an ID some converter converts from or to."""
     lib = _lib()
@@ -198,15 +207,16 @@ def resolve_type(spec, role="source"):
     GenICam PFNC name ("BayerRG12p", "Mono8"), whose Bayer names imply their
     pattern. A name is tried in that order, so "RGB16" is the core's 5-6-5
     type; "PFNC:RGB16" asks for the PFNC meaning only."""
-    key = (spec, role) if isinstance(spec, str) else None
-    if key is not None and key in _resolved:
-        return _resolved[key]
     if isinstance(spec, bool) or not isinstance(spec, (int, np.integer, str)):
         raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(spec).__name__))
+    key = (spec, role)
+    if key in _resolved:
+        return _resolved[key]
     if not isinstance(spec, str):
         type_id = int(spec)
         if not -(1 << 63) <= type_id < (1 << 63) or not _known_id(type_id):
             raise _unknown_type(spec, role)
+        _resolved[key] = (type_id, 0)
         return type_id, 0
     text = spec.strip()
     pfnc_only = text.lower().startswith("pfnc:")
@@ -586,44 +596,35 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     without converter (listing the source's destinations), or a frame whose
     size does not match (naming both sizes); TypeError for arguments of the
     wrong kind."""
-    lib = _lib()
-    source_id, implied = resolve_type(source, "source")
-    destination_id, _ = resolve_type(destination, "destination")
-    conv = _converter(source_id, destination_id)
-    flags = _pattern_flags(pattern, implied)
-    if interpolate and conv.bayer_source:
-        flags |= FLAG_BAYER_INTERPOLATE
+    source_id, implied = _lookup(source, "source")
+    destination_id, _ = _lookup(destination, "destination")
+    flags = _pattern_flags(pattern, implied) if pattern is not None else implied
     if invert_deinterlacer:
         flags |= FLAG_INVERT_DEINTERLACER
-    if isinstance(threads, bool) or not isinstance(threads, (int, np.integer)) or threads < 1:
+    if threads != 1 and (isinstance(threads, bool) or not isinstance(threads, (int, np.integer)) or threads < 1):
         raise ValueError("threads is a positive integer, not %r" % (threads,))
 
     flat, shape = _frame_bytes(frame)
-    width, height = _frame_size(conv, flat, shape, _dimension(width, "width"), _dimension(height, "height"))
-    source_line = lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width)
-    frame_bytes = source_line * height
-    if flat.size != frame_bytes or source_line == 0:
-        raise ValueError("the frame holds %d bytes, but a %d x %d frame of %s takes %d (%d a line)"
-                         % (flat.size, width, height, conv.source_name, frame_bytes, source_line))
-
-    sizes = _native.AreaBufferSizes()
-    code = lib.ZoPixelConverter_GetAreaBufferSizes(conv.handle, width, height, width, height, width, height, flags,
-                                                   0, ctypes.byref(sizes))
-    if code != OK:
-        raise ValueError("a %d x %d frame of %s is too large to convert (code %d)"
-                         % (width, height, conv.source_name, code))
-    line = lib.ZoPixelConverter_GetDestinationByteSize(conv.handle, width)
-    result_bytes = line * height
-    if sizes.sourceBytes > frame_bytes:  # the converter reads beyond the frame
-        padded = np.zeros(sizes.sourceBytes, np.uint8)
-        padded[:frame_bytes] = flat
+    width = None if width is None else _dimension(width, "width")
+    height = None if height is None else _dimension(height, "height")
+    key = (source_id, destination_id, flags, bool(interpolate), shape, flat.size, width, height)
+    plan = _plans.get(key)
+    if plan is None:
+        plan = _Plan(_converter(source_id, destination_id), flags, interpolate, flat, shape, width, height)
+        if len(_plans) >= 64:
+            _plans.clear()
+        _plans[key] = plan
+    conv = plan.conv
+    if plan.source_bytes > plan.frame_bytes:  # the converter reads beyond the frame
+        padded = np.zeros(plan.source_bytes, np.uint8)
+        padded[:plan.frame_bytes] = flat
         flat = padded
-    src = flat.__array_interface__["data"][0]
+    src = _address(flat)
 
     filt = None
-    if filter is not None and gains is not None:
-        raise ValueError("give gains= or filter=, not both")
     if gains is not None:
+        if filter is not None:
+            raise ValueError("give gains= or filter=, not both")
         try:
             red, green, blue = (float(g) for g in gains)
         except (TypeError, ValueError):
@@ -637,40 +638,81 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
                              % (conv.source_name, conv.filter_bits, conv.filter_bits, filter.bits))
         filt = filter._handle
 
-    total = sizes.destinationBytesBefore + sizes.destinationBytes
     copy_to = None
     if out is not None:
         if not isinstance(out, np.ndarray):
             raise TypeError("out is a numpy array, not %s" % type(out).__name__)
         if not out.flags.c_contiguous or not out.flags.writeable:
             raise ValueError("out must be a C-contiguous writable array")
-        if out.nbytes < result_bytes:
+        if out.nbytes < plan.result_bytes:
             raise ValueError("out holds %d bytes, but the %d x %d frame of %s takes %d"
-                             % (out.nbytes, width, height, conv.destination_name, result_bytes))
+                             % (out.nbytes, plan.width, plan.height, conv.destination_name, plan.result_bytes))
         out_bytes = out.reshape(-1).view(np.uint8)
-        if sizes.destinationBytesBefore == 0 and out.nbytes >= sizes.destinationBytes:
+        if plan.before == 0 and out.nbytes >= plan.total:
             buffer = out_bytes
         else:  # the converter writes around the frame: convert aside, then copy
-            buffer, copy_to = np.empty(total, np.uint8), out_bytes
+            buffer, copy_to = np.empty(plan.total, np.uint8), out_bytes
     else:
-        buffer = np.empty(total, np.uint8)
-    base = sizes.destinationBytesBefore
-    dst = buffer.__array_interface__["data"][0] + base
+        buffer = np.empty(plan.total, np.uint8)
+    dst = _address(buffer) + plan.before
 
-    if threads > 1 and height > 1 and lib.has("ZoPixelConverter_ConvertBand"):
-        code = _convert_bands(conv, filt, src, dst, width, height, flags, int(threads))
+    lib = _lib()
+    w, h, flags = plan.width, plan.height, plan.flags
+    if threads > 1 and h > 1 and lib.has("ZoPixelConverter_ConvertBand"):
+        code = _convert_bands(conv, filt, src, dst, w, h, flags, int(threads))
         if code == ERR_BAD_ARGUMENT:  # a band boundary this converter cannot split at: one pass
-            code = lib.ZoPixelConverter_ConvertAreaFilter(conv.handle, filt, src, width, height, dst, width, height,
-                                                          width, height, flags, 0)
+            code = lib.ZoPixelConverter_ConvertAreaFilter(conv.handle, filt, src, w, h, dst, w, h, w, h, flags, 0)
     else:
-        code = lib.ZoPixelConverter_ConvertAreaFilter(conv.handle, filt, src, width, height, dst, width, height,
-                                                      width, height, flags, 0)
+        code = lib.ZoPixelConverter_ConvertAreaFilter(conv.handle, filt, src, w, h, dst, w, h, w, h, flags, 0)
     if code != OK:
         raise RuntimeError("converting %s to %s failed with result code %d"
                            % (conv.source_name, conv.destination_name, code))
-    frame_view = buffer[base:base + result_bytes]
+    frame_view = buffer[plan.before:plan.before + plan.result_bytes]
     if copy_to is not None:
-        copy_to[:result_bytes] = frame_view
-        frame_view = copy_to[:result_bytes]
-    kind, dtype, _ = conv.layout
-    return frame_view.view(dtype).reshape(_shape(conv.layout, width, height, line))
+        copy_to[:plan.result_bytes] = frame_view
+        frame_view = copy_to[:plan.result_bytes]
+    return frame_view.view(plan.dtype).reshape(plan.shape)
+
+
+def _address(array):
+    """The address of a C-contiguous array's first byte (the cheap way for a
+    writable one)."""
+    if array.flags.writeable and array.size:
+        return ctypes.addressof(ctypes.c_char.from_buffer(array))
+    return array.__array_interface__["data"][0]
+
+
+_plans = {}
+
+
+class _Plan:
+    """Everything about one conversion that depends only on its types, flags
+    and frame geometry, checked and computed once."""
+
+    __slots__ = ("conv", "flags", "width", "height", "frame_bytes", "source_bytes", "before", "total",
+                 "result_bytes", "dtype", "shape")
+
+    def __init__(self, conv, flags, interpolate, flat, shape, width, height):
+        lib = _lib()
+        if interpolate and conv.bayer_source:
+            flags |= FLAG_BAYER_INTERPOLATE
+        width, height = _frame_size(conv, flat, shape, width, height)
+        source_line = lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width)
+        frame_bytes = source_line * height
+        if flat.size != frame_bytes or source_line == 0:
+            raise ValueError("the frame holds %d bytes, but a %d x %d frame of %s takes %d (%d a line)"
+                             % (flat.size, width, height, conv.source_name, frame_bytes, source_line))
+        sizes = _native.AreaBufferSizes()
+        code = lib.ZoPixelConverter_GetAreaBufferSizes(conv.handle, width, height, width, height, width, height,
+                                                       flags, 0, ctypes.byref(sizes))
+        if code != OK:
+            raise ValueError("a %d x %d frame of %s is too large to convert (code %d)"
+                             % (width, height, conv.source_name, code))
+        line = lib.ZoPixelConverter_GetDestinationByteSize(conv.handle, width)
+        self.conv, self.flags, self.width, self.height = conv, flags, width, height
+        self.frame_bytes, self.source_bytes = frame_bytes, sizes.sourceBytes
+        self.before = sizes.destinationBytesBefore
+        self.total = sizes.destinationBytesBefore + sizes.destinationBytes
+        self.result_bytes = line * height
+        self.dtype = conv.layout[1]
+        self.shape = _shape(conv.layout, width, height, line)
