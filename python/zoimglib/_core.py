@@ -169,16 +169,16 @@ _resolved = {}
 
 def _available_types_text():
     cat = _cat()
-    lines = ["core names: " + "; ".join("%s %s" % (hex_id(i), cat.info[i].name) for i in cat.types),
-             "class names: " + ", ".join(name for name, _ in _CLASS_IDS)]
+    lines = ["core names:"] + ["  %s  %s" % (hex_id(i), cat.info[i].name) for i in cat.types]
+    lines.append("class names: " + ", ".join(name for name, _ in _CLASS_IDS))
     pfnc = _pfnc_names()
     if pfnc:
         lines.append("PFNC names: " + ", ".join(pfnc))
-    return "\n  ".join(lines)
+    return "\n".join(lines)
 
 
 def _unknown_type(spec, role, reason=None):
-    return ValueError("unknown %s pixel type %r%s; known types are an ID (int), or\n  %s"
+    return ValueError("unknown %s pixel type %r%s; a type is an ID (int) or one of these names\n%s"
                       % (role, spec, (" (%s)" % reason) if reason else "", _available_types_text()))
 
 
