@@ -599,6 +599,7 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     source_id, implied = _lookup(source, "source")
     destination_id, _ = _lookup(destination, "destination")
     flags = _pattern_flags(pattern, implied) if pattern is not None else implied
+    explicit_pattern = pattern is not None
     if invert_deinterlacer:
         flags |= FLAG_INVERT_DEINTERLACER
     if threads != 1 and (isinstance(threads, bool) or not isinstance(threads, (int, np.integer)) or threads < 1):
@@ -610,7 +611,10 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     key = (source_id, destination_id, flags, bool(interpolate), shape, flat.size, width, height)
     plan = _plans.get(key)
     if plan is None:
-        plan = _Plan(_converter(source_id, destination_id), flags, interpolate, flat, shape, width, height)
+        conv = _converter(source_id, destination_id)
+        if explicit_pattern and not conv.bayer_source:
+            raise ValueError("pattern= is for Bayer sources; %s is none" % conv.source_name)
+        plan = _Plan(conv, flags, interpolate, flat, shape, width, height)
         if len(_plans) >= 64:
             _plans.clear()
         _plans[key] = plan

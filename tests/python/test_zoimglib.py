@@ -183,6 +183,7 @@ BAYER12 = np.zeros((4, 6), np.uint16)
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", height=2 ** 32), ValueError, ["height"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", threads=0), ValueError, ["threads"]),
     (lambda: zo.convert(BAYER12, "BayerRGB12", "RGB24", pattern="RGBG"), ValueError, ["RGGB"]),
+    (lambda: zo.convert(GRAY, "Gray8", "RGB24", pattern="RGGB"), ValueError, ["Bayer sources"]),
     (lambda: zo.convert(BAYER12, "BayerRGB12", "RGB24", gains=(1, 2)), ValueError, ["three numbers"]),
     (lambda: zo.convert(BAYER12, "BayerRGB12", "RGB24", gains=(1, -2, 1)), ValueError, ["non-negative"]),
     (lambda: zo.convert(BAYER12, "BayerRGB12", "RGB24", gains=(1, 1, 1), filter=zo.Filter(16)), ValueError,
