@@ -500,8 +500,8 @@ def _frame_size(conv, flat, shape, width, height):
         line = nbytes // height
         width = 2 * line // conv.source_pair_bytes
         if width == 0 or width > _U32_MAX or lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width) != line:
-            raise ValueError("a line of %d bytes is no whole number of %s pixels; give width="
-                             % (line, conv.source_name))
+            raise ValueError("a line of %d bytes is no whole number of %s pixels (%d bytes for two); give "
+                             "width=%s" % (line, conv.source_name, conv.source_pair_bytes, _source_hint(conv)))
     if height is None:
         line = lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width)
         if line == 0 or nbytes % line:
@@ -511,6 +511,15 @@ def _frame_size(conv, flat, shape, width, height):
     if not 0 < width <= _U32_MAX or not 0 < height <= _U32_MAX:
         raise ValueError("a frame of %d x %d pixels cannot be converted" % (width, height))
     return width, height
+
+
+def _source_hint(conv):
+    # The core's converters read unpacked "RGB 24-bits" as four bytes a
+    # pixel (deliberately); numpy's (h, w, 3) frames are the packed type.
+    if conv.source == 0x00020002:
+        return ("; the converters read 'RGB 24-bits' as four bytes a pixel: a frame of three bytes a pixel "
+                "is 'RGB 24-bits, Packed' (PFNC 'RGB8')")
+    return ""
 
 
 def _pattern_flags(pattern, implied):
@@ -704,8 +713,9 @@ class _Plan:
         source_line = lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width)
         frame_bytes = source_line * height
         if flat.size != frame_bytes or source_line == 0:
-            raise ValueError("the frame holds %d bytes, but a %d x %d frame of %s takes %d (%d a line)"
-                             % (flat.size, width, height, conv.source_name, frame_bytes, source_line))
+            raise ValueError("the frame holds %d bytes, but a %d x %d frame of %s takes %d (%d a line)%s"
+                             % (flat.size, width, height, conv.source_name, frame_bytes, source_line,
+                                _source_hint(conv)))
         sizes = _native.AreaBufferSizes()
         code = lib.ZoPixelConverter_GetAreaBufferSizes(conv.handle, width, height, width, height, width, height,
                                                        flags, 0, ctypes.byref(sizes))

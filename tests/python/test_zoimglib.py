@@ -92,8 +92,11 @@ def pack12(samples):
 def test_pfnc_names_resolve_and_imply_the_bayer_pattern():
     assert zo.resolve_type("Mono8") == (0x00010001, 0)
     assert zo.resolve_type("BayerRG12p") == (0x00420012, 0x40)
+    assert zo.resolve_type("RGB8") == (0x00420002, 0)
+    assert zo.resolve_type("YCbCr601_422_8") == (0x00040001, 0)
     assert zo.resolve_type("RGB16") == (0x00020001, 0)  # the core's 5-6-5 type wins...
-    assert zo.resolve_type("PFNC:RGB16")[0] != 0x00020001  # ...unless PFNC is asked for
+    with pytest.raises(ValueError, match="PFNC:RGB16.*without an exact counterpart"):
+        zo.resolve_type("PFNC:RGB16")  # ...unless PFNC is asked for
     samples = RNG.integers(0, 4096, (8, 12), dtype=np.uint16)
     packed = pack12(samples)
     assert packed.shape == (8, 18)
