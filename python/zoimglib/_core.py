@@ -252,7 +252,7 @@ def _resolve_pfnc(text, spec, role):
     code = lib.ZoPfnc_FromName(text.encode("utf-8", "replace"), ctypes.byref(type_id), ctypes.byref(flags))
     if code == ERR_NOT_SUPPORTED:
         raise ValueError("%s pixel type %r is a PFNC format without an exact counterpart in "
-                         "ZoImgLib; the PFNC formats it maps: %s"
+                         "ZoImgLib (docs/pfnc.md says why); the PFNC formats it maps: %s"
                          % (role, spec, ", ".join(_pfnc_names())))
     if code != OK:
         return None
