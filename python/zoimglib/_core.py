@@ -290,7 +290,7 @@ class _Converter:
     computed once per pair."""
 
     __slots__ = ("handle", "source", "destination", "source_name", "destination_name", "source_pixel_bytes",
-                 "source_pair_bytes", "destination_pixel_bytes", "bayer_source", "interlaced_source", "layout", "filter_bits")
+                 "source_pair_bytes", "destination_pixel_bytes", "bayer_source", "layout", "filter_bits")
 
     def __init__(self, handle, source, destination):
         lib = _lib()
@@ -308,7 +308,6 @@ class _Converter:
             not info.bayer and info.bits == 8 * info.bytes and info.bytes in (3, 4))
             or (source & COLORSPACE_MASK == COLORSPACE_YUV and (info.bits, info.bytes) == (16, 2)))
         self.filter_bits = 8 if eight_bit else 16
-        self.interlaced_source = bool(source & INTERLACED)
         self.layout = _destination_layout(destination, self.destination_pixel_bytes)
 
 
@@ -542,8 +541,7 @@ def _executor(workers):
     global _pool, _pool_size
     with _pool_lock:
         if _pool is None or _pool_size < workers:
-            if _pool is not None:
-                _pool.shutdown(wait=False)
+            # A smaller pool is left to finish what other threads gave it.
             _pool = concurrent.futures.ThreadPoolExecutor(max_workers=workers, thread_name_prefix="zoimglib")
             _pool_size = workers
         return _pool
@@ -560,10 +558,9 @@ def _bands(height, count, step):
 def _convert_bands(conv, filt, src, dst, width, height, flags, threads):
     lib = _lib()
     band = lib.ZoPixelConverter_ConvertBand
-    # Bands start where the converter's area walk starts a step: on even
-    # lines for replicating Bayer converters (two lines a step) and for
-    # interlaced sources (two fields).
-    step = 2 if (conv.bayer_source and not flags & FLAG_BAYER_INTERPOLATE) or conv.interlaced_source else 1
+    # Replicating Bayer demosaicing converts lines in pairs (2k, 2k + 1), so
+    # its bands start on even lines; any other converter splits anywhere.
+    step = 2 if conv.bayer_source and not flags & FLAG_BAYER_INTERPOLATE else 1
     bands = _bands(height, threads, step)
 
     def run(first_count):
