@@ -29,6 +29,8 @@ _SOURCE_ROOT = os.path.dirname(os.path.dirname(_PACKAGE_DIR))
 class LibraryNotFoundError(OSError):
     """libZoImgLib64 could not be loaded from any of the places tried."""
 
+    __module__ = "zoimglib"
+
 
 class _Handle(ctypes.c_void_p):
     """An opaque handle: a distinct type so that results keep their class."""
@@ -155,13 +157,19 @@ def find_and_load():
         places = [("%s=%s" % (ENV_VARIABLE, explicit), explicit)]
     else:
         places = [("beside the installed package: %s" % p, p) for p in _installed_candidates()]
-        places += [("in the build tree: %s" % p, p) for p in _build_tree_candidates()]
+        if os.path.exists(os.path.join(_SOURCE_ROOT, "CMakeLists.txt")):
+            places += [("in the build tree: %s" % p, p) for p in _build_tree_candidates()]
+        else:
+            places.append(("in the build tree (this package is not in a source tree)", None))
         system = [LIBRARY_FILE + ".1", LIBRARY_FILE]
         found = ctypes.util.find_library("ZoImgLib64")
         if found and found not in system:
             system.insert(0, found)
         places += [("through the system loader: %s" % p, p) for p in system]
     for description, path in places:
+        if path is None:
+            tried.append(description)
+            continue
         if os.path.sep in path and not os.path.exists(path):
             tried.append("%s (no such file)" % description)
             continue
