@@ -122,7 +122,7 @@ def test_core_ids_names_and_class_names(spec, expected):
     ("BayerRGB12", "RGB 24-bits, Planar", 31, 23, {"interpolate": False}),
     ("Bayer RGB 12-bits, Packed", "RGB24", 30, 33, {}),
     ("YUV8", "RGB24", 30, 17, {}),
-    ("Grayscale 10-bits, Interlaced", "Gray8", 11, 21, {}),
+    ("Grayscale 10-bits, Interlaced", "Gray8", 11, 21, {"invert_deinterlacer": True}),
     ("Grayscale 12-bits, Packed, Dual Left+Right output", "Gray16", 30, 9, {}),
     ("Gray12", "RGB 24-bits, Planar", 11, 9, {}),  # a chain
 ])
@@ -149,6 +149,13 @@ def test_gains_and_per_entry_tables_filter_in_the_same_pass():
     assert np.array_equal(gained[..., 2], rgb[..., 2] // 2)
     table = zo.Filter(16).set_multipliers(1.0, 1.0, 1.0, offsets=(10, 0, 0)).table("red")
     assert (table[0], table[65535], len(table)) == (10, 65535, 65536)
+
+
+def test_invert_deinterlacer_takes_the_even_lines_from_the_second_field():
+    fields = np.arange(30, dtype=np.uint8).reshape(6, 5)  # field 1: lines 0-2, field 2: lines 3-5
+    got = zo.convert(fields, "Grayscale 8-bits, Interlaced", "Gray8", invert_deinterlacer=True)
+    assert np.array_equal(got, fields[[3, 0, 4, 1, 5, 2]])
+    assert np.array_equal(zo.convert(fields, "Grayscale 8-bits, Interlaced", "Gray8"), fields[[0, 3, 1, 4, 2, 5]])
 
 
 def test_out_is_written_in_place_when_large_enough():
