@@ -461,16 +461,17 @@ def _gains_filter(bits, red, green, blue):
 
 
 def _frame_bytes(frame):
-    """The frame as a flat C-contiguous uint8 array, and its 2-D/3-D shape."""
+    """The frame as a flat C-contiguous uint8 array, its shape and the size
+    of its elements."""
     if isinstance(frame, np.ndarray):
         array = frame if frame.flags.c_contiguous else np.ascontiguousarray(frame)
         if array.dtype.hasobject:
             raise TypeError("a frame holds raw pixel bytes; an array of Python objects does not")
         flat = array.reshape(-1).view(np.uint8) if array.size else np.empty(0, np.uint8)
-        return flat, array.shape
+        return flat, array.shape, array.itemsize
     if isinstance(frame, (bytes, bytearray, memoryview)):
         flat = np.frombuffer(frame, dtype=np.uint8)
-        return flat, flat.shape
+        return flat, flat.shape, 1
     raise TypeError("frame is a numpy array or a bytes-like object, not %s" % type(frame).__name__)
 
 
@@ -482,13 +483,22 @@ def _dimension(value, name):
     return int(value)
 
 
-def _frame_size(conv, flat, shape, width, height):
+def _frame_size(conv, flat, shape, itemsize, width, height):
     """Width and height from the arguments, else from the frame's shape: its
-    first axis is the height and the bytes of one row make a line."""
+    first axis is the height and the bytes of one row make a line. Elements
+    wider than a byte must be whole pixels: (h, w) uint16 for 16-bit
+    samples, (h, w, 3) uint8 for 3-byte RGB."""
     lib = _lib()
     nbytes = flat.size
     if height is None and len(shape) >= 2:
         height = shape[0]
+    pixel = conv.source_pixel_bytes  # 0 for packed sources: no whole pixel
+    if width is None and pixel and len(shape) >= 2 and (
+            (len(shape) == 2 and itemsize not in (1, pixel)) or
+            (len(shape) == 3 and shape[2] * itemsize != pixel) or len(shape) > 3):
+        raise ValueError("a frame of shape %s and %d-byte elements is no image of %s (%d-byte pixels); "
+                         "give width= to take its bytes as they are%s"
+                         % (shape, itemsize, conv.source_name, pixel, _source_hint(conv)))
     if width is None:
         if height is None:
             raise ValueError("a %s frame of %d bytes: give width= (and height=) for a 1-D frame"
@@ -611,16 +621,16 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     if threads != 1 and (isinstance(threads, bool) or not isinstance(threads, (int, np.integer)) or threads < 1):
         raise ValueError("threads is a positive integer, not %r" % (threads,))
 
-    flat, shape = _frame_bytes(frame)
+    flat, shape, itemsize = _frame_bytes(frame)
     width = None if width is None else _dimension(width, "width")
     height = None if height is None else _dimension(height, "height")
-    key = (source_id, destination_id, flags, bool(interpolate), shape, flat.size, width, height)
+    key = (source_id, destination_id, flags, bool(interpolate), shape, itemsize, width, height)
     plan = _plans.get(key)
     if plan is None:
         conv = _converter(source_id, destination_id)
         if explicit_pattern and not conv.bayer_source:
             raise ValueError("pattern= is for Bayer sources; %s is none" % conv.source_name)
-        plan = _Plan(conv, flags, interpolate, flat, shape, width, height)
+        plan = _Plan(conv, flags, interpolate, flat, shape, itemsize, width, height)
         if len(_plans) >= 64:
             _plans.clear()
         _plans[key] = plan
@@ -702,11 +712,11 @@ class _Plan:
     __slots__ = ("conv", "flags", "width", "height", "frame_bytes", "source_bytes", "before", "total",
                  "result_bytes", "dtype", "shape")
 
-    def __init__(self, conv, flags, interpolate, flat, shape, width, height):
+    def __init__(self, conv, flags, interpolate, flat, shape, itemsize, width, height):
         lib = _lib()
         if interpolate and conv.bayer_source:
             flags |= FLAG_BAYER_INTERPOLATE
-        width, height = _frame_size(conv, flat, shape, width, height)
+        width, height = _frame_size(conv, flat, shape, itemsize, width, height)
         source_line = lib.ZoPixelConverter_GetSourceByteSize(conv.handle, width)
         frame_bytes = source_line * height
         if flat.size != frame_bytes or source_line == 0:

@@ -189,6 +189,8 @@ BAYER12 = np.zeros((4, 6), np.uint16)
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", width=5), ValueError, ["24 bytes", "20"]),
     (lambda: zo.convert(BAYER12[:, :5], "BayerRGB12", "RGB24", width=6), ValueError, ["40", "48"]),
     (lambda: zo.convert(GRAY.reshape(-1), "Gray8", "RGB24"), ValueError, ["width="]),
+    (lambda: zo.convert(BAYER12, "BayerRGB8", "RGB24"), ValueError, ["(4, 6)", "2-byte elements", "1-byte pixels"]),
+    (lambda: zo.convert(np.zeros((4, 6, 3), np.uint8), "RGB24", "BGR24"), ValueError, ["'RGB 24-bits, Packed'"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", width=0), ValueError, ["width"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", height=2 ** 32), ValueError, ["height"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", threads=0), ValueError, ["threads"]),
