@@ -594,7 +594,8 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     frame: a numpy array (any dtype whose bytes hold the frame: (h, w) uint16
     for 12-bit samples, (h, 3w/2) uint8 for packed 12-bit, (h, w, 3) uint8
     for RGB24...) or a bytes-like object. The first axis of a 2-D or 3-D
-    array is the height and a row is a line; a 1-D frame needs width= (the
+    array is the height and a row is a line (elements wider than a byte are
+    whole pixels, unless width= is given); a 1-D frame needs width= (the
     height follows from its size).
     source, destination: see resolve_type(); a PFNC Bayer name implies its
     pattern, which pattern= ("RGGB", "GRBG", "GBRG", "BGGR") overrides.
