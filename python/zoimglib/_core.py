@@ -261,10 +261,6 @@ def _resolve_pfnc(text, spec, role):
 
 # ---- Converters ---------------------------------------------------------------
 
-def _class_of_converter(handle):
-    return _native.class_name(handle)
-
-
 def converters(source=None):
     """Every registered conversion (from `source` only, when given) as
     ConverterInfo(source, destination, source_name, destination_name,
@@ -280,7 +276,7 @@ def converters(source=None):
         while lib.ZoPixelTypeFactory_EnumConverterFrom(index, src, ctypes.byref(destination)):
             dst = destination.value
             handle = lib.ZoPixelTypeFactory_GetConverter(src, dst)
-            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _class_of_converter(handle)))
+            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _native.class_name(handle)))
             index += 1
     return result
 

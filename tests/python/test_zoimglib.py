@@ -1,7 +1,6 @@
 """zoimglib against the C library it binds: bytes, shapes, names, bands and
 every error path."""
 
-import ctypes
 import os
 import re
 import shutil
