@@ -730,7 +730,9 @@ class _Plan:
         self.conv, self.flags, self.width, self.height = conv, flags, width, height
         self.frame_bytes, self.source_bytes = frame_bytes, sizes.sourceBytes
         self.before = sizes.destinationBytesBefore
-        self.total = sizes.destinationBytesBefore + sizes.destinationBytes
         self.result_bytes = line * height
+        # The count stops at the last byte written, which may fall short of
+        # the frame's end: the buffer holds both.
+        self.total = sizes.destinationBytesBefore + max(sizes.destinationBytes, self.result_bytes)
         self.dtype = conv.layout[1]
         self.shape = _shape(conv.layout, width, height, line)
