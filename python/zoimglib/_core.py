@@ -4,6 +4,7 @@ C interface."""
 import collections
 import concurrent.futures
 import ctypes
+import re
 import threading
 
 import numpy as np
@@ -68,38 +69,44 @@ _CLASS_OF_DEFAULT_ID = {}
 for _name, _default in _CLASS_IDS:
     _CLASS_OF_DEFAULT_ID.setdefault(_default, "Zo" + _name)
 
+_CLASSES = {name.lower(): default for name, default in _CLASS_IDS}
+
+
+def _candidate_ids():
+    """The ID space pixel types use, scanned as the zoimg tool scans it (the
+    registry has no "list all" operation): every format number up to 0xFF in
+    each colour space, with every combination of the Normalized, Interlaced,
+    Packed and Planar bits and every tap mode."""
+    for space in (COLORSPACE_GRAY, COLORSPACE_RGB, COLORSPACE_YUV):
+        for tap in (0, 0x01000000, 0x02000000, 0x04000000, 0x08000000, 0x10000000):
+            for combination in range(16):
+                flags = sum(bit for i, bit in enumerate((NORMALIZED, INTERLACED, PACKED, PLANAR))
+                            if combination & (1 << i))
+                for number in range(1, 0x100):
+                    yield space | tap | flags | number
+
+
 class _Catalogue:
-    """What the registry holds, read once. The registry has no "list all"
-    operation, so the ID space pixel types use is scanned as the zoimg tool
-    scans it: every format number up to 0xFF in each colour space, with every
-    combination of the Normalized, Interlaced, Packed and Planar bits and
-    every tap mode."""
+    """The registered types, read once."""
 
     def __init__(self):
-        lib = _lib()
-        has_type = lib.ZoPixelTypeFactory_HasPixelType
-        enum_from = lib.ZoPixelTypeFactory_EnumConverterFrom
-        destination = ctypes.c_int64()
-        self.types = []
-        self.sources = []
-        for space in (COLORSPACE_GRAY, COLORSPACE_RGB, COLORSPACE_YUV):
-            for tap in (0, 0x01000000, 0x02000000, 0x04000000, 0x08000000, 0x10000000):
-                for combination in range(16):
-                    flags = sum(bit for i, bit in enumerate((NORMALIZED, INTERLACED, PACKED, PLANAR))
-                                if combination & (1 << i))
-                    for number in range(1, 0x100):
-                        type_id = space | tap | flags | number
-                        if has_type(type_id):
-                            self.types.append(type_id)
-                        if enum_from(0, type_id, ctypes.byref(destination)):
-                            self.sources.append(type_id)
-        self.types.sort()
-        self.sources.sort()
+        has_type = _lib().ZoPixelTypeFactory_HasPixelType
+        self.types = sorted(type_id for type_id in _candidate_ids() if has_type(type_id))
         self.info = {type_id: _describe_type(type_id) for type_id in self.types}
         self.by_name = collections.defaultdict(list)
         for info in self.info.values():
             self.by_name[info.name.lower()].append(info.id)
-        self.classes = {name.lower(): (name, default) for name, default in _CLASS_IDS}
+        self._sources = None
+
+    @property
+    def sources(self):
+        """Every ID some converter converts from, registered as a type or not."""
+        if self._sources is None:
+            enum_from = _lib().ZoPixelTypeFactory_EnumConverterFrom
+            destination = ctypes.c_int64()
+            self._sources = sorted(type_id for type_id in _candidate_ids()
+                                   if enum_from(0, type_id, ctypes.byref(destination)))
+        return self._sources
 
 
 _catalogue = None
@@ -205,7 +212,8 @@ def resolve_type(spec, role="source"):
     core name as `zoimg types` prints it ("Bayer RGB 12-bits, Packed", any
     case), a class-style name ("BayerRGB8", "ZoRGB24", "Gray12"), or a
     GenICam PFNC name ("BayerRG12p", "Mono8"), whose Bayer names imply their
-    pattern. A name is tried in that order, so "RGB16" is the core's 5-6-5
+    pattern, or a hex ID ("0x20010"). Core names never read like the others;
+    a class-style name wins over a PFNC name, so "RGB16" is the core's 5-6-5
     type; "PFNC:RGB16" asks for the PFNC meaning only."""
     if isinstance(spec, bool) or not isinstance(spec, (int, np.integer, str)):
         raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(spec).__name__))
@@ -222,22 +230,20 @@ def resolve_type(spec, role="source"):
     pfnc_only = text.lower().startswith("pfnc:")
     if pfnc_only:
         text = text[5:].strip()
-    result = None
-    if not pfnc_only:
-        cat = _cat()
-        matches = cat.by_name.get(text.lower(), [])
+    lowered = text.lower()
+    if not pfnc_only and re.fullmatch(r"0x[0-9a-f]{1,16}", lowered):
+        result = resolve_type(int(lowered, 16), role)
+    elif not pfnc_only and (lowered[2:] if lowered.startswith("zo") else lowered) in _CLASSES:
+        result = (_CLASSES[lowered[2:] if lowered.startswith("zo") else lowered], 0)
+    else:
+        result = _resolve_pfnc(text, spec, role)
+    if result is None and not pfnc_only:
+        # Core names last: only they need the catalogue read.
+        matches = _cat().by_name.get(lowered, [])
         if len(matches) > 1:
             raise ValueError("%s pixel type name %r is ambiguous, it names %s; give the ID instead"
                              % (role, spec, " and ".join(hex_id(m) for m in matches)))
-        if matches:
-            result = (matches[0], 0)
-        else:
-            lowered = text.lower()
-            found = cat.classes.get(lowered[2:] if lowered.startswith("zo") else lowered)
-            if found:
-                result = (found[1], 0)
-    if result is None:
-        result = _resolve_pfnc(text, spec, role)
+        result = (matches[0], 0) if matches else None
     if result is None:
         raise _unknown_type(spec, role)
     _resolved[key] = result
