@@ -64,23 +64,27 @@ def small_frame(rounds):
 
 def threads(rounds):
     print("\n4096 x 3000 Bayer frame, median of %d conversions" % rounds)
-    print("%-28s %12s %12s %8s" % ("conversion", "threads=1", "threads=2", "ratio"))
+    print("(wall clock; 'cpu' is the CPU time of both threads over that of one: the work splitting adds)")
+    print("%-28s %12s %12s %8s %6s" % ("conversion", "threads=1", "threads=2", "ratio", "cpu"))
     for source, destination, dtype, interpolate in (("BayerRGB8", "RGB24", np.uint8, True),
                                                     ("BayerRGB12", "RGB24", np.uint16, True),
                                                     ("BayerRGB12", "RGB48", np.uint16, False)):
         frame = np.random.default_rng(2).integers(0, 4096 if dtype == np.uint16 else 256, (3000, 4096),
                                                   dtype=dtype)
         out = np.empty_like(zoimglib.convert(frame, source, destination, interpolate=interpolate))
-        medians = []
+        medians, cpu = [], []
         for count in (1, 2):
-            times = []
+            times, cpu_times = [], []
             for _ in range(rounds):
-                start = time.perf_counter()
+                start, start_cpu = time.perf_counter(), time.process_time()
                 zoimglib.convert(frame, source, destination, interpolate=interpolate, threads=count, out=out)
                 times.append(time.perf_counter() - start)
+                cpu_times.append(time.process_time() - start_cpu)
             medians.append(statistics.median(times))
+            cpu.append(statistics.median(cpu_times))
         name = "%s -> %s%s" % (source, destination, "" if interpolate else " (replicate)")
-        print("%-28s %9.1f ms %9.1f ms %7.2fx" % (name, medians[0] * 1e3, medians[1] * 1e3, medians[0] / medians[1]))
+        print("%-28s %9.1f ms %9.1f ms %7.2fx %5.2f" % (name, medians[0] * 1e3, medians[1] * 1e3,
+                                                        medians[0] / medians[1], cpu[1] / cpu[0]))
 
 
 def main():
