@@ -65,9 +65,8 @@ _CLASS_IDS = (
     ("BayerRGGB8", 0x20013), ("BayerRGGB10", 0x20014), ("BayerRGGB12", 0x20015), ("YUV8", 0x40001),
     ("YUV10", 0x40002), ("YUV8_444", 0x40003), ("YCrCb", 0x40005),
 )
-_CLASS_OF_DEFAULT_ID = {}
-for _name, _default in _CLASS_IDS:
-    _CLASS_OF_DEFAULT_ID.setdefault(_default, "Zo" + _name)
+# The class of each default ID ("Grayscale8" before its alias "Gray8").
+_CLASS_OF_DEFAULT_ID = {default: "Zo" + name for name, default in reversed(_CLASS_IDS)}
 
 _CLASSES = {name.lower(): default for name, default in _CLASS_IDS}
 
@@ -184,9 +183,9 @@ def _available_types_text():
     return "\n".join(lines)
 
 
-def _unknown_type(spec, role, reason=None):
-    return ValueError("unknown %s pixel type %r%s; a type is an ID (int) or one of these names\n%s"
-                      % (role, spec, (" (%s)" % reason) if reason else "", _available_types_text()))
+def _unknown_type(spec, role):
+    return ValueError("unknown %s pixel type %r; a type is an ID (int) or one of these names\n%s"
+                      % (role, spec, _available_types_text()))
 
 
 def _lookup(spec, role):
