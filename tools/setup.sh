@@ -8,6 +8,8 @@ set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev)
 # clang and its sanitizer and libFuzzer runtimes: the second compiler of CI.
 packages+=(clang libclang-rt-14-dev)
+# The zoimglib Python package, its tests and the README example.
+packages+=(python3 python3-numpy python3-pytest python3-pil)
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
 
