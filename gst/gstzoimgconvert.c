@@ -313,7 +313,11 @@ gst_zoimg_convert_set_caps (GstBaseTransform * bt, GstCaps * incaps, GstCaps * o
     /* The registry converts packed Bayer through a chain of two registered
      * converters: unpacking to 12-bit words, then demosaicing. The element
      * runs the same two stages itself, so that both run in bands and the
-     * words stay in its own buffer. */
+     * words stay in its own buffer. Without gains the bytes are the
+     * chain's. With gains they differ on purpose: the chain hands the
+     * caller's filter to its first stage only (which applies none), so its
+     * demosaicing runs unfiltered; the element applies the gains when
+     * demosaicing, as for 12-bit words. */
     self->unpacker = ZoPixelTypeFactory_GetConverter (in->type_id, ZO_PT_BAYER_RGB12);
     self->converter = ZoPixelTypeFactory_GetConverter (ZO_PT_BAYER_RGB12, out->type_id);
     if (self->unpacker == NULL)
@@ -397,8 +401,9 @@ area_sizes (const ZoPixelConverter * c, guint32 source_width, guint32 width, gui
 
 /* Where a step reads its source: in place when the lines lie GetSourceByteSize
  * (source width) apart for some source width and every byte the conversion
- * reads is mapped; else a copy in `copy` with lines of GetSourceByteSize
- * (line_width) bytes, zero beyond the frame. */
+ * reads is mapped; else a copy in `copy`, zero beyond the frame, with the
+ * same lines when the stride has a source width and lines of
+ * GetSourceByteSize (line_width) bytes when it has none. */
 static gboolean
 place_source (ZoImgStep * step, const guint8 * data, gsize stride, gsize available, guint32 line_width,
     ZoImgScratch * copy)
@@ -412,12 +417,15 @@ place_source (ZoImgStep * step, const guint8 * data, gsize stride, gsize availab
 
   if (pair > 0 && (stride * 2) % pair == 0 && stride * 2 / pair <= G_MAXUINT32) {
     guint32 sw = (guint32) (stride * 2 / pair);
-    if (sw >= step->width && ZoPixelConverter_GetSourceByteSize (c, sw) == stride
-        && area_sizes (c, sw, step->width, step->height, step->flags, 0, &sizes)
-        && sizes.sourceBytes <= available) {
-      step->source = data;
-      step->source_width = sw;
-      return TRUE;
+    if (sw >= step->width && ZoPixelConverter_GetSourceByteSize (c, sw) == stride) {
+      if (area_sizes (c, sw, step->width, step->height, step->flags, 0, &sizes)
+          && sizes.sourceBytes <= available) {
+        step->source = data;
+        step->source_width = sw;
+        return TRUE;
+      }
+      /* The same lines, with room for what is read past the frame. */
+      line_width = sw;
     }
   }
   if (!area_sizes (c, line_width, step->width, step->height, step->flags, 0, &sizes))
