@@ -388,33 +388,35 @@ check_rgb2bayer (guint width, guint height)
 }
 
 /* The output formats the element offers for an input format, as its source
- * pad answers a caps query once the input caps are fixed. */
+ * pad answers a caps query with the input caps fixed upstream: the formats
+ * of every structure, in this list's order, each once. */
 static char *
 offered_formats (const char *in_caps)
 {
+  static const char *const all[] = { "BGRx", "RGBx", "BGR", "RGB", "RGB16", "GRAY16_LE", "GRAY8", "YUY2" };
   char description[512];
   GstElement *pipeline, *conv;
   GstPad *pad;
   GstCaps *caps;
   GString *names = g_string_new ("");
-  guint i;
+  guint i, k;
 
-  g_snprintf (description, sizeof description, "appsrc caps=\"%s\" ! zoimgconvert name=conv ! fakesink", in_caps);
+  g_snprintf (description, sizeof description, "appsrc ! %s ! zoimgconvert name=conv ! fakesink", in_caps);
   pipeline = launch (description);
   if (pipeline == NULL)
     return g_string_free (names, FALSE);
   conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
   pad = gst_element_get_static_pad (conv, "src");
   caps = gst_pad_query_caps (pad, NULL);
-  for (i = 0; i < gst_caps_get_size (caps); i++) {
-    const GValue *v = gst_structure_get_value (gst_caps_get_structure (caps, i), "format");
-    guint k;
-    if (v != NULL && GST_VALUE_HOLDS_LIST (v)) {
-      for (k = 0; k < gst_value_list_get_size (v); k++)
-        g_string_append_printf (names, "%s ", g_value_get_string (gst_value_list_get_value (v, k)));
-    } else if (v != NULL) {
-      g_string_append_printf (names, "%s ", g_value_get_string (v));
+  for (k = 0; k < G_N_ELEMENTS (all); k++) {
+    GstCaps *one = gst_caps_new_simple ("video/x-raw", "format", G_TYPE_STRING, all[k], NULL);
+    for (i = 0; i < gst_caps_get_size (caps); i++) {
+      if (gst_structure_can_intersect (gst_caps_get_structure (caps, i), gst_caps_get_structure (one, 0))) {
+        g_string_append_printf (names, "%s ", all[k]);
+        break;
+      }
     }
+    gst_caps_unref (one);
   }
   gst_caps_unref (caps);
   gst_object_unref (pad);
