@@ -399,6 +399,22 @@ area_sizes (const ZoPixelConverter * c, guint32 source_width, guint32 width, gui
       padding, sizes) == ZO_OK && sizes->sourceBytes <= G_MAXSIZE / 2 && sizes->destinationBytes <= G_MAXSIZE / 2;
 }
 
+/* What a conversion may read after a frame of `height` lines of `line`
+ * bytes in a buffer of `size` bytes: replicating Bayer conversions pair an
+ * odd height's last line with the line after the frame, which holds a copy
+ * of the last line, as in the library's chained conversions; zeros after. */
+static void
+after_frame (guint8 * frame, gsize line, guint height, gsize size)
+{
+  gsize end = line * height;
+
+  if (size >= end + line && height > 0) {
+    memcpy (frame + end, frame + end - line, line);
+    end += line;
+  }
+  memset (frame + end, 0, size - end);
+}
+
 /* Where a step reads its source: in place when the lines lie GetSourceByteSize
  * (source width) apart for some source width and every byte the conversion
  * reads is mapped; else a copy in `copy`, zero beyond the frame, with the
@@ -432,13 +448,13 @@ place_source (ZoImgStep * step, const guint8 * data, gsize stride, gsize availab
     return FALSE;
   line = ZoPixelConverter_GetSourceByteSize (c, line_width);
   rows_bytes = line * step->height;
-  dst = scratch (copy, MAX (sizes.sourceBytes, rows_bytes));
+  dst = scratch (copy, MAX (sizes.sourceBytes, rows_bytes + line));
   for (i = 0; i < step->height; i++) {
     memcpy (dst + i * line, data + i * stride, MIN (line, stride));
     if (line > stride)
       memset (dst + i * line + stride, 0, line - stride);
   }
-  memset (dst + rows_bytes, 0, copy->size - rows_bytes);
+  after_frame (dst, line, step->height, copy->size);
   step->source = dst;
   step->source_width = line_width;
   return TRUE;
@@ -530,6 +546,7 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
   GstVideoFrame in_frame, out_frame;
   GstMapInfo in_map;
   const guint8 *src;
+  guint8 *out;
   gsize src_stride, src_available;
   gboolean interpolate;
   gdouble gains[3];
@@ -552,7 +569,7 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
       goto map_failed;
     src = GST_VIDEO_FRAME_PLANE_DATA (&in_frame, 0);
     src_stride = GST_VIDEO_FRAME_PLANE_STRIDE (&in_frame, 0);
-    src_available = in_frame.map[0].size - GST_VIDEO_FRAME_PLANE_OFFSET (&in_frame, 0);
+    src_available = (const guint8 *) in_frame.map[0].data + in_frame.map[0].size - src;
   } else {
     if (!gst_buffer_map (inbuf, &in_map, GST_MAP_READ))
       goto map_failed;
@@ -578,8 +595,8 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
     /* Packed 12-bit Bayer: first into 12-bit words in the element's buffer,
      * lines of an even number of words plus one, so that the word an odd
      * width's last group writes past its line stays in the line's own
-     * padding; one zero line below the frame for replicating conversions
-     * of odd heights, which read one line past it. */
+     * padding; one line more for replicating conversions of odd heights,
+     * which read one line past the frame (see after_frame). */
     guint32 words_width = GST_ROUND_UP_2 (self->width) + 2;
     gsize words_line = (gsize) words_width * 2;
     ZoAreaBufferSizes sizes;
@@ -595,10 +612,10 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
       goto size_failed;
     words_size = MAX (sizes.destinationBytes, words_line * (self->height + 1));
     step.destination = scratch (&self->words, words_size);
-    memset (step.destination + words_line * self->height, 0, words_size - words_line * self->height);
     step.copy_to = NULL;
     if ((ret = run_step (self, &step)) != GST_FLOW_OK)
       goto done;
+    after_frame (step.destination, words_line, self->height, words_size);
     ret = GST_FLOW_ERROR;
     src = step.destination;
     src_stride = words_line;
@@ -607,10 +624,10 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
 
   step.converter = self->converter;
   step.flags = in->pattern | (interpolate ? ZO_FLAG_BAYER_INTERPOLATE : 0);
+  out = GST_VIDEO_FRAME_PLANE_DATA (&out_frame, 0);
   if (!place_source (&step, src, src_stride, src_available, self->width, &self->source_copy)
-      || !place_destination (&step, GST_VIDEO_FRAME_PLANE_DATA (&out_frame, 0),
-          GST_VIDEO_FRAME_PLANE_STRIDE (&out_frame, 0),
-          out_frame.map[0].size - GST_VIDEO_FRAME_PLANE_OFFSET (&out_frame, 0), &self->output_copy))
+      || !place_destination (&step, out, GST_VIDEO_FRAME_PLANE_STRIDE (&out_frame, 0),
+          (guint8 *) out_frame.map[0].data + out_frame.map[0].size - out, &self->output_copy))
     goto size_failed;
   ret = run_step (self, &step);
   goto done;
