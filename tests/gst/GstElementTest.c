@@ -224,7 +224,7 @@ static const struct {
 } kPatterns[] = { { "rggb", 0x40 }, { "gbrg", 0x20 } };
 
 /* 12-bit Bayer in 16-bit words (<pattern>12le, lines GST_ROUND_UP_4 (width)
- * words apart) and the same samples packed in PFNC BayerXX12p layout, into
+ * words apart; once also read as <pattern>16le) and the same samples packed in PFNC BayerXX12p layout, into
  * RGB and BGRx. Both are compared with the library's conversion of the
  * words. Without gains, at an even width, that is also the library's
  * conversion of the packed frame itself (the PFNC lines are then the
@@ -298,6 +298,22 @@ check_bayer12 (guint width, guint height)
         }
       }
     }
+  }
+  {
+    /* The same words as full-range 16-bit samples (<pattern>16le): the
+     * library's most-significant-bit aligned Bayer type, upper bytes. */
+    guint8 *expected[FRAMES];
+    gsize line = (gsize) width * 4;
+    char caps[256];
+    for (f = 0; f < FRAMES; f++) {
+      guint8 *tight = repack (words[f], words_stride, (gsize) width * 2, height);
+      expected[f] = library_convert (0x120012, 0x20007, tight, width, width, height, 0x40 | 0x100, &kGains[1]);
+      g_free (tight);
+    }
+    g_snprintf (caps, sizeof caps, "video/x-bayer,format=rggb16le,width=%u,height=%u,framerate=30/1", width, height);
+    check_appsrc (caps, words, words_stride * height, "BGRx", height, expected, line, &kGains[1], 2, TRUE);
+    for (f = 0; f < FRAMES; f++)
+      g_free (expected[f]);
   }
   for (f = 0; f < FRAMES; f++) {
     g_free (words[f]);
