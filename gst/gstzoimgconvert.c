@@ -587,6 +587,10 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
   if (!gst_video_frame_map (&out_frame, &self->out_info, outbuf, GST_MAP_WRITE))
     goto out_map_failed;
 
+  /* Only the frame's own lines are read from the buffer: what lies after
+   * them is not part of the frame (see after_frame for what is read in its
+   * place). */
+  src_available = MIN (src_available, src_stride * self->height);
   step.filter = self->filter;
   step.width = self->width;
   step.height = self->height;
