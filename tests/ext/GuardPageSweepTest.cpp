@@ -5,12 +5,17 @@
 // write outside the counted bytes faults. The destination's first and last
 // counted bytes must be written (poison check), so the count is not padded.
 //
-// Linux only (mmap and mprotect).
+// The source count is checked the other way in a child process per pair: a
+// source one pixel shorter than counted, against the guard page, must fault.
+//
+// Linux only (mmap, mprotect, fork).
 #include <gtest/gtest.h>
 
 #if defined(__linux__)
 
+#include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -210,5 +215,58 @@ TEST_P(GuardPageSweep, EveryPairStaysInsideTheCountedBytesAndWritesTheLastOne)
 }
 
 INSTANTIATE_TEST_SUITE_P(Shards, GuardPageSweep, testing::Range(0u, kShards));
+
+// Whether converting from a source `shortBy` bytes shorter than counted,
+// ending at the guard page, faults (in a child process, its reports
+// silenced).
+bool FaultsWithShorterSource(const ZoPixelConverter* c, const GuardedRegion& source,
+                             const GuardedRegion& destination, const Geometry& g, std::uint32_t flags,
+                             const ZoAreaBufferSizes& sizes, std::uint64_t shortBy)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDERR_FILENO);
+        dup2(null, STDOUT_FILENO);
+        const unsigned char* s = source.Place(sizes.sourceBytes, true) + shortBy;
+        unsigned char* d = destination.Place(sizes.destinationBytesBefore + sizes.destinationBytes, true) +
+                           sizes.destinationBytesBefore;
+        ZoPixelConverter_ConvertArea(c, s, g.sourceWidth, g.sourceHeight, d, g.destinationWidth,
+                                     g.destinationHeight, g.width, g.height, flags, g.padding);
+        _exit(0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child)
+        return false;
+    return !(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST(GuardPageSweep, EveryPairReadsTheLastCountedSourcePixel)
+{
+    // Odd sizes, so that every over-read of the area walk (whole last pair,
+    // group or group of four, the line after an odd height, half a line past
+    // an interlaced frame) is part of the count.
+    const Geometry g{7, 3, 7, 3, 7, 3, 1};
+    GuardedRegion source(16 * 1024), destination(16 * 1024);
+    for (const Pair& pair : BuiltInPairs()) {
+        const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(pair.first, pair.second);
+        ASSERT_NE(c, nullptr);
+        for (std::uint32_t flags : {0u, static_cast<std::uint32_t>(ZO_FLAG_BAYER_INTERPOLATE)}) {
+            if (flags && !HasBayerStage(*c))
+                continue;
+            ZoAreaBufferSizes sizes;
+            ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(c, g.sourceWidth, g.sourceHeight, g.destinationWidth,
+                                                          g.destinationHeight, g.width, g.height, flags, g.padding,
+                                                          &sizes),
+                      ZO_OK);
+            // One source pixel less: the bytes of the last pixel read (for a
+            // packed source, the last byte of its last group).
+            const std::uint64_t pixel = (pair.first & ZO_PIXEL_PACKED) ? 1 : ZoPixelConverter_GetSourceByteSize(c, 1);
+            EXPECT_TRUE(FaultsWithShorterSource(c, source, destination, g, flags, sizes, pixel))
+                << std::hex << pair.first << " -> " << pair.second << " flags " << flags
+                << ": the last counted source pixel is never read";
+        }
+    }
+}
 
 #endif
