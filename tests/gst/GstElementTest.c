@@ -12,6 +12,7 @@
 #include <string.h>
 
 #include "ZoImgLibC.h"
+#include "ZoImgLibExt.h"
 
 static int failures = 0;
 static int frames_compared = 0;
@@ -218,19 +219,33 @@ static const struct {
   gint64 type;
 } kOutputs[] = { { "RGB", 0x20002 }, { "BGRx", 0x20007 } };
 
+/* GStreamer's pattern names and GenICam PFNC's: the reference conversions
+ * take their type and pattern from the library's PFNC table, so the caps
+ * name's meaning comes from there and not from the element's own table. */
 static const struct {
   const char *pattern;
-  guint32 flag;
-} kPatterns[] = { { "rggb", 0x40 }, { "gbrg", 0x20 } };
+  const char *pfnc;
+} kPatterns[] = { { "rggb", "RG" }, { "gbrg", "GB" } };
+
+static void
+pfnc_type (const char *name, gint64 * type, guint32 * flags)
+{
+  int64_t t = 0;
+  uint32_t f = 0;
+  CHECK (ZoPfnc_FromName (name, &t, &f) == 0, "PFNC %s has no library type", name);
+  *type = t;
+  *flags = f;
+}
 
 /* 12-bit Bayer in 16-bit words (<pattern>12le, lines GST_ROUND_UP_4 (width)
- * words apart; once also read as <pattern>16le) and the same samples packed in PFNC BayerXX12p layout, into
- * RGB and BGRx. Both are compared with the library's conversion of the
- * words. Without gains, at an even width, that is also the library's
- * conversion of the packed frame itself (the PFNC lines are then the
- * library's packed lines); with gains it is not: the library's packed
- * conversion is a chain whose second stage runs without the caller's
- * filter, while the element applies the gains when demosaicing. */
+ * words apart; once also read as <pattern>16le) and the same samples packed
+ * in PFNC BayerXX12p layout, into RGB and BGRx. Both are compared with the
+ * library's conversion of the words. Without gains, at an even width, that
+ * is also the library's conversion of the packed frame itself (the PFNC
+ * lines are then the library's packed lines); with gains it is not: the
+ * library's packed conversion is a chain whose second stage runs without
+ * the caller's filter, while the element applies the gains when
+ * demosaicing. */
 static void
 check_bayer12 (guint width, guint height)
 {
@@ -264,19 +279,29 @@ check_bayer12 (guint width, guint height)
         /* Replicating mode for one pattern and output (a line pair past the
          * area at the odd height). */
         gboolean interpolate = !(p == 1 && o == 0);
-        guint32 flags = kPatterns[p].flag | (interpolate ? 0x100 : 0);
         guint8 *expected[FRAMES], *chain[FRAMES];
-        gsize line = ZoPixelConverter_GetDestinationByteSize (ZoPixelTypeFactory_GetConverter (0x20012,
-                kOutputs[o].type), width);
+        gint64 words_type, packed_type;
+        guint32 flags, packed_flags;
+        gsize line;
         char caps[256];
+
+        g_snprintf (caps, sizeof caps, "Bayer%s12", kPatterns[p].pfnc);
+        pfnc_type (caps, &words_type, &flags);
+        g_snprintf (caps, sizeof caps, "Bayer%s12p", kPatterns[p].pfnc);
+        pfnc_type (caps, &packed_type, &packed_flags);
+        CHECK (packed_flags == flags, "PFNC %s: pattern 0x%x, unpacked 0x%x", caps, packed_flags, flags);
+        flags |= interpolate ? 0x100 : 0;
+        line = ZoPixelConverter_GetDestinationByteSize (ZoPixelTypeFactory_GetConverter (words_type,
+                kOutputs[o].type), width);
 
         for (f = 0; f < FRAMES; f++) {
           guint8 *tight = repack (words[f], words_stride, (gsize) width * 2, height);
-          expected[f] = library_convert (0x20012, kOutputs[o].type, tight, width, width, height, flags, &kGains[g]);
+          expected[f] = library_convert (words_type, kOutputs[o].type, tight, width, width, height, flags,
+              &kGains[g]);
           g_free (tight);
           chain[f] = NULL;
           if (width % 2 == 0 && g == 0) {
-            chain[f] = library_convert (0x420012, kOutputs[o].type, packed[f], width, width, height, flags,
+            chain[f] = library_convert (packed_type, kOutputs[o].type, packed[f], width, width, height, flags,
                 &kGains[g]);
             CHECK (memcmp (chain[f], expected[f], line * height) == 0,
                 "library: packed and word frames of the same samples convert differently");
@@ -363,6 +388,10 @@ check_rgb2bayer (guint width, guint height)
   gsize stride = GST_ROUND_UP_4 (width), line = (gsize) width * 4;
   guint g, t, f, m;
   char props[256], description[1024];
+  gint64 type;
+  guint32 flags;
+
+  pfnc_type ("BayerGR8", &type, &flags);
 
   for (g = 0; g < G_N_ELEMENTS (kGains); g++) {
     for (t = 1; t <= 2; t++) {
@@ -389,8 +418,8 @@ check_rgb2bayer (guint width, guint height)
             CHECK (FALSE, "rgb2bayer (%s): frame %u missing", description, f);
           } else if (gst_buffer_map (gst_sample_get_buffer (in), &map, GST_MAP_READ)) {
             guint8 *tight = repack (map.data, stride, width, height);
-            guint8 *expected = library_convert (0x20010, 0x20007, tight, width, width, height, 0x10 | (m == 0 ? 0x100 : 0),
-                &kGains[g]);
+            guint8 *expected = library_convert (type, 0x20007, tight, width, width, height,
+                flags | (m == 0 ? 0x100 : 0), &kGains[g]);
             CHECK (map.size == stride * height, "rgb2bayer gave %zu bytes", map.size);
             expect_frame (out, expected, line, height, description);
             gst_buffer_unmap (gst_sample_get_buffer (in), &map);
