@@ -502,8 +502,9 @@ thread_count (guint threads)
   return CLAMP (threads, 1, MAX_THREADS);
 }
 
-/* Brings the filter and the threads in line with the properties. */
-static void
+/* Brings the filter and the threads in line with the properties; false
+ * when the filter cannot be made. */
+static gboolean
 update_streaming_state (GstZoImgConvert * self, const gdouble gains[3], guint threads)
 {
   if (self->workers == NULL || zoimg_workers_count (self->workers) != threads) {
@@ -511,19 +512,21 @@ update_streaming_state (GstZoImgConvert * self, const gdouble gains[3], guint th
     self->workers = zoimg_workers_new (threads);
   }
   if (memcmp (gains, self->filter_gains, sizeof self->filter_gains) == 0)
-    return;
-  memcpy (self->filter_gains, gains, sizeof self->filter_gains);
+    return TRUE;
   if (gains[0] == 1.0 && gains[1] == 1.0 && gains[2] == 1.0) {
     ZoRGBFilter_Destroy (self->filter);
     self->filter = NULL;
-    return;
+  } else {
+    /* 16-bit tables: converters from 16-bit samples index them with whole
+     * words; the 8-bit tables get the same gains. */
+    if (self->filter == NULL)
+      self->filter = ZoRGBFilter_Init (16);
+    if (self->filter == NULL
+        || ZoRGBFilter_SetMultipliers (self->filter, gains[0], gains[1], gains[2], 0, 0, 0) != ZO_OK)
+      return FALSE;
   }
-  /* 16-bit tables: converters from 16-bit samples index them with whole
-   * words; the 8-bit tables get the same gains. */
-  if (self->filter == NULL)
-    self->filter = ZoRGBFilter_Init (16);
-  if (self->filter != NULL)
-    ZoRGBFilter_SetMultipliers (self->filter, gains[0], gains[1], gains[2], 0, 0, 0);
+  memcpy (self->filter_gains, gains, sizeof self->filter_gains);
+  return TRUE;
 }
 
 static GstFlowReturn
@@ -562,7 +565,10 @@ gst_zoimg_convert_transform (GstBaseTransform * bt, GstBuffer * inbuf, GstBuffer
   memcpy (gains, self->gains, sizeof gains);
   threads = thread_count (self->threads);
   GST_OBJECT_UNLOCK (self);
-  update_streaming_state (self, gains, threads);
+  if (!update_streaming_state (self, gains, threads)) {
+    GST_ELEMENT_ERROR (self, RESOURCE, NO_SPACE_LEFT, (NULL), ("no memory for the gain tables"));
+    return GST_FLOW_ERROR;
+  }
 
   if (in->lines == ZOIMG_LINES_VIDEO_INFO) {
     if (!gst_video_frame_map (&in_frame, &self->in_info, inbuf, GST_MAP_READ))
