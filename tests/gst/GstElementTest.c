@@ -5,6 +5,7 @@
  * Run with the plugin's directory on GST_PLUGIN_PATH. */
 #include <gst/app/gstappsink.h>
 #include <gst/app/gstappsrc.h>
+#include <gst/base/gstbasetransform.h>
 #include <gst/gst.h>
 #include <gst/video/video.h>
 #include <stdio.h>
@@ -506,7 +507,8 @@ check_negotiation (void)
 }
 
 /* GRAY16_LE to GRAY8 is converted (upper byte of each word); GRAY8 to GRAY8
- * is passed through unchanged. */
+ * is passed through: the element is in passthrough mode, the bytes
+ * unchanged. */
 static void
 check_gray (guint width, guint height)
 {
@@ -548,6 +550,26 @@ check_gray (guint width, guint height)
   for (f = 0; f < FRAMES; f++) {
     g_free (expected[f]);
     g_free (frames[f]);
+  }
+
+  for (f = 0; f < 2; f++) {
+    const char *in = f == 0 ? "GRAY8" : "GRAY16_LE";
+    char description[512];
+    GstElement *pipeline, *conv;
+    g_snprintf (description, sizeof description,
+        "videotestsrc num-buffers=1 ! video/x-raw,format=%s,width=%u,height=%u ! zoimgconvert name=conv "
+        "! video/x-raw,format=GRAY8 ! fakesink", in, width, height);
+    pipeline = launch (description);
+    if (pipeline == NULL)
+      continue;
+    conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
+    gst_element_set_state (pipeline, GST_STATE_PLAYING);
+    wait_for_end (pipeline, description);
+    CHECK (gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)) == (f == 0),
+        "%s to GRAY8: passthrough %d", in, gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)));
+    gst_element_set_state (pipeline, GST_STATE_NULL);
+    gst_object_unref (conv);
+    gst_object_unref (pipeline);
   }
 }
 
