@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks that every flat function declared in include/ZoImgLibC.h is exported
-# by the built library under its plain, undecorated name.
+# Checks that every flat function declared in include/ZoImgLibC.h and
+# include/ZoImgLibExt.h is exported by the built library under its plain,
+# undecorated name.
 #
 #   bash .ci/check-exports.sh [LIBRARY...]
 #
@@ -15,20 +16,20 @@
 set -euo pipefail
 
 repo=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-header="$repo/include/ZoImgLibC.h"
+headers=("$repo/include/ZoImgLibC.h" "$repo/include/ZoImgLibExt.h")
 failures=0
 
 fail() { printf '[exports] FAIL: %s\n' "$*" >&2; failures=$((failures + 1)); }
 
 # The flat functions: the name before the first '(' of each ZO_API line.
-mapfile -t flat < <(grep -E '^ZO_API' "$header" |
+mapfile -t flat < <(cat "${headers[@]}" | grep -E '^ZO_API' |
     sed -E 's/^[^(]*[^A-Za-z0-9_](Zo[A-Za-z0-9_]+)[[:space:]]*\(.*/\1/')
-declared=$(grep -cE '^ZO_API' "$header")
+declared=$(cat "${headers[@]}" | grep -cE '^ZO_API')
 for name in "${flat[@]}"; do
     [[ $name =~ ^Zo[A-Za-z0-9]+_[A-Za-z0-9]+$ ]] || { fail "cannot read a function name in: $name"; exit 1; }
 done
 if [ "${#flat[@]}" -eq 0 ] || [ "${#flat[@]}" -ne "$declared" ]; then
-    fail "read ${#flat[@]} flat functions from $declared ZO_API lines of $header"
+    fail "read ${#flat[@]} flat functions from $declared ZO_API lines of ${headers[*]}"
     exit 1
 fi
 

@@ -18,5 +18,6 @@
 #include "ZoPackedConverters.h"
 #include "ZoDualTapConverters.h"
 #include "ZoImgLibC.h"
+#include "ZoImgLibExt.h"
 
 #endif

@@ -45,7 +45,45 @@ ZO_API const char* ZoImgLib_GetVersion(void);
  * destinationBytesBefore counts the bytes just before the destination
  * pointer that the conversion may also write (some dual-tap and packed
  * layouts), so the caller allocates destinationBytesBefore +
- * destinationBytes and passes the buffer start + destinationBytesBefore. */
+ * destinationBytes and passes the buffer start + destinationBytesBefore.
+ *
+ * How the bytes are counted. Each count runs from the pointer to the end of
+ * the last byte the conversion reads (source) or writes (destination), in
+ * whole pixels (whole three-byte groups for packed sources): nothing outside
+ * is touched, and nothing beyond that end is asked for. So the count stops
+ * inside the last line reached: a last line narrower than the frame, and
+ * the padding after the last destination line, are not counted. Lines lie
+ * GetSourceByteSize(sourceWidth) bytes apart in the source and
+ * GetDestinationByteSize(destinationWidth) + destinationPadding in the
+ * destination (sourceWidth bytes for a planar destination, whose three
+ * planes start destinationWidth x destinationHeight bytes apart). Beyond
+ * the area, the count includes:
+ *  - replicating Bayer (FLAG_BAYER_INTERPOLATE clear) at an odd height: one
+ *    more source and destination line (lines are converted in pairs);
+ *  - 4:2:2 YUV at an odd width: one more source and destination pixel per
+ *    line (whole pairs);
+ *  - packed 10/12-bit sources at an odd width: the whole last group (three
+ *    bytes) is read, and the odd pixel's partner is written: pixel `width`
+ *    in stream order, pixel -1 (destinationBytesBefore, one destination
+ *    pixel) for the Left Inverted two-tap layouts;
+ *  - 8-bit two-tap (Dual Left/Right) sources: lines of sourceWidth pixels
+ *    whatever `width` says; an odd sourceWidth reads one byte past each line
+ *    and writes byte -1 (destinationBytesBefore 1) for Left Inverted layouts;
+ *  - Dual Lines sources at an odd height: the last line reads its even bytes
+ *    up to 2 x width - 1 bytes from its start, up to width - 1 bytes past
+ *    the frame;
+ *  - interlaced sources: the second field starts (sourceHeight x source
+ *    line) / 2 bytes in, and each field converts ceil(height / 2) lines, so
+ *    at an odd height the walk reads up to half a source line past the
+ *    frame and writes height + 1 destination lines;
+ *  - the group-of-four RGB repackers (to 24 bits from 24, 32, 48 and 64-bit
+ *    sources, and 32 to 32 bits): up to three pixels past each line, read
+ *    and written;
+ *  - chains: the first stage reads the whole sourceWidth x sourceHeight
+ *    source frame (with its own over-reads above) whatever the area; the
+ *    second stage's writes are counted as for a converter of its class.
+ * A converter of a class of the caller's own is counted from its byte sizes
+ * and lines per call alone (exactly `width` pixels a line). */
 typedef struct ZoAreaBufferSizes {
     uint64_t sourceBytes;
     uint64_t destinationBytes;
@@ -53,8 +91,10 @@ typedef struct ZoAreaBufferSizes {
 } ZoAreaBufferSizes;
 
 /* Fills *sizes for ZoPixelConverter_ConvertArea (or ConvertBand over the
- * whole area) with these arguments. 18 for a null converter or sizes
- * pointer, or for sizes that do not fit in 64 bits. */
+ * whole area) with these arguments. 18 (and *sizes untouched) for a null
+ * converter or sizes pointer, for sizes that do not fit in 64 bits, or for
+ * an area whose line sizes, line steps, plane offsets or second-field
+ * offset do not fit the 32 bits in which the conversion computes them. */
 ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
                                                     uint32_t sourceHeight, uint32_t destinationWidth,
                                                     uint32_t destinationHeight, uint32_t width, uint32_t height,

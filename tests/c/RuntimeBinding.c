@@ -1,16 +1,24 @@
 /* Binds the flat interface at run time, the way C#, Python and other foreign
  * callers do: LoadLibrary on ZoImgLib64.dll, then GetProcAddress by each
- * function's plain name. The program does not link the DLL and does not
- * include the flat header; it declares the signatures itself.
+ * function's plain name (dlopen and dlsym on the shared library elsewhere).
+ * The program does not link the library and does not include the flat
+ * headers; it declares the signatures itself.
  *
  * It resolves every flat function, then converts frames through
  * ZoPixelTypeFactory_GetConverter and ZoPixelConverter_ConvertArea (the 8-bit
  * gray copy and the interlaced 8-bit gray deinterlacer) and checks every
- * byte of the destination buffer, padding and guard bytes included; then it
- * unloads the DLL, three times over.
+ * byte of the destination buffer, padding and guard bytes included; calls
+ * the extension functions (buffer sizes, version, PFNC names); then it
+ * unloads the library, three times over.
  *
- * Usage: zoimg_runtime_binding_test [path of the DLL]   (exit code 0: pass) */
+ * Usage: zoimg_runtime_binding_test [path of the library]   (exit code 0: pass) */
+#ifdef _WIN32
 #include <windows.h>
+typedef HMODULE Library;
+#else
+#include <dlfcn.h>
+typedef void* Library;
+#endif
 
 #include <stdbool.h>
 #include <stdint.h>
@@ -29,6 +37,16 @@ typedef uint32_t (*ConvertAreaFn)(ConverterHandle converter, const unsigned char
                                   uint32_t destinationPadding);
 typedef const char* (*GetNameFn)(int64_t id);
 typedef int64_t (*GetTypeIdFn)(const void* type);
+typedef struct {
+    uint64_t sourceBytes, destinationBytes, destinationBytesBefore;
+} AreaBufferSizes;
+typedef uint32_t (*GetAreaBufferSizesFn)(ConverterHandle converter, uint32_t sourceWidth, uint32_t sourceHeight,
+                                         uint32_t destinationWidth, uint32_t destinationHeight, uint32_t width,
+                                         uint32_t height, uint32_t flags, uint32_t destinationPadding,
+                                         AreaBufferSizes* sizes);
+typedef const char* (*GetVersionFn)(void);
+typedef uint32_t (*PfncFromNameFn)(const char* name, int64_t* typeId, uint32_t* flags);
+typedef uint32_t (*PfncFromPixelTypeFn)(int64_t typeId, uint32_t flags, const char** name, uint32_t* code);
 
 /* Every flat function of the interface: each must be found under this name. */
 static const char* const kFlatFunctions[] = {
@@ -73,6 +91,14 @@ static const char* const kFlatFunctions[] = {
     "ZoRGBFilter_SetGreenValue",
     "ZoRGBFilter_SetBlueValue",
     "ZoRGBFilter_SetMultipliers",
+    /* Extension interface (ZoImgLibExt.h). */
+    "ZoImgLib_GetVersion",
+    "ZoPixelConverter_GetAreaBufferSizes",
+    "ZoPixelConverter_ConvertBand",
+    "ZoPfnc_FromName",
+    "ZoPfnc_FromCode",
+    "ZoPfnc_FromPixelType",
+    "ZoPfnc_GetEntry",
 };
 
 static int gFailures = 0;
@@ -85,19 +111,26 @@ static int gFailures = 0;
         }                                                                        \
     } while (0)
 
-static HMODULE gLibrary;
+static Library gLibrary;
 
-/* GetProcAddress's generic pointer, converted through the generic function
+/* GetProcAddress's (or dlsym's) pointer, converted to the generic function
  * pointer type so that the cast to the real signature is well defined. */
 typedef void (*AnyFn)(void);
 static AnyFn Bind(const char* name)
 {
+    AnyFn fn = NULL;
+#ifdef _WIN32
     FARPROC p = GetProcAddress(gLibrary, name);
+    fn = (AnyFn)p;
+#else
+    void* p = dlsym(gLibrary, name);
+    memcpy(&fn, &p, sizeof fn);
+#endif
     if (!p) {
         fprintf(stderr, "not exported under its plain name: %s\n", name);
         ++gFailures;
     }
-    return (AnyFn)p;
+    return fn;
 }
 
 enum { kPoison = 0xA5, kGuard = 64 };
@@ -143,12 +176,21 @@ static void LoadConvertUnload(const char* path)
 {
     size_t i;
 
+#ifdef _WIN32
     gLibrary = LoadLibraryA(path);
     if (!gLibrary) {
         fprintf(stderr, "LoadLibrary(%s) failed: error %lu\n", path, (unsigned long)GetLastError());
         ++gFailures;
         return;
     }
+#else
+    gLibrary = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (!gLibrary) {
+        fprintf(stderr, "dlopen(%s) failed: %s\n", path, dlerror());
+        ++gFailures;
+        return;
+    }
+#endif
     for (i = 0; i < sizeof kFlatFunctions / sizeof kFlatFunctions[0]; ++i)
         Bind(kFlatFunctions[i]);
     if (gFailures)
@@ -223,10 +265,46 @@ static void LoadConvertUnload(const char* path)
         }
     }
 
+    /* The extension functions: exact buffer sizes (a 640 x 481 replicating
+     * Bayer frame reaches line 481), the version, PFNC names. */
+    {
+        GetAreaBufferSizesFn sizesOf = (GetAreaBufferSizesFn)Bind("ZoPixelConverter_GetAreaBufferSizes");
+        GetVersionFn version = (GetVersionFn)Bind("ZoImgLib_GetVersion");
+        PfncFromNameFn fromName = (PfncFromNameFn)Bind("ZoPfnc_FromName");
+        PfncFromPixelTypeFn fromPixelType = (PfncFromPixelTypeFn)Bind("ZoPfnc_FromPixelType");
+        ConverterHandle bayer = getConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
+        AreaBufferSizes sizes = {0, 0, 0};
+        int64_t type = 0;
+        uint32_t flags = 0, code = 0;
+        const char* name = NULL;
+
+        CHECK(bayer != NULL);
+        CHECK(sizesOf(bayer, 640, 481, 640, 481, 640, 481, ZO_FLAG_BAYER_RGGB, 0, &sizes) == ZO_OK);
+        CHECK(sizes.sourceBytes == 640u * 482 && sizes.destinationBytes == 3u * 640 * 482 &&
+              sizes.destinationBytesBefore == 0);
+        CHECK(sizesOf(NULL, 1, 1, 1, 1, 1, 1, 0, 0, &sizes) == ZO_ERR_BAD_ARGUMENT);
+        CHECK(version() != NULL && strchr(version(), '.') != NULL);
+        CHECK(fromName("BayerRG8", &type, &flags) == ZO_OK && type == ZO_PT_BAYER_RGB8 &&
+              flags == ZO_FLAG_BAYER_RGGB);
+        CHECK(fromName("Mono10p", &type, &flags) == ZO_ERR_NOT_SUPPORTED);
+        CHECK(fromPixelType(ZO_PT_GRAY8, 0, &name, &code) == ZO_OK && strcmp(name, "Mono8") == 0 &&
+              code == 0x01080001);
+    }
+
     /* Unloading runs the library's teardown; the module is then gone, so the
      * next load runs the start-up again. */
+#ifdef _WIN32
     CHECK(FreeLibrary(gLibrary));
     CHECK(GetModuleHandleA("ZoImgLib64.dll") == NULL);
+#else
+    CHECK(dlclose(gLibrary) == 0);
+    {
+        void* still = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+        CHECK(still == NULL);
+        if (still)
+            dlclose(still);
+    }
+#endif
     gLibrary = NULL;
 }
 

@@ -1,0 +1,272 @@
+// Every registered pair converts small areas in buffers sized by
+// ZoPixelConverter_GetAreaBufferSizes alone, each buffer placed against an
+// inaccessible page right after its end and, in a second run, right before
+// its start (the bytes before the destination pointer included): a read or
+// write outside the counted bytes faults. The destination's first and last
+// counted bytes must be written (poison check), so the count is not padded.
+//
+// The source count is checked the other way in a child process per pair: a
+// source one pixel shorter than counted, against the guard page, must fault.
+//
+// Linux only (mmap, mprotect, fork).
+#include <gtest/gtest.h>
+
+#if defined(__linux__)
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "ZoBayerConverters.h"
+#include "ZoGenericConverters.h"
+#include "ZoImgLibC.h"
+#include "ZoImgLibExt.h"
+#include "ZoPixelTypeFactory.h"
+#include "convert/ConvertTestSupport.h"
+
+namespace {
+
+// Data pages with an inaccessible page on each side, mapped once and reused.
+class GuardedRegion {
+public:
+    explicit GuardedRegion(std::size_t bytes)
+    {
+        mPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        mData = (bytes + mPage - 1) / mPage * mPage;
+        void* base = mmap(nullptr, mData + 2 * mPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (base == MAP_FAILED)
+            throw std::runtime_error("mmap failed");
+        mBase = static_cast<unsigned char*>(base);
+        if (mprotect(mBase, mPage, PROT_NONE) != 0 || mprotect(mBase + mPage + mData, mPage, PROT_NONE) != 0)
+            throw std::runtime_error("mprotect failed");
+    }
+    ~GuardedRegion() { munmap(mBase, mData + 2 * mPage); }
+    GuardedRegion(const GuardedRegion&) = delete;
+    GuardedRegion& operator=(const GuardedRegion&) = delete;
+
+    std::size_t Capacity() const { return mData; }
+    unsigned char* Start() const { return mBase + mPage; }
+    // `size` bytes ending at the guard after the data, or starting at the
+    // guard before it.
+    unsigned char* Place(std::uint64_t size, bool againstEnd) const
+    {
+        return againstEnd ? Start() + mData - size : Start();
+    }
+
+private:
+    std::size_t mPage = 0, mData = 0;
+    unsigned char* mBase = nullptr;
+};
+
+using Pair = std::pair<std::int64_t, std::int64_t>;
+
+// Every registered pair between built-in IDs: each base format with every
+// combination of the Normalized, Interlaced, Packed and Planar bits and
+// every tap value, as a source.
+std::vector<Pair> BuiltInPairs()
+{
+    const std::int64_t bases[] = {ZO_PT_GRAY8, ZO_PT_GRAY10, ZO_PT_GRAY12, ZO_PT_GRAY14, ZO_PT_GRAY16,
+        ZO_PT_RGB16, ZO_PT_RGB24, ZO_PT_RGB32, ZO_PT_RGB48, ZO_PT_RGB64, ZO_PT_BGR24, ZO_PT_BGR32,
+        ZO_PT_RGB48_10BITS, ZO_PT_RGB64_10BITS, ZO_PT_RGB8_3, ZO_PT_RGB8_4, ZO_PT_RGB48_12BITS,
+        ZO_PT_RGB64_12BITS, ZO_PT_BAYER_RGB8, ZO_PT_BAYER_RGB10, ZO_PT_BAYER_RGB12, ZO_PT_BAYER_RGGB8,
+        ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12, ZO_PT_YUV8, ZO_PT_YUV10, ZO_PT_YUV8_444, ZO_PT_YCRCB};
+    const std::uint32_t taps[] = {0, ZO_PIXEL_TAP_DUAL_LR, ZO_PIXEL_TAP_DUAL_LR_INV, ZO_PIXEL_TAP_DUAL_LINV_R,
+                                  ZO_PIXEL_TAP_DUAL_LINV_RINV, ZO_PIXEL_TAP_DUAL_LINES};
+    std::vector<Pair> pairs;
+    for (std::int64_t base : bases)
+        for (std::int64_t bits = 0; bits < 16; ++bits)
+            for (std::uint32_t tap : taps) {
+                const std::int64_t source = base | (bits << 20) | tap;
+                std::int64_t destination = 0;
+                for (std::uint32_t i = 0; ZoPixelTypeFactory_EnumConverterFrom(i, source, &destination); ++i)
+                    if ((destination & ZO_PIXEL_FORMAT_MASK) < 0xE000)  // not a test converter's
+                        pairs.push_back({source, destination});
+            }
+    return pairs;
+}
+
+bool HasBayerStage(const ZoPixelConverter& c)
+{
+    if (const auto* chain = dynamic_cast<const ZoComplexConverter*>(&c))
+        return HasBayerStage(*chain->GetFirst()) || HasBayerStage(*chain->GetSecond());
+    return dynamic_cast<const ZoBayerRGB8ToRGB*>(&c) || dynamic_cast<const ZoBayerRGB16ToRGB*>(&c);
+}
+
+// The flag sets that change what a pair reads or writes: the four Bayer
+// patterns in both modes, the field order of interlaced sources.
+std::vector<std::uint32_t> FlagSets(const ZoPixelConverter& c)
+{
+    std::vector<std::uint32_t> sets;
+    if (HasBayerStage(c)) {
+        for (std::uint32_t pattern : {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB, ZO_FLAG_BAYER_BGGR})
+            for (std::uint32_t mode : {0u, static_cast<std::uint32_t>(ZO_FLAG_BAYER_INTERPOLATE)})
+                sets.push_back(pattern | mode);
+    } else {
+        sets.push_back(0);
+    }
+    if (c.GetSourceType() & ZO_PIXEL_INTERLACED) {
+        const std::size_t n = sets.size();
+        for (std::size_t i = 0; i < n; ++i)
+            sets.push_back(sets[i] | ZO_FLAG_INVERT_DEINTERLACER);
+    }
+    return sets;
+}
+
+// Holds the calling thread's context record for its lifetime, so that the
+// many conversions of the sweep find it at hand instead of entering the
+// library-wide gate each time (what they read and write does not change).
+class ContextPin : public ZoPixelConverter {
+public:
+    ContextPin() : ZoPixelConverter(zotest::FreshTestId(), zotest::FreshTestId(), 1, 1, 1, 1), mHold(*this) {}
+
+private:
+    ContextHold mHold;
+};
+
+constexpr std::uint32_t kShards = 4;
+
+struct Geometry {
+    std::uint32_t sourceWidth, sourceHeight, destinationWidth, destinationHeight, width, height, padding;
+};
+
+}  // namespace
+
+// The pairs are split into shards, run as separate tests (in parallel under
+// ctest -j).
+class GuardPageSweep : public testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(GuardPageSweep, EveryPairStaysInsideTheCountedBytesAndWritesTheLastOne)
+{
+    const std::vector<Pair> pairs = BuiltInPairs();
+    ASSERT_EQ(pairs.size(), 680u);
+    const ContextPin pin;
+
+    GuardedRegion source(64 * 1024), destination(64 * 1024);
+    std::mt19937 random(12);
+    for (std::size_t i = 0; i < source.Capacity(); ++i)
+        source.Start()[i] = static_cast<unsigned char>(random());
+
+    std::uint64_t conversions = 0;
+    for (std::size_t index = GetParam(); index < pairs.size(); index += kShards) {
+        const Pair& pair = pairs[index];
+        const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(pair.first, pair.second);
+        ASSERT_NE(c, nullptr);
+        int failures = 0;
+        for (std::uint32_t flags : FlagSets(*c))
+            for (std::uint32_t w = 1; w <= 17; ++w)
+                for (std::uint32_t h = 1; h <= 9; ++h)
+                    for (std::uint32_t variant = 0; variant < 5 && failures < 3; ++variant) {
+                        // Paddings 0..3 over frames the size of the area, then
+                        // an area inside larger frames.
+                        const Geometry g = variant < 4 ? Geometry{w, h, w, h, w, h, variant}
+                                                       : Geometry{w + 3, h + 2, w + 1, h + 1, w, h, 1};
+                        ZoAreaBufferSizes sizes;
+                        ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(c, g.sourceWidth, g.sourceHeight,
+                                                                      g.destinationWidth, g.destinationHeight,
+                                                                      g.width, g.height, flags, g.padding,
+                                                                      &sizes),
+                                  ZO_OK);
+                        const std::uint64_t total = sizes.destinationBytesBefore + sizes.destinationBytes;
+                        ASSERT_LE(sizes.sourceBytes, source.Capacity());
+                        ASSERT_LE(total, destination.Capacity());
+                        for (bool againstEnd : {true, false}) {
+                            const unsigned char* s = source.Place(sizes.sourceBytes, againstEnd);
+                            unsigned char* block = destination.Place(total, againstEnd);
+                            // Two poisons: a counted byte that keeps the poison in
+                            // both runs was not written.
+                            bool firstKept = true, lastKept = true;
+                            for (unsigned char poison : {0x5A, 0xA5}) {
+                                std::memset(block, poison, total);
+                                ++conversions;
+                                ASSERT_EQ(ZoPixelConverter_ConvertArea(c, s, g.sourceWidth, g.sourceHeight,
+                                                                       block + sizes.destinationBytesBefore,
+                                                                       g.destinationWidth, g.destinationHeight,
+                                                                       g.width, g.height, flags, g.padding),
+                                          ZO_OK);
+                                if (total == 0)
+                                    break;
+                                firstKept = firstKept && block[0] == poison;
+                                lastKept = lastKept && block[total - 1] == poison;
+                                if (!firstKept && !lastKept)
+                                    break;
+                            }
+                            if (variant == 4 || !againstEnd || total == 0)
+                                continue;
+                            // Frames the size of the area: the last counted byte is the
+                            // last pixel of the last line reached, the first one the
+                            // first written (before the pointer, if anything is).
+                            if (firstKept || lastKept) {
+                                ++failures;
+                                ADD_FAILURE() << std::hex << pair.first << " -> " << pair.second << std::dec
+                                              << " w " << w << " h " << h << " flags " << flags << " padding "
+                                              << g.padding << ": counted bytes never written (first "
+                                              << firstKept << ", last " << lastKept << ")";
+                            }
+                        }
+                    }
+    }
+    RecordProperty("conversions", static_cast<int>(conversions));
+}
+
+INSTANTIATE_TEST_SUITE_P(Shards, GuardPageSweep, testing::Range(0u, kShards));
+
+// Whether converting from a source `shortBy` bytes shorter than counted,
+// ending at the guard page, faults (in a child process, its reports
+// silenced).
+bool FaultsWithShorterSource(const ZoPixelConverter* c, const GuardedRegion& source,
+                             const GuardedRegion& destination, const Geometry& g, std::uint32_t flags,
+                             const ZoAreaBufferSizes& sizes, std::uint64_t shortBy)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDERR_FILENO);
+        dup2(null, STDOUT_FILENO);
+        const unsigned char* s = source.Place(sizes.sourceBytes, true) + shortBy;
+        unsigned char* d = destination.Place(sizes.destinationBytesBefore + sizes.destinationBytes, true) +
+                           sizes.destinationBytesBefore;
+        ZoPixelConverter_ConvertArea(c, s, g.sourceWidth, g.sourceHeight, d, g.destinationWidth,
+                                     g.destinationHeight, g.width, g.height, flags, g.padding);
+        _exit(0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child)
+        return false;
+    return !(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST(GuardPageSweep, EveryPairReadsTheLastCountedSourcePixel)
+{
+    // Odd sizes, so that every over-read of the area walk (whole last pair,
+    // group or group of four, the line after an odd height, half a line past
+    // an interlaced frame) is part of the count.
+    const Geometry g{7, 3, 7, 3, 7, 3, 1};
+    GuardedRegion source(16 * 1024), destination(16 * 1024);
+    for (const Pair& pair : BuiltInPairs()) {
+        const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(pair.first, pair.second);
+        ASSERT_NE(c, nullptr);
+        for (std::uint32_t flags : {0u, static_cast<std::uint32_t>(ZO_FLAG_BAYER_INTERPOLATE)}) {
+            if (flags && !HasBayerStage(*c))
+                continue;
+            ZoAreaBufferSizes sizes;
+            ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(c, g.sourceWidth, g.sourceHeight, g.destinationWidth,
+                                                          g.destinationHeight, g.width, g.height, flags, g.padding,
+                                                          &sizes),
+                      ZO_OK);
+            // One source pixel less: the bytes of the last pixel read (for a
+            // packed source, the last byte of its last group).
+            const std::uint64_t pixel = (pair.first & ZO_PIXEL_PACKED) ? 1 : ZoPixelConverter_GetSourceByteSize(c, 1);
+            EXPECT_TRUE(FaultsWithShorterSource(c, source, destination, g, flags, sizes, pixel))
+                << std::hex << pair.first << " -> " << pair.second << " flags " << flags
+                << ": the last counted source pixel is never read";
+        }
+    }
+}
+
+#endif
