@@ -29,6 +29,22 @@ public:
 // through the first stage, whatever `width` and `height` say, and the caller's
 // filter acts on the first stage only; the second runs with the default
 // identity filter. Several threads may convert through one chain at once.
+//
+// The intermediate frame holds the source frame and one line after it, a
+// copy of the frame's last line: a replicating Bayer second stage with an
+// odd height reads that line, so its last output line takes the colours of
+// the line above. The output is a function of the call's arguments and
+// source bytes alone.
+//
+// Result codes of the area form: a stage's non-zero result, returned as it
+// is; 18 (ZO_ERR_BAD_ARGUMENT), with nothing read or written, when the area
+// lies beyond the source frame (width > sourceWidth or height >
+// sourceHeight: the second stage would read lines no stage wrote), when an
+// intermediate line or the intermediate frame with its extra line exceeds
+// 4 GiB - 1 bytes (the stages address it through 32-bit byte sizes; for
+// instance Gray 8 to RGB 24 Planar at 65536 x 21846), or when it cannot be
+// allocated. The line form answers 18 likewise when its intermediate lines
+// exceed 4 GiB - 1 bytes or cannot be allocated.
 class ZO_API ZoComplexConverter : public ZoPixelConverter {
 public:
     ZoComplexConverter(ZoPixelConverter* first, ZoPixelConverter* second);

@@ -113,7 +113,42 @@ ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* conv
  *
  * Answers 18 and writes nothing for a null converter, a band that ends
  * beyond the area, or a boundary the converter cannot split at (see the
- * line boundary rules below). lineCount 0 converts nothing and answers 0. */
+ * line boundary rules below). lineCount 0 converts nothing and answers 0.
+ *
+ * Line boundaries, by converter family. A band may start and end on any
+ * line, except in one family:
+ *  - Bayer demosaicing in replicating mode (FLAG_BAYER_INTERPOLATE clear),
+ *    by a Bayer converter or by a chain whose second stage is one (packed,
+ *    interlaced and dual-tap Bayer sources to RGB16/24/32/48): lines go in
+ *    pairs (2k, 2k + 1), so a band starts on an even line and ends after an
+ *    odd one or with the area. Other boundaries answer 18. With an odd
+ *    height the last pair is (height - 1, height): the last band writes
+ *    line `height`, as the whole-area conversion does.
+ *  - Any line: interpolating Bayer demosaicing (a band reads the lines above
+ *    and below it inside the area and treats only the area's first and last
+ *    lines as edges), grayscale depth changes, packed unpacking, dual-tap and
+ *    Dual Lines recombination, RGB repacking and the planar split, YUV and
+ *    YCrCb, identity copies and deinterlacing (band lines are destination
+ *    lines: each field's pass converts only the band's lines of that field),
+ *    and chains whose second stage is one of these (Bayer to RGB 24 Planar
+ *    included: its first stage is converted on even lines internally).
+ *
+ * Over-writes. The documented writes of a line outside its pixels (a 4:2:2
+ * pixel or up to three RGB pixels after it, a packed or dual-tap pixel
+ * before or after it, replicating Bayer's and the interlaced walk's line
+ * `height` at odd heights) are written by a band only where they fall in its
+ * own lines; the first band also writes what the area writes before its
+ * first line, the last band what it writes after its last line. Every byte
+ * of a band's lines comes out as the whole-area conversion leaves it, also
+ * where a neighbouring line's over-write lands in it.
+ *
+ * Buffers are those of the whole-area conversion: a band reads source lines
+ * outside its own (neighbours of its lines; for a chain, the source lines
+ * of the intermediate lines its second stage reads). A chain answers what
+ * its area form answers (18 for an area beyond the source frame or an
+ * intermediate frame beyond 4 GiB - 1) and converts into a few intermediate
+ * lines of its own for each call, so bands never share them. Bands of one
+ * area may run at the same time through one converter. */
 ZO_API uint32_t ZoPixelConverter_ConvertBand(const ZoPixelConverter* converter, const ZoRGBFilter* filter,
                                              const unsigned char* source, uint32_t sourceWidth,
                                              uint32_t sourceHeight, unsigned char* destination,

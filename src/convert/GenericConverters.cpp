@@ -2,7 +2,12 @@
 #include "ZoGenericConverters.h"
 
 #include <cstring>
+#include <new>
 #include <vector>
+
+#include "convert/BandWindow.h"
+#include "convert/ChainFrame.h"
+#include "core/PixelTypeId.h"
 
 ZoIdentityConverter::ZoIdentityConverter(const std::int64_t& sourceType, const std::int64_t& destinationType,
                                          std::uint32_t sourcePixelSize, std::uint32_t destinationPixelSize)
@@ -27,6 +32,13 @@ std::uint32_t ZoIdentityConverter::Convert(const unsigned char* source, unsigned
 }
 
 // ---------------------------------------------------------------------------
+
+namespace {
+
+// Bytes kept free before and after an intermediate frame.
+constexpr std::uint32_t kFrameMargin = 64;
+
+}  // namespace
 
 // The intermediate buffer of one call: the chain's own when it is free, else
 // one for this call alone.
@@ -86,9 +98,11 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint
     // repackers up to three pixels past a line; some second stages read as
     // far. The intermediate frame therefore sits inside a margin: kMargin
     // bytes before it, one intermediate line and kMargin bytes after it.
-    constexpr std::uint32_t kMargin = 64;
-    const std::size_t total = std::size_t{kMargin} + needed + lineBytes + kMargin;
-    if (!scratch.mLock.owns_lock()) {
+    constexpr std::uint32_t kMargin = kFrameMargin;
+    const std::uint64_t total = std::uint64_t{kMargin} + needed + lineBytes + kMargin;
+    // A frame whose size the shared buffer's 32-bit size cannot record gets
+    // a buffer of its own as well.
+    if (!scratch.mLock.owns_lock() || total > zo::kChainFrameLimit) {
         scratch.mOwn.resize(total);
         return scratch.mOwn.data() + kMargin;
     }
@@ -97,7 +111,7 @@ unsigned char* ZoComplexConverter::AcquireBuffer(std::uint32_t needed, std::uint
         delete[] mBuffer;
         mBuffer = nullptr;
         mBufferSize = 0;
-        mBuffer = new unsigned char[total];
+        mBuffer = new unsigned char[static_cast<std::size_t>(total)];
         mBufferSize = static_cast<std::uint32_t>(total);
     }
     return mBuffer + kMargin;
@@ -116,19 +130,27 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned 
 std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, unsigned char* destination,
                                           std::uint32_t count) const
 {
-    // The chain and each stage hold the thread's record for the call.
-    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
-    ZoPixelConverterContext& context = chain.Context();
-    Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(GetLinesPerConvert() * count),
-                                          mFirst->GetDestinationByteSize(count), scratch);
-    // Both stages step through the intermediate buffer by intermediate lines.
-    context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
-    context.sourceLineBytes = mSecond->GetSourceByteSize(count);
-    const std::uint32_t r = mFirst->Convert(source, buffer, count);
-    if (r != ZO_OK)
-        return r;
-    return mSecond->Convert(buffer, destination, count);
+    // L intermediate lines of `count` pixels, sized in 64 bits.
+    std::uint64_t needed = 0;
+    if (!zo::ChainFrameBytes(mFirst->GetDestinationByteSize(), count, GetLinesPerConvert(), &needed))
+        return ZO_ERR_BAD_ARGUMENT;
+    const std::uint32_t lineBytes = mFirst->GetDestinationByteSize() * count;  // fits: checked above
+    try {
+        // The chain and each stage hold the thread's record for the call.
+        ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+        ZoPixelConverterContext& context = chain.Context();
+        Scratch scratch(mBufferLock);
+        unsigned char* buffer = AcquireBuffer(static_cast<std::uint32_t>(needed), lineBytes, scratch);
+        // Both stages step through the intermediate buffer by intermediate lines.
+        context.destinationLineBytes = mFirst->GetDestinationByteSize(count);
+        context.sourceLineBytes = mSecond->GetSourceByteSize(count);
+        const std::uint32_t r = mFirst->Convert(source, buffer, count);
+        if (r != ZO_OK)
+            return r;
+        return mSecond->Convert(buffer, destination, count);
+    } catch (const std::bad_alloc&) {
+        return ZO_ERR_BAD_ARGUMENT;
+    }
 }
 
 std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint32_t sourceWidth,
@@ -137,20 +159,77 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
                                           std::uint32_t width, std::uint32_t height, std::uint32_t flags,
                                           std::uint32_t destinationPadding) const
 {
-    ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
-    ZoPixelConverterContext& context = chain.Context();
-    Scratch scratch(mBufferLock);
-    unsigned char* buffer = AcquireBuffer(mFirst->GetDestinationByteSize(sourceWidth * sourceHeight),
-                                          mFirst->GetDestinationByteSize(sourceWidth), scratch);
-    // The first stage converts the whole source frame, with the caller's
-    // filter if there is one; it clears the filter when it returns, so the
-    // second stage runs with the default identity filter.
-    std::uint32_t r = mFirst->Convert(source, sourceWidth, sourceHeight, buffer, sourceWidth, sourceHeight,
-                                      sourceWidth, sourceHeight, flags, 0);
-    if (r != ZO_OK)
-        return r;
-    r = mSecond->Convert(buffer, sourceWidth, sourceHeight, destination, destinationWidth, destinationHeight,
-                         width, height, flags, destinationPadding);
-    context.filter = nullptr;
-    return r;
+    // The second stage walks the intermediate frame, which holds the source
+    // frame and nothing else: an area beyond it would read bytes no stage
+    // wrote.
+    if (width > sourceWidth || height > sourceHeight)
+        return ZO_ERR_BAD_ARGUMENT;
+    // The frame and one line after it (see below), sized in 64 bits.
+    std::uint64_t frameBytes = 0;
+    if (!zo::ChainFrameBytes(mFirst->GetDestinationByteSize(), sourceWidth, std::uint64_t{sourceHeight} + 1,
+                             &frameBytes))
+        return ZO_ERR_BAD_ARGUMENT;
+    const std::uint32_t lineBytes = mFirst->GetDestinationByteSize() * sourceWidth;  // fits: checked above
+    const zo::BandWindow window = zo::ThreadBandWindow();
+    try {
+        ContextHold chain(*this), firstHold(*mFirst), secondHold(*mSecond);
+        ZoPixelConverterContext& context = chain.Context();
+        // Converts intermediate lines [from, to) into `frame` (where line 0
+        // of the intermediate frame is, or would be) and then the area, or
+        // the band of it, from there.
+        auto convert = [&](unsigned char* frame, std::uint32_t from, std::uint32_t to) {
+            // The first stage converts the source frame, with the caller's
+            // filter if there is one; it clears the filter when it returns,
+            // so the second stage runs with the default identity filter.
+            std::uint32_t r;
+            {
+                const zo::BandWindowScope lines({window.active, from, to});
+                r = mFirst->Convert(source, sourceWidth, sourceHeight, frame, sourceWidth, sourceHeight,
+                                    sourceWidth, sourceHeight, flags, 0);
+            }
+            if (r != ZO_OK)
+                return r;
+            // A replicating Bayer second stage with an odd height converts
+            // the pair (height - 1, height) and so reads the line after the
+            // frame. That line is a copy of the frame's last line, so that
+            // the output depends on this call's input alone (never on an
+            // earlier frame's bytes left in the buffer) and the last line
+            // takes the colours of the line above it.
+            if (to == sourceHeight && sourceHeight != 0)
+                std::memcpy(frame + std::size_t{sourceHeight} * lineBytes,
+                            frame + std::size_t{sourceHeight - 1} * lineBytes, lineBytes);
+            {
+                const zo::BandWindowScope band(window);
+                r = mSecond->Convert(frame, sourceWidth, sourceHeight, destination, destinationWidth,
+                                     destinationHeight, width, height, flags, destinationPadding);
+            }
+            context.filter = nullptr;
+            return r;
+        };
+        if (!window.active) {
+            Scratch scratch(mBufferLock);
+            unsigned char* buffer =
+                AcquireBuffer(static_cast<std::uint32_t>(frameBytes - lineBytes), lineBytes, scratch);
+            return convert(buffer, 0, sourceHeight);
+        }
+        // A band: the first stage converts, into storage of this call alone,
+        // the intermediate lines the second stage's calls for the band read
+        // (on even lines, where a replicating Bayer first stage can start
+        // and end). Bands thus run concurrently through one chain.
+        const bool planar = ZoIdHas(mSecond->GetDestinationType(), ZO_PIXEL_PLANAR) &&
+                            !ZoIdHas(mSecond->GetSourceType(), ZO_PIXEL_PLANAR);
+        const std::uint32_t stride =
+            planar ? sourceWidth : mSecond->GetDestinationByteSize(destinationWidth) + destinationPadding;
+        const std::uint64_t reach =
+            zo::BandReadReach(stride, std::uint64_t{mSecond->GetDestinationByteSize()} * sourceWidth);
+        std::uint32_t from = window.firstLine > reach ? static_cast<std::uint32_t>(window.firstLine - reach) : 0;
+        from &= ~1u;
+        const std::uint64_t past = reach >= sourceHeight ? sourceHeight : window.endLine + reach + 1;  // made even
+        const std::uint32_t to = past >= sourceHeight ? sourceHeight : static_cast<std::uint32_t>(past & ~1ull);
+        std::vector<unsigned char> lines(std::size_t{kFrameMargin} + std::size_t{to - from + 1} * lineBytes +
+                                         kFrameMargin);
+        return convert(lines.data() + kFrameMargin - std::ptrdiff_t{from} * lineBytes, from, to);
+    } catch (const std::bad_alloc&) {
+        return ZO_ERR_BAD_ARGUMENT;
+    }
 }

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "ZoPixelTypeFactory.h"
+#include "convert/BandWindow.h"
 #include "core/PixelTypeId.h"
 
 namespace {
@@ -168,23 +169,39 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
         }
     };
 
+    // A band conversion in progress on this thread makes only the calls
+    // that write its lines (see convert/BandWindow.h).
+    const zo::BandWindow window = zo::ThreadBandWindow();
+    const bool planar = ZoIdHas(destinationType, ZO_PIXEL_PLANAR) && !ZoIdHas(sourceType, ZO_PIXEL_PLANAR);
+    std::uint32_t result = ZO_OK;
     if (ZoIdHas(sourceType, ZO_PIXEL_INTERLACED)) {
         // Two fields one after the other in the source: the first fills the
         // even destination lines, the second the odd ones (swapped when
         // FLAG_INVERT_DEINTERLACER is set).
         const unsigned char* secondField = source + (sourceHeight * sourceLineBytes) / 2;
         const bool invert = (flags & FLAG_INVERT_DEINTERLACER) != 0;
-        pass(invert ? secondField : source, destination, 2, sourceLineBytes, 2 * destinationLineBytes);
-        pass(invert ? source : secondField, destination + destinationLineBytes, 2, sourceLineBytes,
-             2 * destinationLineBytes);
+        const unsigned char* const fields[2] = {invert ? secondField : source, invert ? source : secondField};
+        if (window.active) {
+            result = zo::WalkBand(*this, context, window, fields, 2, destination, width, height, 2,
+                                  sourceLineBytes, planar);
+        } else {
+            pass(fields[0], destination, 2, sourceLineBytes, 2 * destinationLineBytes);
+            pass(fields[1], destination + destinationLineBytes, 2, sourceLineBytes, 2 * destinationLineBytes);
+        }
     } else {
         std::uint32_t step = GetLinesPerConvert();
         if (step == 0)
             step = 1;  // a converter reporting 0 lines would never advance
-        pass(source, destination, step, step * sourceLineBytes, step * destinationLineBytes);
+        if (window.active) {
+            const unsigned char* const frame[2] = {source, nullptr};
+            result = zo::WalkBand(*this, context, window, frame, 1, destination, width, height, step,
+                                  step * sourceLineBytes, planar);
+        } else {
+            pass(source, destination, step, step * sourceLineBytes, step * destinationLineBytes);
+        }
     }
     context.filter = nullptr;
-    return ZO_OK;
+    return result;
 }
 
 std::uint32_t ZoPixelConverter::Convert(const unsigned char*, unsigned char*, std::uint32_t) const

@@ -2,6 +2,7 @@ set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/convert)
 list(APPEND ZO_LIB_SOURCES
   ${_dir}/RGBFilter.cpp
   ${_dir}/PixelConverter.cpp
+  ${_dir}/BandWalk.cpp
   ${_dir}/GenericConverters.cpp
   ${_dir}/IdentityRegistry.cpp
   ${_dir}/ChainRegistry.cpp
@@ -12,6 +13,7 @@ list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/GenericConvertersTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ConcurrencyTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainedRegistryTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainFrameTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/LibraryUnloadTest.cpp)
 # The table of built-in chains, kept in the repository; the registry test
 # checks every row of it.
