@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <algorithm>
 
 #include "FrameConvert.h"
 #include "LibraryInfo.h"
@@ -82,9 +83,13 @@ std::string PackedDepthCaveat(std::int64_t source, std::int64_t destination, con
             for (int b = 0; b < 3; ++b)
                 frame[i + b] = static_cast<std::uint8_t>(group >> (8 * b));
         const std::vector<std::uint8_t> out = Probe(converter, 0, nullptr, &frame);
-        if (out.size() < 4)
+        if (out.size() < 16)
             return "";
-        words[sample] = static_cast<std::uint32_t>(out[2 * sample] | (out[2 * sample + 1] << 8));
+        // The largest word of the first line: where a two-tap layout puts the
+        // sample does not matter, and bits of A that reach B's word are smaller.
+        words[sample] = 0;
+        for (std::size_t i = 0; i < 16; i += 2)
+            words[sample] = std::max<std::uint32_t>(words[sample], out[i] | (out[i + 1] << 8));
     }
     if (words[0] == exact && words[1] == exact)
         return "";
@@ -128,9 +133,13 @@ std::vector<std::string> Caveats(std::int64_t source, std::int64_t destination, 
     // Sources read wider than their type says.
     if (ZoPixelTypeFactory::HasPixelType(source) && (static_cast<std::uint32_t>(source) & ZO_PIXEL_PACKED) == 0) {
         const std::uint32_t typeBytes = ZoPixelTypeFactory::GetPixelType(source).GetPixelByteSize();
-        if (typeBytes != converter.GetSourceByteSize())
-            notes.push_back("reads " + std::to_string(converter.GetSourceByteSize()) + " bytes a pixel, not " +
-                            std::to_string(typeBytes) +
+        const std::string bytes = std::to_string(converter.GetSourceByteSize());
+        if (typeBytes != converter.GetSourceByteSize() && Is(&converter, "ZoIdentityConverter"))
+            notes.push_back("copies " + bytes + " bytes a pixel, not the type's " + std::to_string(typeBytes) +
+                            " (give " + std::to_string(typeBytes / converter.GetSourceByteSize()) +
+                            " times the width)");
+        else if (typeBytes != converter.GetSourceByteSize())
+            notes.push_back("reads " + bytes + " bytes a pixel, not " + std::to_string(typeBytes) +
                             (source == ZO_PT_RGB24 ? " (RGB8_3, 0x0002000A, is the 3-byte type)" : ""));
     }
 
@@ -146,7 +155,7 @@ std::vector<std::string> Caveats(std::int64_t source, std::int64_t destination, 
     if (dynamic_cast<const ZoGrayscale16PackedToGrayscale16*>(first) ||
         dynamic_cast<const ZoGrayscale16PackedToGrayscale8*>(first) ||
         dynamic_cast<const ZoGrayscale16PackedToRGB*>(first))
-        notes.push_back("odd width: reads 3 bytes and writes 1 pixel past the line");
+        notes.push_back("odd width: reads the whole last 3-byte group and writes its second pixel outside the line");
 
     if (IsBayerConverter(converter)) {
         const std::uint32_t pattern = DefaultPattern(converter);
@@ -164,6 +173,8 @@ std::vector<std::string> Caveats(std::int64_t source, std::int64_t destination, 
         notes.push_back("replicating, odd height: reads and writes one line past the area");
     }
 
+    if (static_cast<std::uint32_t>(source) & ZO_PIXEL_INTERLACED)
+        notes.push_back("interlaced, odd height: reads up to half a line past the frame, writes one line past the area");
     if (dynamic_cast<const ZoYUV8toRGB*>(first) || dynamic_cast<const ZoYUV10ToRGB*>(first))
         notes.push_back("odd width: reads and writes one pixel past the line");
     if ((source & ~static_cast<std::int64_t>(ZO_PIXEL_INTERLACED)) == 0x00040005 && destination == ZO_PT_RGB16)

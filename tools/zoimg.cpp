@@ -516,7 +516,9 @@ std::string ConverterDocument()
            "first and second sample of a packed three-byte group. Buffer over-reads and over-writes are\n"
            "those of one area conversion; `ZoPixelConverter_GetAreaBufferSizes` gives the exact sizes.\n"
            "Interlaced sources are converted field by field: the first half of the buffer fills the even\n"
-           "lines (the flag `invert-deinterlacer` swaps the halves).\n\n";
+           "lines (the flag `invert-deinterlacer` swaps the halves). `zoimg convert` fills the line a\n"
+           "replicating Bayer conversion reads past an odd-height frame with a copy of line height - 2, so\n"
+           "that the last row gets the colours of the row above.\n\n";
     doc += std::to_string(pairs) + " registered pairs (" + std::to_string(chains) + " served by chains) from " +
            std::to_string(sources.size()) + " source IDs.\n";
     return doc + body;
