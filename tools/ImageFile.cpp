@@ -189,8 +189,18 @@ bool IsImageFileName(const std::string& path)
 
 bool IsRawFileName(const std::string& path)
 {
+    // Image formats zoimg does not write: such a name would get raw bytes
+    // that no viewer reads.
+    static const char* const kOtherImages[] = {"jpg", "jpeg", "jpe", "jfif", "tif", "tiff", "bmp", "dib", "gif",
+                                               "webp", "exr", "hdr", "heic", "heif", "avif", "jxl", "jp2", "tga",
+                                               "pnm", "pam", "pfm", "ico", "qoi", "dng"};
     const std::string ext = Extension(path);
-    return path == "-" || ext.empty() || ext == "raw" || ext == "bin";
+    if (path == "-")
+        return true;
+    for (const char* other : kOtherImages)
+        if (ext == other)
+            return false;
+    return !IsImageFileName(path);
 }
 
 bool HavePng()

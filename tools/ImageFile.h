@@ -32,8 +32,9 @@ struct Image {
 
 // Whether the name ends in .png, .ppm or .pgm (case-insensitive).
 bool IsImageFileName(const std::string& path);
-// Whether the name is "-" (standard output), has no extension, or ends in
-// .raw or .bin: the names that get the converted bytes as they are.
+// Whether the name gets the converted bytes as they are: "-" (standard
+// output) or any name but those of images, including image formats zoimg
+// does not write (.jpg, .tif, .bmp ...).
 bool IsRawFileName(const std::string& path);
 // The extension, lower case, without its dot ("" for none).
 std::string Extension(const std::string& path);

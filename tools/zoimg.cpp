@@ -66,8 +66,9 @@ const char kUsageText[] =
     "  --threads N        convert each frame in N bands at once (default 1)\n"
     "IN is a raw file ('-': standard input). OUT is .png, .ppm or .pgm for an image\n"
     "(RGB and gray destinations; samples scaled to the full range, PNG sBIT gives\n"
-    "the significant bits), or '-', .raw, .bin or no extension for the converted\n"
-    "bytes as the library writes them. Several frames give OUT-0000.png,\n"
+    "the significant bits); '-' or any other name (.raw, .yuv ...) gets the bytes\n"
+    "as the library writes them, but not the name of an image format zoimg does\n"
+    "not write (.jpg, .tif ...). Several frames give OUT-0000.png,\n"
     "OUT-0001.png ... or one raw stream. A Bayer source without a pattern uses\n"
     "its converter's default, named on stderr. In replicating Bayer mode an odd\n"
     "height converts the last line together with one past the frame: zoimg fills\n"
@@ -297,8 +298,8 @@ int ParseConvert(const std::vector<std::string>& args, ConvertRequest& r)
     r.flags |= fromPattern;
 
     if (!IsImageFileName(r.out) && !IsRawFileName(r.out))
-        return Usage("zoimg cannot write '." + Extension(r.out) + "' files: OUT must end in .png, .ppm or .pgm for "
-                     "an image, or be '-', .raw, .bin or a name without extension for raw bytes");
+        return Usage("zoimg cannot write '." + Extension(r.out) + "' files: give OUT the extension .png, .ppm or "
+                     ".pgm for an image, or .raw (any name but an image's, or '-') for the converted bytes");
     if (Extension(r.out) == "png" && !HavePng())
         return Usage("this zoimg was built without libpng; write .ppm or .pgm instead");
     return 0;
