@@ -168,7 +168,7 @@ std::vector<std::string> Caveats(std::int64_t source, std::int64_t destination, 
         if (name.find("RGGB") != std::string::npos && pattern != ZO_FLAG_BAYER_RGGB)
             note += " although the name says RGGB";
         notes.push_back(note);
-        if (Is(last, "ZoBayerRGB8ToRGB16"))
+        if (Is(last, "ZoBayerRGB8ToRGB16") || Is(first, "ZoBayerRGB8ToRGB16"))
             notes.push_back("replicating GRBG: pixels 2 and 3 of every 8 take red from pixel 4 (a green site)");
         notes.push_back("replicating, odd height: reads and writes one line past the area");
     }

@@ -49,7 +49,8 @@ FrameConverter::~FrameConverter() = default;
 bool IsBayerConverter(const ZoPixelConverter& converter)
 {
     if (const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter))
-        return chain->GetSecond() && IsBayerConverter(*chain->GetSecond());
+        return (chain->GetFirst() && IsBayerConverter(*chain->GetFirst())) ||
+               (chain->GetSecond() && IsBayerConverter(*chain->GetSecond()));
     return dynamic_cast<const ZoBayerRGB8ToRGB*>(&converter) || dynamic_cast<const ZoBayerRGB16ToRGB*>(&converter);
 }
 
@@ -73,8 +74,11 @@ bool FrameConverter::Prepare(const ZoPixelConverter& converter, std::uint32_t wi
 
     mExtendLastRow = Replicating(converter, flags) && height % 2 == 1;
     mStages.clear();
+    // A chain whose second stage demosaics reads the line past the frame in
+    // its own intermediate frame: run its stages here. A first stage that
+    // demosaics reads it in the caller's source, like a Bayer converter.
     const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter);
-    if (mExtendLastRow && chain && chain->GetFirst() && chain->GetSecond()) {
+    if (mExtendLastRow && chain && chain->GetFirst() && chain->GetSecond() && IsBayerConverter(*chain->GetSecond())) {
         mStages.push_back({chain->GetFirst(), {}, true});
         mStages.push_back({chain->GetSecond(), {}, false});
     } else {

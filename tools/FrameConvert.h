@@ -68,8 +68,7 @@ private:
     std::vector<std::uint8_t> mIntermediate;
 };
 
-// Whether the converter (or the last stage of a chain) demosaics a Bayer
-// mosaic, and whether `flags` select replicating mode for it.
+// Whether the converter (or a stage of a chain) demosaics a Bayer mosaic.
 bool IsBayerConverter(const ZoPixelConverter& converter);
 
 // Significant bits per sample of a converted frame whose words say less than

@@ -204,6 +204,9 @@ grep -qE '^BayerRG8 +0x01080009 +0x000200(10|13) +bayer-rggb ' pfnc.txt || fail 
 frame b5.raw 100 200 100 200 50 100 50 100 100 200 100 200 50 100 50 100 100 200 100 200
 "$zoimg" convert --from BayerRGB8 --to RGB24 --width 4 --height 5 --flags bayer-grbg b5.raw odd.raw 2> /dev/null
 [[ $(bytes odd.raw) == "$(repeat 20 '200 100 50')" ]] || fail "odd height, last row: $(bytes odd.raw)"
+"$zoimg" convert --from BayerRGB8 --to 0x820002 --width 4 --height 5 --flags bayer-grbg b5.raw planar.raw 2> /dev/null
+[[ $(bytes planar.raw) == "$(repeat 20 200) $(repeat 20 100) $(repeat 20 50)" ]] ||
+    fail "odd height, Bayer to planar (Bayer first in the chain): $(bytes planar.raw)"
 # 12-bit packed GRBG, groups (A, B) = (G, R) on even lines, (B, G) on odd
 # ones, with G 0x640, R 0xC80, B 0x320 (8-bit 100, 200, 50).
 even=(0x40 0x06 0xC8) odd=(0x20 0x03 0x64)
