@@ -52,7 +52,9 @@ ZO_API const char* ZoImgLib_GetVersion(void);
  * whole pixels (whole three-byte groups for packed sources): nothing outside
  * is touched, and nothing beyond that end is asked for. So the count stops
  * inside the last line reached: a last line narrower than the frame, and
- * the padding after the last destination line, are not counted. Lines lie
+ * the padding after the last destination line, are not counted (a caller
+ * that keeps whole frames in the buffers allocates the larger of its frame
+ * size and the count). Lines lie
  * GetSourceByteSize(sourceWidth) bytes apart in the source and
  * GetDestinationByteSize(destinationWidth) + destinationPadding in the
  * destination (sourceWidth bytes for a planar destination, whose three
@@ -92,9 +94,11 @@ typedef struct ZoAreaBufferSizes {
 
 /* Fills *sizes for ZoPixelConverter_ConvertArea (or ConvertBand over the
  * whole area) with these arguments. 18 (and *sizes untouched) for a null
- * converter or sizes pointer, for sizes that do not fit in 64 bits, or for
- * an area whose line sizes, line steps, plane offsets or second-field
- * offset do not fit the 32 bits in which the conversion computes them. */
+ * converter or sizes pointer, for sizes that do not fit in 64 bits, for an
+ * area whose line sizes, line steps, plane offsets or second-field offset do
+ * not fit the 32 bits in which the conversion computes them, or for an area
+ * a chain refuses (beyond its source frame, or an intermediate frame beyond
+ * 4 GiB - 1). */
 ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
                                                     uint32_t sourceHeight, uint32_t destinationWidth,
                                                     uint32_t destinationHeight, uint32_t width, uint32_t height,

@@ -159,6 +159,11 @@ bool Sizes(const ZoPixelConverter& c, const Area& a, ZoAreaBufferSizes& out)
         // The first stage converts the whole source frame into the chain's
         // own buffer; only what it reads and what the second stage writes
         // reach the caller's buffers.
+        // A chain refuses an area beyond the source frame, and an
+        // intermediate frame (with the line after it) beyond 32 bits.
+        const U64 line = U64{chain->GetFirst() ? chain->GetFirst()->GetDestinationByteSize() : 0} * a.sourceWidth;
+        if (a.width > a.sourceWidth || a.height > a.sourceHeight || line * (U64{a.sourceHeight} + 1) > kMax32)
+            return false;
         const Area first{a.sourceWidth, a.sourceHeight, a.sourceWidth, a.sourceHeight,
                          a.sourceWidth, a.sourceHeight, a.flags, 0};
         ZoAreaBufferSizes one, two;

@@ -107,7 +107,16 @@ TEST(BufferSizes, RefusesNullArgumentsAndAreasBeyondTheThirtyTwoBitWalk)
               ZO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(bayer, 1u << 31, 2, 4, 2, 4, 2, 0, 0, &sizes),
               ZO_ERR_BAD_ARGUMENT);
+    // A chain's area beyond its source frame, and its intermediate frame
+    // (RGB24 lines, one more than the source's) beyond 4 GiB - 1:
+    // 3 x 65536 x 21846 bytes.
+    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, kRGB24Planar);
+    ASSERT_NE(chain, nullptr);
+    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 4, 4, 4, 5, 4, 5, 0, 0, &sizes), ZO_ERR_BAD_ARGUMENT);
+    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 1u << 16, 21845, 4, 4, 4, 4, 0, 0, &sizes),
+              ZO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(sizes.sourceBytes, 7u);  // untouched on refusal
+    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 1u << 16, 21844, 4, 4, 4, 4, 0, 0, &sizes), ZO_OK);
     // Just inside: 4 x (2^30 - 1) destination bytes a line.
     ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(rgb, (1u << 30) - 1, 2, (1u << 30) - 1, 2, (1u << 30) - 1, 2, 0,
                                                   0, &sizes),
