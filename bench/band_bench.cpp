@@ -112,7 +112,8 @@ Frame MakeFrame(const ZoPixelConverter& converter, unsigned sampleBits, std::uin
 }
 
 // state.range(0): 1 = the whole frame by this thread, 2 = the top half by
-// this thread and the bottom half by the helper, at once.
+// this thread and the bottom half by the helper, at once. For comparison,
+// 3 = two frames at once, one whole frame each (two items an iteration).
 void Bands(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits,
            std::uint32_t flags)
 {
@@ -121,11 +122,18 @@ void Bands(benchmark::State& state, std::int64_t source, std::int64_t destinatio
         return;
     }
     Frame f = MakeFrame(ZoPixelTypeFactory::GetConverter(source, destination), sampleBits, flags);
+    Frame other = state.range(0) == 3 ? MakeFrame(*f.converter, sampleBits, flags) : Frame{};
     const std::uint32_t half = (kHeight / 2) & ~1u;  // even: replicating Bayer bands start on even lines
     bool ok = true;
     for (auto _ : state) {
         if (state.range(0) == 1) {
             ok &= f.Whole() == ZO_OK;
+        } else if (state.range(0) == 3) {
+            std::uint32_t helperResult = ZO_OK;
+            TheHelper().Start([&] { helperResult = other.Whole(); });
+            ok &= f.Whole() == ZO_OK;
+            TheHelper().Wait();
+            ok &= helperResult == ZO_OK;
         } else {
             std::uint32_t helperResult = ZO_OK;
             TheHelper().Start([&] { helperResult = f.Band(half, kHeight - half); });
@@ -137,9 +145,10 @@ void Bands(benchmark::State& state, std::int64_t source, std::int64_t destinatio
     }
     if (!ok)
         state.SkipWithError("a conversion failed");
-    state.SetItemsProcessed(state.iterations());
-    state.SetBytesProcessed(state.iterations() *
-                            static_cast<std::int64_t>(f.converter->GetDestinationByteSize(kWidth)) * kHeight);
+    const std::int64_t frames = state.iterations() * (state.range(0) == 3 ? 2 : 1);
+    state.SetItemsProcessed(frames);
+    state.SetBytesProcessed(frames * static_cast<std::int64_t>(f.converter->GetDestinationByteSize(kWidth)) *
+                            kHeight);
 }
 
 void BM_Band_Bayer8ToRGB24_Interpolate(benchmark::State& s)
@@ -183,10 +192,16 @@ void Threads(benchmark::internal::Benchmark* b)
     b->Arg(1)->Arg(2)->ArgName("threads")->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
+void ThreadsAndSeparateFrames(benchmark::internal::Benchmark* b)
+{
+    Threads(b);
+    b->Arg(3);
+}
+
 }  // namespace
 
 BENCHMARK(BM_Band_Memcpy4)->Apply(Threads);
-BENCHMARK(BM_Band_Bayer8ToRGB24_Interpolate)->Apply(Threads);
-BENCHMARK(BM_Band_Bayer12ToRGB48_Interpolate)->Apply(Threads);
-BENCHMARK(BM_Band_YUYVToBGR32)->Apply(Threads);
-BENCHMARK(BM_Band_Gray12PackedToGray12)->Apply(Threads);
+BENCHMARK(BM_Band_Bayer8ToRGB24_Interpolate)->Apply(ThreadsAndSeparateFrames);
+BENCHMARK(BM_Band_Bayer12ToRGB48_Interpolate)->Apply(ThreadsAndSeparateFrames);
+BENCHMARK(BM_Band_YUYVToBGR32)->Apply(ThreadsAndSeparateFrames);
+BENCHMARK(BM_Band_Gray12PackedToGray12)->Apply(ThreadsAndSeparateFrames);

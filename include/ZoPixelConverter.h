@@ -83,7 +83,8 @@ public:
     // destination lines. A planar destination holds
     // three planes of destinationWidth x destinationHeight bytes with lines
     // sourceWidth bytes apart. Without a Bayer pattern flag, GRBG is assumed.
-    // Always returns 0.
+    // Always returns 0 (a band conversion, ZoPixelConverter_ConvertBand of
+    // ZoImgLibExt.h, goes through this walk and may answer 18 instead).
     virtual std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth,
                                   std::uint32_t sourceHeight, unsigned char* destination,
                                   std::uint32_t destinationWidth, std::uint32_t destinationHeight,
