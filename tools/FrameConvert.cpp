@@ -140,9 +140,12 @@ std::uint32_t FrameConverter::Convert(const std::uint8_t* source, std::vector<st
     const std::uint32_t extendFrom = mHeight >= 2 ? mHeight - 2 : 0;
 
     // The first stage's source: the frame, then zeros (or the extended line).
+    // Buffers keep their memory from frame to frame and are cleared, so
+    // every frame is converted as if it were the only one.
     const Stage& first = mStages.front();
-    std::vector<std::uint8_t> in(
-        std::max<std::size_t>(static_cast<std::size_t>(first.sizes.sourceBytes), frameBytes + mSourceLineBytes), 0);
+    std::vector<std::uint8_t>& in = mSource;
+    in.assign(std::max<std::size_t>(static_cast<std::size_t>(first.sizes.sourceBytes), frameBytes + mSourceLineBytes),
+              0);
     std::memcpy(in.data(), source, frameBytes);
     if (mExtendLastRow && mStages.size() == 1)
         CopyLine(in.data(), mSourceLineBytes, extendFrom, mHeight);
@@ -170,10 +173,10 @@ std::uint32_t FrameConverter::Convert(const std::uint8_t* source, std::vector<st
 
     const Stage& last = mStages.back();
     const std::size_t before = static_cast<std::size_t>(last.sizes.destinationBytesBefore);
-    std::vector<std::uint8_t> out(
-        before + std::max<std::size_t>(static_cast<std::size_t>(last.sizes.destinationBytes),
-                                       static_cast<std::size_t>(mDestinationFrameBytes)),
-        0);
+    std::vector<std::uint8_t>& out = mDestination;
+    out.assign(before + std::max<std::size_t>(static_cast<std::size_t>(last.sizes.destinationBytes),
+                                              static_cast<std::size_t>(mDestinationFrameBytes)),
+               0);
     result = RunStage(last, stageSource, out.data() + before, filter);
     destination.assign(out.begin() + before, out.begin() + before + static_cast<std::size_t>(mDestinationFrameBytes));
     return result;

@@ -65,7 +65,7 @@ private:
     bool mExtendLastRow = false;
     std::uint32_t mSourceLineBytes = 0;
     std::uint64_t mSourceFrameBytes = 0, mDestinationFrameBytes = 0;
-    std::vector<std::uint8_t> mIntermediate;
+    std::vector<std::uint8_t> mSource, mIntermediate, mDestination;
 };
 
 // Whether the converter (or a stage of a chain) demosaics a Bayer mosaic.
