@@ -247,7 +247,7 @@ int ParseConvert(const std::vector<std::string>& args, ConvertRequest& r)
     std::vector<std::string> files, seen;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
-        const bool option = a.size() > 2 && a.compare(0, 2, "--") == 0;
+        const bool option = a.size() > 1 && a[0] == '-';  // "-" alone is standard input or output
         if (!option) {
             files.push_back(a);
             continue;

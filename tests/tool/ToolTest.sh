@@ -163,6 +163,7 @@ done <<'END'
 2|is the bayer-rggb pattern, but --flags bayer-gbrg says bayer-gbrg|--from BayerRG8 --to RGB24 --flags bayer-gbrg b8.raw x.raw
 2|cannot write '.jpg' files|--from BayerRGB8 --to RGB24 b8.raw x.jpg
 2|--threads needs|--from BayerRGB8 --to RGB24 --threads 0 b8.raw x.raw
+2|unknown option -o|--from BayerRGB8 --to RGB24 b8.raw -o x.raw
 2|class RGB32) and 0x00020007 (class BGR32)|--from Gray8 --to 'RGB 32-bits' b8.raw x.raw
 1|0x00440003 (YUV 8-bits 4:4:4, Packed) is the source of no conversion; the nearest IDs that have converters are 0x00040003|--from 0x440003 --to RGB24 b8.raw x.raw
 1|frame of Bayer RGB 8-bits takes 32 (4 a line), so 2 frames take 64|--from BayerRGB8 --to RGB24 --frames 2 b8.raw x.raw
