@@ -22,14 +22,12 @@
 
 #include "ZoExport.h"
 #include "ZoPixelTypeIDs.h"
+/* The handle types are the flat interface's: declaring them here again
+ * would redefine its typedefs, which C99 does not allow. */
+#include "ZoImgLibC.h"
 
 #ifdef __cplusplus
-class ZoPixelConverter;
-class ZoRGBFilter;
 extern "C" {
-#else
-typedef struct ZoPixelConverter ZoPixelConverter;
-typedef struct ZoRGBFilter ZoRGBFilter;
 #endif
 
 /* ---- Version ---- */
