@@ -5,6 +5,22 @@
 // W0 = b0 | b1 << 8 for the first sample A and W1 = b1 | b2 << 8 for the
 // second sample B, and take each sample with its own shift and mask.
 //
+// The packed monochrome layouts in bits, counting in the 24-bit
+// little-endian value g = b0 | b1 << 8 | b2 << 16 of a group:
+//
+//   12-bit packed (0x00410003, and the 12-bit packed Bayer types):
+//     A = g bits 0..11, B = g bits 12..23; so b0 = A[7:0],
+//     b1 = B[3:0] << 4 | A[11:8], b2 = B[11:4]. This is GenICam PFNC Mono12p.
+//   10-bit packed (0x00410002): the same slots, each with its top two bits
+//     unused: A = g bits 0..9, B = g bits 12..21. No PFNC format has this
+//     layout (Mono10p packs 10-bit samples without gaps, Mono10Packed puts
+//     the low bits in the middle byte).
+//
+// The packed 10-bit Bayer types unpacked to 16-bit words take B from g bits
+// 14..23, and the two-tap packed 12-bit Bayer ones from g bits 10..21: those
+// are their registered parameters (docs/converters.md lists every
+// conversion's caveats).
+//
 // Two-tap sources (one of the Dual Left/Right bits in the source ID) deliver
 // the two taps interleaved: A of group i is the first tap's i-th pixel and B
 // the second's. The converters put each sample in its place in the line:

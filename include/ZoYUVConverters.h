@@ -18,7 +18,9 @@
 #include "ZoPixelConverter.h"
 
 // ---------------------------------------------------------------------------
-// 8-bit 4:2:2. A pair of pixels is the samples Y0 U Y1 V; each sample is
+// 8-bit 4:2:2. A pair of pixels is the samples Y0 U Y1 V (YUYV, GenICam
+// PFNC YCbCr601_422_8); UYVY data (U Y0 V Y1) must be swapped to this order
+// first, or its colours come out wrong. Each sample is
 // (extra + 1) bytes and its last byte is the value (extra 1 takes the high
 // byte of 16-bit little-endian samples). Source pixel size 2 x (extra + 1).
 //
@@ -76,7 +78,8 @@ public:
 };
 
 // ---------------------------------------------------------------------------
-// 10-bit 4:2:2. Each sample is a 16-bit little-endian word; the value used is
+// 10-bit 4:2:2. A pair of pixels is the words Y0 U Y1 V, in the order of the
+// 8-bit converters. Each sample is a 16-bit little-endian word; the value used is
 // the low 8 bits of (word >> shift), not clamped: with shift 2 a word beyond
 // the 10-bit range (0x7FC) loses its ninth bit (0x1FF gives 0xFF). Source
 // pixel size 4.

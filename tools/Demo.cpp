@@ -249,11 +249,12 @@ int RunDemo(const std::string& outputDirectory)
         const ZoPixelConverter& converter = ZoPixelTypeFactory::GetConverter(run.source, ZO_PT_RGB24);
         std::vector<std::uint8_t> frame;
         Image image;
-        const std::uint32_t result =
-            SourceFrameBytes(converter, kWidth, kHeight) == input.size()
-                ? ConvertFrame(converter, input.data(), kWidth, kHeight, run.flags, nullptr, frame)
-                : ZO_ERR_BAD_ARGUMENT;
-        if (result != ZO_OK || !FrameToImage(ZO_PT_RGB24, frame, kWidth, kHeight, image)) {
+        FrameConverter frames;
+        std::uint32_t result = ZO_ERR_BAD_ARGUMENT;
+        if (frames.Prepare(converter, kWidth, kHeight, run.flags, nullptr, 1, error) &&
+            frames.SourceFrameBytes() == input.size())
+            result = frames.Convert(input.data(), frame);
+        if (result != ZO_OK || !FrameToImage(ZO_PT_RGB24, frame, kWidth, kHeight, 0, image)) {
             row("-", "-", ": conversion failed (result " + std::to_string(result) + ")");
             status = 1;
             continue;

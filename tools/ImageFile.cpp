@@ -7,13 +7,20 @@
 #include <cstring>
 #include <memory>
 
+#include <sys/stat.h>
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#define ZOIMG_FILENO _fileno
+#else
+#define ZOIMG_FILENO fileno
+#endif
+
 #if defined(ZOIMG_HAVE_PNG)
 #include <png.h>
 #endif
 
 namespace zoimg {
-
-namespace {
 
 std::string Extension(const std::string& path)
 {
@@ -26,6 +33,8 @@ std::string Extension(const std::string& path)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return ext;
 }
+
+namespace {
 
 struct FileCloser {
     void operator()(std::FILE* f) const
@@ -104,8 +113,11 @@ bool WriteNetpbm(const std::string& path, const Image& source, int channels, std
 }
 
 #if defined(ZOIMG_HAVE_PNG)
-// PNG stores 16-bit samples most significant byte first and always uses the
-// full 16-bit range: narrower samples are scaled up.
+// PNG stores 16-bit samples most significant byte first. Every sample is
+// scaled to the full range of its depth (a 12-bit 4095 becomes 65535, as a
+// decoder that ignores sBIT expects), and the sBIT chunk records how many
+// bits are significant, so a decoder that reads it gets the exact values
+// back (the top bits of each scaled sample).
 bool WritePng(const std::string& path, const Image& image, std::string& error)
 {
     File f = Open(path, "wb", error);
@@ -129,6 +141,15 @@ bool WritePng(const std::string& path, const Image& image, std::string& error)
     png_set_IHDR(png, info, image.width, image.height, image.bitDepth,
                  image.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_color_8 sig = {};
+    const int significant = static_cast<int>(image.significantBits);
+    if (image.rgb565) {
+        sig.red = 5, sig.green = 6, sig.blue = 5;
+        png_set_sBIT(png, info, &sig);
+    } else if (significant > 0 && significant < image.bitDepth) {
+        sig.red = sig.green = sig.blue = sig.gray = static_cast<png_byte>(significant);
+        png_set_sBIT(png, info, &sig);
+    }
     png_write_info(png, info);
     for (std::uint32_t y = 0; y < image.height; ++y) {
         const std::size_t first = y * rowSamples;
@@ -163,7 +184,23 @@ std::uint16_t Image::Sample16(std::size_t index) const
 bool IsImageFileName(const std::string& path)
 {
     const std::string ext = Extension(path);
-    return ext == "png" || ext == "ppm" || ext == "pgm";
+    return path != "-" && (ext == "png" || ext == "ppm" || ext == "pgm");
+}
+
+bool IsRawFileName(const std::string& path)
+{
+    // Image formats zoimg does not write: such a name would get raw bytes
+    // that no viewer reads.
+    static const char* const kOtherImages[] = {"jpg", "jpeg", "jpe", "jfif", "tif", "tiff", "bmp", "dib", "gif",
+                                               "webp", "exr", "hdr", "heic", "heif", "avif", "jxl", "jp2", "tga",
+                                               "pnm", "pam", "pfm", "ico", "qoi", "dng"};
+    const std::string ext = Extension(path);
+    if (path == "-")
+        return true;
+    for (const char* other : kOtherImages)
+        if (ext == other)
+            return false;
+    return !IsImageFileName(path);
 }
 
 bool HavePng()
@@ -196,31 +233,93 @@ bool WriteImage(const std::string& path, const Image& image, std::string& error)
 
 bool WriteFile(const std::string& path, const std::uint8_t* data, std::size_t size, std::string& error)
 {
-    File f = Open(path, "wb", error);
-    if (!f)
+    RawOutput out;
+    return out.Open(path, error) && out.Write(data, size, error) && out.Close(error);
+}
+
+RawInput::~RawInput()
+{
+    if (mOwned && mFile)
+        std::fclose(mFile);
+}
+
+bool RawInput::Open(const std::string& path, std::string& error)
+{
+    mPath = path == "-" ? "standard input" : "'" + path + "'";
+    if (path == "-") {
+        mFile = stdin;
+#if defined(_WIN32)
+        _setmode(_fileno(stdin), _O_BINARY);
+#endif
+        return true;
+    }
+    mFile = std::fopen(path.c_str(), "rb");
+    if (!mFile) {
+        error = "cannot open '" + path + "': " + std::strerror(errno);
         return false;
-    if (size && std::fwrite(data, 1, size, f.get()) != size) {
-        error = "cannot write '" + path + "'";
+    }
+    mOwned = true;
+    struct stat status;
+    if (fstat(ZOIMG_FILENO(mFile), &status) == 0 && S_ISREG(status.st_mode))
+        mSize = static_cast<long long>(status.st_size);
+    return true;
+}
+
+bool RawInput::Read(std::uint8_t* data, std::size_t size, std::size_t& got, std::string& error)
+{
+    got = size ? std::fread(data, 1, size, mFile) : 0;
+    if (got < size && std::ferror(mFile)) {
+        error = "cannot read " + mPath;
         return false;
     }
     return true;
 }
 
-bool ReadFile(const std::string& path, std::vector<std::uint8_t>& data, std::string& error)
+RawOutput::~RawOutput()
 {
-    File f = Open(path, "rb", error);
-    if (!f)
+    if (mOwned && mFile)
+        std::fclose(mFile);
+}
+
+bool RawOutput::Open(const std::string& path, std::string& error)
+{
+    mPath = path == "-" ? "standard output" : "'" + path + "'";
+    if (path == "-") {
+        mFile = stdout;
+#if defined(_WIN32)
+        _setmode(_fileno(stdout), _O_BINARY);
+#endif
+        return true;
+    }
+    mFile = std::fopen(path.c_str(), "wb");
+    if (!mFile) {
+        error = "cannot open '" + path + "': " + std::strerror(errno);
         return false;
-    data.clear();
-    std::uint8_t chunk[65536];
-    std::size_t n;
-    while ((n = std::fread(chunk, 1, sizeof chunk, f.get())) > 0)
-        data.insert(data.end(), chunk, chunk + n);
-    if (std::ferror(f.get())) {
-        error = "cannot read '" + path + "'";
+    }
+    mOwned = true;
+    return true;
+}
+
+bool RawOutput::Write(const std::uint8_t* data, std::size_t size, std::string& error)
+{
+    if (size && std::fwrite(data, 1, size, mFile) != size) {
+        error = "cannot write " + mPath;
         return false;
     }
     return true;
+}
+
+bool RawOutput::Close(std::string& error)
+{
+    if (!mFile)
+        return true;
+    const bool ok = std::fflush(mFile) == 0 && !std::ferror(mFile);
+    if (mOwned)
+        std::fclose(mFile);
+    mFile = nullptr;
+    if (!ok)
+        error = "cannot write " + mPath;
+    return ok;
 }
 
 }  // namespace zoimg

@@ -7,6 +7,7 @@
 #include <typeinfo>
 
 #include "ZoImgLib.h"
+#include "ZoImgLibExt.h"
 
 #if defined(__has_include)
 #if __has_include(<cxxabi.h>)
@@ -164,8 +165,61 @@ std::string FlagWords(std::int64_t id)
     return words.empty() ? "-" : words;
 }
 
-bool ParseType(const std::string& text, std::int64_t& id, std::string& error)
+std::string TypeClass(std::int64_t id)
 {
+    // The catalogue's objects are plain ZoPixelType; the class is the one
+    // whose default ID has the same colour space and format number.
+    if (!ZoPixelTypeFactory::HasPixelType(id))
+        return "";
+    const std::int64_t base = id & (ZO_PIXEL_COLORSPACE_MASK | ZO_PIXEL_FORMAT_MASK);
+    for (const ClassId& c : kClassIds)
+        if (c.id == base)
+            return c.name;
+    return "";
+}
+
+bool IsConverterSource(std::int64_t id)
+{
+    std::int64_t destination = 0;
+    return ZoPixelTypeFactory::EnumConverterFrom(0, id, destination);
+}
+
+std::vector<std::int64_t> NearestSources(std::int64_t id, std::size_t count)
+{
+    const std::uint32_t low = static_cast<std::uint32_t>(id);
+    const std::uint32_t kind = ZO_PIXEL_COLORSPACE_MASK | ZO_PIXEL_FORMAT_MASK;
+    std::vector<std::pair<int, std::int64_t>> ranked;
+    for (std::int64_t source : ConverterSources()) {
+        const std::uint32_t other = static_cast<std::uint32_t>(source);
+        if (source != id && (other & kind) == (low & kind))
+            ranked.push_back({__builtin_popcount(other ^ low), source});
+    }
+    std::sort(ranked.begin(), ranked.end());
+    std::vector<std::int64_t> nearest;
+    for (std::size_t i = 0; i < ranked.size() && i < count; ++i)
+        nearest.push_back(ranked[i].second);
+    return nearest;
+}
+
+std::string PatternWords(std::uint32_t flags)
+{
+    static const struct {
+        std::uint32_t flag;
+        const char* word;
+    } kPatterns[] = {{ZO_FLAG_BAYER_GRBG, "bayer-grbg"},
+                     {ZO_FLAG_BAYER_GBRG, "bayer-gbrg"},
+                     {ZO_FLAG_BAYER_RGGB, "bayer-rggb"},
+                     {ZO_FLAG_BAYER_BGGR, "bayer-bggr"}};
+    std::string words;
+    for (const auto& p : kPatterns)
+        if (flags & p.flag)
+            words += (words.empty() ? "" : ",") + std::string(p.word);
+    return words;
+}
+
+bool ParseType(const std::string& text, std::int64_t& id, std::uint32_t& patternFlags, std::string& error)
+{
+    patternFlags = 0;
     if (ParseHex(text, id))
         return true;
     const std::string wanted = Lower(text);
@@ -179,27 +233,58 @@ bool ParseType(const std::string& text, std::int64_t& id, std::string& error)
     }
     if (matches.size() > 1) {
         error = "type name '" + text + "' is ambiguous, it names";
-        for (std::int64_t m : matches)
-            error += " " + HexId(m);
+        for (std::size_t i = 0; i < matches.size(); ++i)
+            error += (i == 0 ? " " : i + 1 == matches.size() ? " and " : ", ") + HexId(matches[i]) + " (class " +
+                     TypeClass(matches[i]) + ")";
         error += "; give the hex ID instead";
         return false;
     }
+
+    // Class names (any case, optional "Zo") and PFNC names (exact case).
+    bool haveClass = false;
+    std::int64_t classId = 0;
     std::string className = wanted;
     if (className.compare(0, 2, "zo") == 0)
         className = className.substr(2);
     for (const ClassId& c : kClassIds)
         if (Lower(c.name) == className) {
-            id = c.id;
-            return true;
+            classId = c.id;
+            haveClass = true;
+            break;
         }
+    std::int64_t pfncId = 0;
+    std::uint32_t pfncFlags = 0;
+    const std::uint32_t pfnc = ZoPfnc_FromName(text.c_str(), &pfncId, &pfncFlags);
+    if (pfnc == ZO_OK) {
+        if (haveClass && classId != pfncId) {
+            error = "'" + text + "' is ambiguous: the class " + text + " is " + HexId(classId) + " (" +
+                    TypeName(classId) + ") and the PFNC format " + text + " is " + HexId(pfncId) + " (" +
+                    TypeName(pfncId) + "); give the hex ID instead";
+            return false;
+        }
+        id = pfncId;
+        patternFlags = pfncFlags & (ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_BGGR);
+        return true;
+    }
+    if (haveClass) {
+        id = classId;
+        return true;
+    }
+    if (pfnc == ZO_ERR_NOT_SUPPORTED) {
+        error = "the PFNC format '" + text +
+                "' has no pixel type of the same bytes in this library ('zoimg types --pfnc' lists those that do)";
+        return false;
+    }
     error = "unknown pixel type '" + text +
-            "': give a hex ID (0x20010), a name listed by 'zoimg types' or a class name (BayerRGB8, RGB24)";
+            "': give a hex ID (0x20010), a name listed by 'zoimg types', a class name (BayerRGB8, RGB24) or a PFNC "
+            "name (BayerRG8, Mono12p; 'zoimg types --pfnc')";
     return false;
 }
 
-std::string ClassName(const ZoPixelConverter& converter)
+std::string ClassName(const ZoPixelConverter& converter) { return Demangle(typeid(converter).name()); }
+
+std::string Demangle(const char* mangled)
 {
-    const char* mangled = typeid(converter).name();
 #if defined(ZOIMG_HAVE_CXXABI)
     int status = 0;
     char* demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);

@@ -37,12 +37,34 @@ std::string TypeName(std::int64_t id);
 // "-" when none is set.
 std::string FlagWords(std::int64_t id);
 
+// The class of the registered pixel type object without its "Zo" prefix
+// ("RGB32", "BGR32", "BayerRGB8"), or "" for an unregistered ID.
+std::string TypeClass(std::int64_t id);
+
+// Whether at least one converter is registered from `id`.
+bool IsConverterSource(std::int64_t id);
+
+// The converter sources closest to `id` (same colour space and format
+// number, fewest differing ID bits first), at most `count` of them.
+std::vector<std::int64_t> NearestSources(std::int64_t id, std::size_t count);
+
+// The pattern flags (ZO_FLAG_BAYER_*) set in `flags`, as words
+// ("bayer-grbg"), comma-separated; "" for none.
+std::string PatternWords(std::uint32_t flags);
+
 // A type given on the command line: a hex ID ("0x20010" or "20010"), a
 // registered display name (case-insensitive, must be unique: "RGB 32-bits"
-// names two types) or the name of a pixel type class, with or without its
+// names two types), the name of a pixel type class, with or without its
 // "Zo" prefix ("BayerRGB8", "RGB24", "Gray8" for Grayscale8), meaning the
-// class's default ID. On failure returns false with a message in `error`.
-bool ParseType(const std::string& text, std::int64_t& id, std::string& error);
+// class's default ID, or a GenICam PFNC name as PFNC spells it
+// ("BayerRG12p"), which also gives the Bayer pattern in `patternFlags`
+// (0 otherwise). A name that is both a class and a PFNC format of other
+// bytes ("RGB16") is ambiguous. On failure returns false with a message in
+// `error`.
+bool ParseType(const std::string& text, std::int64_t& id, std::uint32_t& patternFlags, std::string& error);
+
+// A C++ type name, demangled where the compiler allows.
+std::string Demangle(const char* mangled);
 
 // The converter's class name ("ZoBayerRGB8ToRGB24"), demangled.
 std::string ClassName(const ZoPixelConverter& converter);

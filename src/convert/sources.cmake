@@ -15,8 +15,8 @@ list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainedRegistryTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainFrameTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/LibraryUnloadTest.cpp)
-# The table of built-in chains as settled beside the repository; the registry
-# test checks every row of it (and skips when it is absent).
+# The table of built-in chains, kept in the repository; the registry test
+# checks every row of it.
 list(APPEND ZO_TEST_DEFINITIONS
-  ZO_CHAIN_TABLE_CSV="${CMAKE_CURRENT_SOURCE_DIR}/../shared/design/chained-converters.csv")
+  ZO_CHAIN_TABLE_CSV="${CMAKE_CURRENT_SOURCE_DIR}/tests/data/chained-converters.csv")
 list(APPEND ZO_BENCH_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/bench/convert_bench.cpp)
