@@ -30,6 +30,7 @@
 
 #include "gray/DualTapPlacement.h"
 #include "gray/GrayscaleTables.h"
+#include "gray/PackedPaths.h"
 #include "rgb/RGBLayouts.h"
 
 namespace zo {
@@ -133,37 +134,36 @@ void UnpackPackedLineScalar(const unsigned char* source, unsigned char* destinat
         first);
 }
 
-}  // namespace zo
+// The active level's unpacking path for a layout (null: none for it).
+template <class Writer>
+inline PackedUnpackPath PackedVectorPath(const PackedPaths& paths)
+{
+    if constexpr (std::is_same<Writer, PackedToGray16>::value)
+        return paths.toGray16;
+    else if constexpr (std::is_same<Writer, PackedToGray8>::value)
+        return paths.toGray8;
+    else if constexpr (std::is_same<Writer, PackedToRGB16>::value)
+        return paths.toRGB16;
+    else if constexpr (std::is_same<Writer, PackedToRGB32>::value)
+        return paths.toRGB32;
+    else
+        return nullptr;
+}
 
-#include "gray/PackedSimd.h"
-
-namespace zo {
-
-// The AVX2 path of the 16-bit layout (gray/PackedAvx2.cpp): places groups
-// [0, pairs) (chunks of eight, loads reading two groups further), pair 0's
-// samples going to firstA and firstB. False, placing nothing, when the CPU
-// lacks AVX2.
-bool UnpackPackedGray16Avx2(const unsigned char* source, unsigned char* destination, std::uint32_t pairs,
-                            std::ptrdiff_t firstA, std::ptrdiff_t firstB, const PackedRules& rules, unsigned mode);
-
-// Unpacks one line: the widest vector path the CPU has, then the scalar
-// kernel for the rest of the line.
+// Unpacks one line: the active level's vector path, then the scalar kernel
+// for the rest of the line.
 template <class Writer, unsigned Mode>
 void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
                       std::uint32_t pipelining, PackedRules rules)
 {
     std::uint32_t first = 0;
-#ifdef ZO_PACKED_SSE2
-    if constexpr (sse2::HasSimd<Writer>::value) {
+    if (const PackedUnpackPath path = PackedVectorPath<Writer>(PackedActivePaths())) {
         // Chunks of eight groups; the loads read into the two groups after.
-        first = DualTapVectorPairs(n, pipelining, 8, 2);
-        const bool wide = std::is_same<Writer, PackedToGray16>::value &&
-                          UnpackPackedGray16Avx2(source, destination, first, DualTapRule<Mode>::FirstA(n),
-                                                 DualTapRule<Mode>::FirstB(n), rules, Mode);
-        if (!wide)
-            sse2::UnpackPackedPairs<Writer, Mode>(source, destination, n, first, rules);
+        const std::uint32_t pairs = DualTapVectorPairs(n, pipelining, 8, 2);
+        if (pairs != 0 && path(source, destination, n, pairs, DualTapRule<Mode>::FirstA(n),
+                               DualTapRule<Mode>::FirstB(n), rules, Mode))
+            first = pairs;
     }
-#endif
     UnpackPackedLineScalar<Writer, Mode>(source, destination, n, pipelining, rules, first);
 }
 

@@ -92,7 +92,7 @@ inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::
 // zero: no pair is converted.
 inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (count & 1); }
 
-// Vector paths (YUVSimd.cpp, the best for this CPU): convert whole groups
+// Vector paths (YUVSimd.cpp, those of the active level): convert whole groups
 // from the start of the line, unfiltered, into the layout of dstBytes
 // (2 RGB16, 3 and 4 with red at redIndex) and return how many pairs or
 // pixels they did; the scalar kernels finish the line. 0 where no vector
