@@ -12,7 +12,7 @@
 
 #include "bayer/BayerLayout.h"
 #include "bayer/BayerPaths.h"
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
 
 namespace zo {
 
@@ -28,36 +28,11 @@ struct ByteSamples {
 using Samples8 = ByteSamples<1, 0>;
 using UpperBytes16 = ByteSamples<2, 1>;
 
-#if (defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__) || defined(_WIN32)
-#define ZO_BAYER_LITTLE_ENDIAN 1
-#endif
-
 // Whole 16-bit little-endian words.
 struct Samples16 {
     static constexpr unsigned kBytes = 2;
-    static std::uint32_t At(const unsigned char* p, std::ptrdiff_t i)
-    {
-#if ZO_BAYER_LITTLE_ENDIAN
-        std::uint16_t w;
-        std::memcpy(&w, p + 2 * i, 2);
-        return w;
-#else
-        return LoadWord(p + 2 * i);
-#endif
-    }
+    static std::uint32_t At(const unsigned char* p, std::ptrdiff_t i) { return LoadLE16(p + 2 * i); }
 };
-
-// Three little-endian words, red first (one 6-byte copy where the host is
-// little-endian).
-inline void PutRGB48(unsigned char* d, std::uint16_t r, std::uint16_t g, std::uint16_t b)
-{
-#if ZO_BAYER_LITTLE_ENDIAN
-    const std::uint16_t words[3] = {r, g, b};
-    std::memcpy(d, words, 6);
-#else
-    WriteRGB48::Put(d, r, g, b);
-#endif
-}
 
 // ---- Outputs: filter lookup and destination layout -------------------------
 
@@ -107,7 +82,7 @@ struct Filtered48 {
     const std::uint16_t* blue;
     void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b) const
     {
-        PutRGB48(d, red[r], green[g], blue[b]);
+        WriteRGB48::Put(d, red[r], green[g], blue[b]);
     }
 };
 
@@ -116,7 +91,7 @@ struct Identity48 {
     static constexpr unsigned shift = 0;
     void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b) const
     {
-        PutRGB48(d, static_cast<std::uint16_t>(r), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(b));
+        WriteRGB48::Put(d, static_cast<std::uint16_t>(r), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(b));
     }
 };
 

@@ -62,7 +62,7 @@ void LastByteLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std
 template <class Writer>
 void FirstBytePixel(const unsigned char* s, unsigned char* d)
 {
-    Writer::Put(d, 0, s[0]);
+    Writer::Put(d, s[0]);
 }
 
 }  // namespace

@@ -79,7 +79,7 @@ struct Pixels8<PackedToRGB16> {
     __m128i v;
     Pixels8(__m128i lo, __m128i hi)
     {
-        // ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3), as kGrayToRGB16_8.
+        // ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3), as GrayToRGB16Word.
         const __m128i g = PackWords(LowByte(lo), LowByte(hi));
         const __m128i five = _mm_srli_epi16(g, 3);
         v = _mm_or_si128(_mm_or_si128(_mm_slli_epi16(five, 11), _mm_slli_epi16(_mm_srli_epi16(g, 2), 5)), five);
@@ -93,7 +93,7 @@ struct Pixels8<PackedToGray8> {
 template <>
 struct Pixels8<PackedToRGB32> {
     __m128i lo, hi;
-    static __m128i Spread(__m128i g)  // g x 0x1010101, as kPackedGrayToRGB32
+    static __m128i Spread(__m128i g)  // g x 0x1010101, as GrayToRGB32Filled
     {
         g = _mm_or_si128(g, _mm_slli_epi32(g, 8));
         return _mm_or_si128(g, _mm_slli_epi32(g, 16));

@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "rgb/RGBKernels.h"
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
 
 namespace zo {
 namespace simd {
