@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "core/PixelIO.h"
 #include "gray/GrayscaleTables.h"

@@ -33,10 +33,22 @@ struct RGBPaths {
     std::uint32_t (*swapFour)(const unsigned char* s, unsigned char* d, std::uint32_t n);
 };
 
-extern const RGBPaths kRGBPathsSSSE3;  // RGBSsse3.cpp (x86-64 builds)
+// RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step;
+// RGBAvx2.cpp: its own RGB16 path (sixteen pixels a step, then the SSSE3
+// one), the SSSE3 paths for the rest.
+std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t FourToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
+std::uint32_t ThreeToPlanesSsse3(const unsigned char* s, unsigned char* red, unsigned char* green,
+                                 unsigned char* blue, std::uint32_t n);
+std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
+std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
+extern const RGBPaths kRGBPathsSSSE3;
+extern const RGBPaths kRGBPathsAVX2;
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
-// returns 0) below SSSE3, the SSSE3 table from SSSE3 on.
+// returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 from AVX2 on.
 const RGBPaths& RGBActivePaths();
 
 }  // namespace simd

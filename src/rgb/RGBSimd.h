@@ -12,8 +12,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "rgb/RGBKernels.h"
 #include "core/PixelIO.h"
+#include "rgb/RGBKernels.h"
 
 namespace zo {
 namespace simd {

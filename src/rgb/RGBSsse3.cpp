@@ -32,26 +32,30 @@ std::uint32_t Shuffle(const unsigned char* s, unsigned char* d, std::uint32_t n,
     return i;
 }
 
-std::uint32_t ThreeToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+}  // namespace
+
+std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z);
     return Shuffle<3, 4>(s, d, n, blueFirst ? bgr : rgb);
 }
 
-std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, Z, Z, Z, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, Z, Z, Z, Z);
     return Shuffle<4, 3>(s, d, n, blueFirst ? bgr : rgb);
 }
 
-std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+std::uint32_t FourToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 4, 5, 6, Z, 8, 9, 10, Z, 12, 13, 14, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 6, 5, 4, Z, 10, 9, 8, Z, 14, 13, 12, Z);
     return Shuffle<4, 4>(s, d, n, blueFirst ? bgr : rgb);
 }
+
+namespace {
 
 // Shuffle masks gathering channel c of eight pixels of `group` bytes (32
 // loaded bytes, lo and hi) into 16-bit lanes, high bytes zero.
@@ -76,8 +80,10 @@ inline __m128i Gather(__m128i lo, __m128i hi, const ChannelMasks& m)
     return _mm_or_si128(_mm_shuffle_epi8(lo, m.lo), _mm_shuffle_epi8(hi, m.hi));
 }
 
+}  // namespace
+
 // word = ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3), on 16-bit lanes.
-std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
 {
     const ChannelMasks red = MakeChannelMasks(group, 0), green = MakeChannelMasks(group, 1),
                        blue = MakeChannelMasks(group, 2);
@@ -96,7 +102,7 @@ std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32
 }
 
 // Channel c of sixteen pixels from 48 bytes (three loads), one shuffle each.
-std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
+std::uint32_t ThreeToPlanesSsse3(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
                             std::uint32_t n)
 {
     __m128i masks[3][3];  // [channel][load]
@@ -122,20 +128,18 @@ std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned
     return i;
 }
 
-std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
+std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<3, 3>(s, d, n, _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, Z, Z, Z, Z));
 }
 
-std::uint32_t SwapFour(const unsigned char* s, unsigned char* d, std::uint32_t n)
+std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<4, 4>(s, d, n, _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15));
 }
 
-}  // namespace
-
-const RGBPaths kRGBPathsSSSE3 = {"SSSE3",      ThreeToFour,   FourToThree, FourToFour,
-                                 BytesToRGB16, ThreeToPlanes, SwapThree,   SwapFour};
+const RGBPaths kRGBPathsSSSE3 = {"SSSE3",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
+                                 BytesToRGB16Ssse3, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3};
 
 }  // namespace simd
 }  // namespace zo
