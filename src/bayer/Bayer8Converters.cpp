@@ -2,19 +2,20 @@
 // upper byte of "Normalized" 16-bit containers).
 #include "ZoBayerConverters.h"
 #include "bayer/BayerKernels.h"
+#include "bayer/BayerTablePass.h"
 
 namespace {
 
 using namespace zo;
 
 // Calls body(reader, output) with the sample reader for `sampleBytes` (1, or
-// 2 for the upper byte of a word) and the output for `filter`. 18 for any
-// other sample size.
+// 2 for the upper byte of a word) and the output for `filter` (the identity
+// output with `identity`). 18 for any other sample size.
 template <class Writer, class Body>
-std::uint32_t With8(const ZoRGBFilter& filter, std::uint32_t sampleBytes, Body body)
+std::uint32_t With8(const ZoRGBFilter& filter, bool identity, std::uint32_t sampleBytes, Body body)
 {
     auto withOutput = [&](auto reader) {
-        if (filter.IsIdentity8())
+        if (identity || filter.IsIdentity8())
             body(reader, Identity8<Writer, false>{0});
         else
             body(reader, Filtered8<Writer, false>{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), 0});
@@ -28,13 +29,21 @@ std::uint32_t With8(const ZoRGBFilter& filter, std::uint32_t sampleBytes, Body b
     return ZO_OK;
 }
 
+// A filter that is not the identity on a 24- or 32-bit layout: the identity
+// line (the vector path), then the table pass (see BayerTablePass.h).
 template <class Writer>
 std::uint32_t Nearest8(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t sampleBytes,
                        bool redQuirk)
 {
     if (call.pattern < 0)
         return ZO_ERR_BAD_ARGUMENT;
-    return With8<Writer>(filter, sampleBytes, [&](auto reader, const auto& out) {
+    if (UsesTablePass<Writer>(filter))
+        return With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
+            ReplicateThenPass<decltype(reader)>(call, redQuirk, out, [&](unsigned char* line, std::uint32_t n) {
+                TablePass<Writer>(line, n, filter);
+            });
+        });
+    return With8<Writer>(filter, false, sampleBytes, [&](auto reader, const auto& out) {
         ReplicateCall<decltype(reader)>(call, redQuirk, out);
     });
 }
@@ -42,7 +51,12 @@ std::uint32_t Nearest8(const BayerLineCall& call, const ZoRGBFilter& filter, std
 template <class Writer>
 std::uint32_t Interpolated8(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t sampleBytes)
 {
-    return With8<Writer>(filter, sampleBytes,
+    if (UsesTablePass<Writer>(filter))
+        return With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
+            InterpolateCall<decltype(reader)>(call, out);
+            TablePass<Writer>(call.destination, call.count, filter);
+        });
+    return With8<Writer>(filter, false, sampleBytes,
                          [&](auto reader, const auto& out) { InterpolateCall<decltype(reader)>(call, out); });
 }
 

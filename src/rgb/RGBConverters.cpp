@@ -4,6 +4,7 @@
 
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
+#include "simd/Lut.h"
 
 using zo::ChannelTables16;
 using zo::ChannelTables8;
@@ -30,12 +31,45 @@ void WithOrder(bool blueFirst, F&& f)
         f(Layout<0>{});
 }
 
+// The 8-bit tables in the byte order of a 24- or 32-bit layout.
+zo::simd::LutTables8 ByteOrderTables(const ZoRGBFilter& f, unsigned redIndex)
+{
+    return zo::simd::LutTablesInByteOrder(f.RedTable8(), f.GreenTable8(), f.BlueTable8(), redIndex);
+}
+
+template <class Writer>
+struct TablePassLayout {
+    static constexpr bool kUses = false;
+};
+template <unsigned R>
+struct TablePassLayout<zo::Write24<R>> {
+    static constexpr bool kUses = true;
+};
+template <unsigned R>
+struct TablePassLayout<zo::Write32<R>> {
+    static constexpr bool kUses = true;
+};
+
 // An 8-bit-channel line: the kernel specialised for the common channel steps
-// and for the identity filter.
+// and for the identity filter. With a filter that is not the identity and a
+// vector table pass (simd/Lut.h), the 24- and 32-bit layouts of one- and
+// two-byte channels take the identity line (its bytes are the channel bytes
+// the filtered kernel indexes with; the fourth byte is 0 either way) and then
+// the pass over it; without one, the filtered kernel's own lookups are faster.
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
+    if constexpr (TablePassLayout<Writer>::kUses) {
+        if (!f.IsIdentity8() && (k == 1 || k == 2) && zo::simd::VectorLutActive()) {
+            if (k == 1)
+                zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+            else
+                zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
+            zo::simd::ApplyLut8(d, n, Writer::kBytes, ByteOrderTables(f, Writer::kRed));
+            return;
+        }
+    }
     if (f.IsIdentity8()) {
         if (k == 1)
             zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
@@ -53,11 +87,20 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     }
 }
 
+// With a filter that is not the identity, one-byte channels and a vector
+// table pass: the identity line, then the pass, which leaves the kept fourth
+// byte as it is.
 template <unsigned RedIndex>
 void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k,
                          const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
+    if (!f.IsIdentity8() && k == 1 && zo::simd::VectorLutActive()) {
+        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
+        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
+        zo::simd::ApplyLut8(d, n, 4, ByteOrderTables(f, RedIndex));
+        return;
+    }
     if (f.IsIdentity8()) {
         if (k == 1) {
             const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);

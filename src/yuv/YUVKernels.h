@@ -1,5 +1,5 @@
 // Line kernels of the YUV families: free functions over one line, templated
-// over the destination writer (rgb/RGBLayouts.h). Every parameter comes in
+// over the destination writer (core/PixelIO.h). Every parameter comes in
 // explicitly; the kernels never touch a converter or its context.
 //
 // 4:2:2 sources: a pair of pixels is four samples Y0 U Y1 V; pixel 0 is
@@ -19,7 +19,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
+#include "simd/Lut.h"
 #include "yuv/YUVTransform.h"
 
 namespace zo {
@@ -65,7 +66,7 @@ struct YUV10PairReader {
     {
         // No clamping: bits above the eighth of the shifted word are dropped.
         for (int i = 0; i < 4; ++i)
-            out[i] = static_cast<std::int32_t>((static_cast<std::uint32_t>(LoadWord(s + 2 * i)) >> shift) & 0xFF);
+            out[i] = static_cast<std::int32_t>((LoadLE16(s + 2 * i) >> shift) & 0xFF);
     }
 };
 
@@ -92,7 +93,7 @@ inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::
 // zero: no pair is converted.
 inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (count & 1); }
 
-// Vector paths (YUVSimd.cpp, the best for this CPU): convert whole groups
+// Vector paths (YUVSimd.cpp, those of the active level): convert whole groups
 // from the start of the line, unfiltered, into the layout of dstBytes
 // (2 RGB16, 3 and 4 with red at redIndex) and return how many pairs or
 // pixels they did; the scalar kernels finish the line. 0 where no vector
@@ -146,7 +147,28 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // Filtered lines: a vector path converts a chunk of pixels into plain
 // RGB32 bytes in a small buffer; each pixel then goes through the tables to
 // the destination layout. Same result as the scalar kernels, faster.
+// With a vector table pass (simd/Lut.h) the 24- and 32-bit layouts do
+// better: the filter is applied to the final channel values just before they
+// are stored, so the vector path writes the destination directly and the
+// pass follows over the pixels it wrote, while they are still in the
+// first-level cache.
 constexpr std::uint32_t kFilterChunkPixels = 256;
+
+template <class Writer>
+constexpr bool kTablePassLayout = Writer::kBytes == 3 || Writer::kBytes == 4;
+
+template <class Writer>
+inline bool UseYUVTablePass()
+{
+    return kTablePassLayout<Writer> && simd::VectorLutActive();
+}
+
+template <class Writer>
+inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChannelTables& t)
+{
+    simd::ApplyLut8(dst, pixels, Writer::kBytes,
+                    simd::LutTablesInByteOrder(t.red, t.green, t.blue, WriterShape<Writer>::kRedIndex));
+}
 
 template <class Writer>
 inline void FilterRGB32(const unsigned char* rgb32, unsigned char* dst, std::uint32_t n, const YUVChannelTables& t)
@@ -167,6 +189,9 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
     std::uint32_t done = 0;
     if (vector && t.identity) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
+    } else if (vector && UseYUVTablePass<Writer>()) {
+        done = YUV422Vector<Writer>(src, dst, pairs, reader);
+        YUVTablePass<Writer>(dst, 2 * done, t);
     } else if (vector) {
         alignas(16) unsigned char buffer[kFilterChunkPixels * 4];
         while (done < pairs) {
@@ -208,10 +233,13 @@ void YUV444RangeToRGB(const unsigned char* src, unsigned char* dst, std::uint32_
     const std::uint32_t pixelBytes = 3 * (extra + 1);
     std::uint32_t done = first;
     auto at = [&](std::uint32_t i) { return src + static_cast<std::size_t>(i) * pixelBytes + extra; };
-    if (vector && t.identity) {
-        done += YUV444ToRGBVector(at(done), dst + static_cast<std::size_t>(done) * Writer::kBytes, end - done,
-                                  pixelBytes, yOffset, uOffset, vOffset, Writer::kBytes,
-                                  WriterShape<Writer>::kRedIndex);
+    if (vector && (t.identity || UseYUVTablePass<Writer>())) {
+        unsigned char* out = dst + static_cast<std::size_t>(done) * Writer::kBytes;
+        const std::uint32_t got = YUV444ToRGBVector(at(done), out, end - done, pixelBytes, yOffset, uOffset,
+                                                    vOffset, Writer::kBytes, WriterShape<Writer>::kRedIndex);
+        if (!t.identity)
+            YUVTablePass<Writer>(out, got, t);
+        done += got;
     } else if (vector) {
         alignas(16) unsigned char buffer[kFilterChunkPixels * 4];
         while (done < end) {

@@ -1,14 +1,16 @@
-// SSSE3 byte shuffles of the RGB kernels; see RGBSimdSSSE3.h.
-#include "rgb/RGBSimdSSSE3.h"
+// SSSE3 byte shuffles of the RGB kernels (this file alone is compiled for
+// SSSE3; its table runs at the SSSE3 level and above, see RGBSimd.cpp). Each
+// converts whole groups of pixels from the start of the line, never touching
+// bytes past the n pixels the scalar kernel would read and write, and
+// returns how many pixels it converted.
+#include "rgb/RGBPaths.h"
 
-#if ZO_RGB_HAVE_SSSE3
+#if defined(__SSSE3__)
 
 #include <tmmintrin.h>
 
 namespace zo {
 namespace simd {
-namespace ssse3 {
-
 namespace {
 
 constexpr char Z = -128;  // shuffle index that writes 0
@@ -32,21 +34,21 @@ std::uint32_t Shuffle(const unsigned char* s, unsigned char* d, std::uint32_t n,
 
 }  // namespace
 
-std::uint32_t ThreeToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z);
     return Shuffle<3, 4>(s, d, n, blueFirst ? bgr : rgb);
 }
 
-std::uint32_t FourToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, Z, Z, Z, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, Z, Z, Z, Z);
     return Shuffle<4, 3>(s, d, n, blueFirst ? bgr : rgb);
 }
 
-std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+std::uint32_t FourToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 4, 5, 6, Z, 8, 9, 10, Z, 12, 13, 14, Z);
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 6, 5, 4, Z, 10, 9, 8, Z, 14, 13, 12, Z);
@@ -81,7 +83,7 @@ inline __m128i Gather(__m128i lo, __m128i hi, const ChannelMasks& m)
 }  // namespace
 
 // word = ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3), on 16-bit lanes.
-std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
 {
     const ChannelMasks red = MakeChannelMasks(group, 0), green = MakeChannelMasks(group, 1),
                        blue = MakeChannelMasks(group, 2);
@@ -100,7 +102,7 @@ std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32
 }
 
 // Channel c of sixteen pixels from 48 bytes (three loads), one shuffle each.
-std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
+std::uint32_t ThreeToPlanesSsse3(const unsigned char* s, unsigned char* red, unsigned char* green, unsigned char* blue,
                             std::uint32_t n)
 {
     __m128i masks[3][3];  // [channel][load]
@@ -126,50 +128,19 @@ std::uint32_t ThreeToPlanes(const unsigned char* s, unsigned char* red, unsigned
     return i;
 }
 
-std::uint32_t SwapThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
+std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<3, 3>(s, d, n, _mm_setr_epi8(2, 1, 0, 5, 4, 3, 8, 7, 6, 11, 10, 9, Z, Z, Z, Z));
 }
 
-std::uint32_t SwapFour(const unsigned char* s, unsigned char* d, std::uint32_t n)
+std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return Shuffle<4, 4>(s, d, n, _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15));
 }
 
-namespace {
+const RGBPaths kRGBPathsSSSE3 = {"SSSE3",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
+                                 BytesToRGB16Ssse3, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3};
 
-// Sixteen gray bytes to 48 bytes g g g.
-inline void StoreGrayThree(unsigned char* d, __m128i g)
-{
-    Store(d, _mm_shuffle_epi8(g, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
-    Store(d + 16, _mm_shuffle_epi8(g, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
-    Store(d + 32, _mm_shuffle_epi8(g, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
-}
-
-}  // namespace
-
-std::uint32_t GrayBytesToThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
-{
-    std::uint32_t i = 0;
-    for (; i + 16 <= n; i += 16)
-        StoreGrayThree(d + std::size_t(i) * 3, Load(s + i));
-    return i;
-}
-
-std::uint32_t GrayWordsToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
-{
-    const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
-    const __m128i low = _mm_set1_epi16(0xFF);
-    std::uint32_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const __m128i a = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2), count), low);
-        const __m128i b = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2 + 16), count), low);
-        StoreGrayThree(d + std::size_t(i) * 3, _mm_packus_epi16(a, b));
-    }
-    return i;
-}
-
-}  // namespace ssse3
 }  // namespace simd
 }  // namespace zo
 

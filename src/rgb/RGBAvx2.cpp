@@ -1,0 +1,80 @@
+// AVX2 paths of the RGB kernels (this file alone is compiled for AVX2; its
+// table runs from the AVX2 level on, see RGBSimd.cpp). Only RGB16 packing
+// has its own path here; the other shuffles keep the SSSE3 ones.
+#include "rgb/RGBPaths.h"
+
+#if defined(__AVX2__)
+
+#include <immintrin.h>
+
+#include <cstddef>
+
+namespace zo {
+namespace simd {
+namespace {
+
+constexpr char Z = -128;  // shuffle index that writes 0
+
+inline __m128i Load(const unsigned char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+
+// In-lane shuffle masks that gather, from 32 loaded bytes (lo, hi) holding
+// eight pixels of `group` bytes, one 16-bit lane per pixel whose low byte
+// is channel `low` and high byte channel `high` (-1: zero). Both lanes alike.
+struct WordMasks {
+    __m256i lo, hi;
+};
+
+WordMasks MakeWordMasks(unsigned group, int low, int high)
+{
+    alignas(16) char lo[16], hi[16];
+    for (unsigned j = 0; j < 8; ++j)
+        for (unsigned k = 0; k < 2; ++k) {
+            const int channel = k == 0 ? low : high;
+            const unsigned at = j * group + static_cast<unsigned>(channel);
+            lo[2 * j + k] = channel >= 0 && at < 16 ? static_cast<char>(at) : Z;
+            hi[2 * j + k] = channel >= 0 && at >= 16 ? static_cast<char>(at - 16) : Z;
+        }
+    return {_mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(lo))),
+            _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(hi)))};
+}
+
+inline __m256i Gather(__m256i lo, __m256i hi, const WordMasks& m)
+{
+    return _mm256_or_si256(_mm256_shuffle_epi8(lo, m.lo), _mm256_shuffle_epi8(hi, m.hi));
+}
+
+// Sixteen pixels a step, lane 0 pixels 0..7 and lane 1 pixels 8..15, each
+// lane from its own 32 source bytes. Per pixel the words x = g | r << 8 and
+// y = b give ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3) as
+// (x & 0xF800) | ((x & 0xFC) << 3) | (y >> 3). The loads of lane 1 end at
+// byte 8 x group + 32 of the step: the loop stops while that lies inside
+// the n pixels, and the SSSE3 path takes what is left.
+std::uint32_t BytesToRGB16Avx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+{
+    const WordMasks greenRed = MakeWordMasks(group, 1, 0), blue = MakeWordMasks(group, 2, -1);
+    const __m256i redBits = _mm256_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm256_set1_epi16(0xFC);
+    const std::uint64_t inEnd = std::uint64_t(n) * group;
+    std::uint32_t i = 0;
+    for (; std::uint64_t(i) * group + 8 * group + 32 <= inEnd; i += 16) {
+        const unsigned char* p = s + std::size_t(i) * group;
+        const unsigned char* q = p + 8 * group;
+        const __m256i lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
+        const __m256i hi = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p + 16)), Load(q + 16), 1);
+        const __m256i x = Gather(lo, hi, greenRed), y = Gather(lo, hi, blue);
+        const __m256i word = _mm256_or_si256(
+            _mm256_or_si256(_mm256_and_si256(x, redBits), _mm256_slli_epi16(_mm256_and_si256(x, greenBits), 3)),
+            _mm256_srli_epi16(y, 3));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(d + std::size_t(i) * 2), word);
+    }
+    return i + BytesToRGB16Ssse3(s + std::size_t(i) * group, d + std::size_t(i) * 2, n - i, group);
+}
+
+}  // namespace
+
+const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
+                                BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3};
+
+}  // namespace simd
+}  // namespace zo
+
+#endif
