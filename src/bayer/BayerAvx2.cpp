@@ -1,8 +1,9 @@
-// AVX2 inside of an interpolating line (compiled with -mavx2, reached only
-// when the CPU has AVX2): the SSE2 block of BayerSimd.h on 32 pixels.
-#include "bayer/BayerSimdDispatch.h"
+// AVX2 inside of an interpolating line (this file alone is compiled for
+// AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the SSE2
+// block of BayerSse2.cpp on 32 pixels.
+#include "bayer/BayerPaths.h"
 
-#if ZO_BAYER_SSE2
+#if defined(__AVX2__)
 #include <immintrin.h>
 
 namespace zo {
@@ -101,18 +102,22 @@ std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdi
     return x;
 }
 
-}  // namespace
-
-std::uint32_t InterpolateBlocksAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
-                                    std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
-                                    int phase)
+// 32 pixels a step, then the SSE2 blocks for what is left.
+std::uint32_t BayerBytesAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                             std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
 {
     if (bytes == 4)
-        return blueFirst ? Blocks<4, true>(line, above, below, dst, from, to, phase)
+        from = blueFirst ? Blocks<4, true>(line, above, below, dst, from, to, phase)
                          : Blocks<4, false>(line, above, below, dst, from, to, phase);
-    return blueFirst ? Blocks<3, true>(line, above, below, dst, from, to, phase)
-                     : Blocks<3, false>(line, above, below, dst, from, to, phase);
+    else
+        from = blueFirst ? Blocks<3, true>(line, above, below, dst, from, to, phase)
+                         : Blocks<3, false>(line, above, below, dst, from, to, phase);
+    return BayerBytesSse2(bytes, blueFirst, line, above, below, dst, from, to, phase);
 }
+
+}  // namespace
+
+const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2};
 
 }  // namespace zo
 #endif

@@ -11,8 +11,8 @@
 #include <cstring>
 
 #include "bayer/BayerLayout.h"
-#include "bayer/BayerSimd.h"
-#include "rgb/RGBLayouts.h"
+#include "bayer/BayerPaths.h"
+#include "core/PixelIO.h"
 
 namespace zo {
 
@@ -28,36 +28,11 @@ struct ByteSamples {
 using Samples8 = ByteSamples<1, 0>;
 using UpperBytes16 = ByteSamples<2, 1>;
 
-#if (defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__) || defined(_WIN32)
-#define ZO_BAYER_LITTLE_ENDIAN 1
-#endif
-
 // Whole 16-bit little-endian words.
 struct Samples16 {
     static constexpr unsigned kBytes = 2;
-    static std::uint32_t At(const unsigned char* p, std::ptrdiff_t i)
-    {
-#if ZO_BAYER_LITTLE_ENDIAN
-        std::uint16_t w;
-        std::memcpy(&w, p + 2 * i, 2);
-        return w;
-#else
-        return LoadWord(p + 2 * i);
-#endif
-    }
+    static std::uint32_t At(const unsigned char* p, std::ptrdiff_t i) { return LoadLE16(p + 2 * i); }
 };
-
-// Three little-endian words, red first (one 6-byte copy where the host is
-// little-endian).
-inline void PutRGB48(unsigned char* d, std::uint16_t r, std::uint16_t g, std::uint16_t b)
-{
-#if ZO_BAYER_LITTLE_ENDIAN
-    const std::uint16_t words[3] = {r, g, b};
-    std::memcpy(d, words, 6);
-#else
-    WriteRGB48::Put(d, r, g, b);
-#endif
-}
 
 // ---- Outputs: filter lookup and destination layout -------------------------
 
@@ -107,7 +82,7 @@ struct Filtered48 {
     const std::uint16_t* blue;
     void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b) const
     {
-        PutRGB48(d, red[r], green[g], blue[b]);
+        WriteRGB48::Put(d, red[r], green[g], blue[b]);
     }
 };
 
@@ -116,7 +91,7 @@ struct Identity48 {
     static constexpr unsigned shift = 0;
     void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b) const
     {
-        PutRGB48(d, static_cast<std::uint16_t>(r), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(b));
+        WriteRGB48::Put(d, static_cast<std::uint16_t>(r), static_cast<std::uint16_t>(g), static_cast<std::uint16_t>(b));
     }
 };
 
@@ -375,11 +350,11 @@ void InterpolatePairs(const unsigned char* line, std::ptrdiff_t above, std::ptrd
 }
 
 // The vector inside of inner lines where one exists (8-bit samples through
-// an identity filter into 24/32-bit layouts): returns the first pixel it
-// left to the scalar loop. Level 1: SSE2; 2: AVX2 where the CPU has it, then
-// SSE2. 16-bit samples (identity filter, 24/32/48-bit output) have an SSE2
-// path; `shift` is theirs.
-template <class Src, class Out, int Level>
+// an identity filter into 24/32-bit layouts; 16-bit samples through an
+// identity filter into 24/32/48-bit layouts, `shift` theirs): the active
+// level's path (BayerPaths.h); returns the first pixel it left to the scalar
+// loop.
+template <class Src, class Out>
 struct BayerInteriorSimd {
     static std::uint32_t Run(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*, std::uint32_t from,
                              std::uint32_t, int, unsigned)
@@ -388,52 +363,38 @@ struct BayerInteriorSimd {
     }
 };
 
-#if ZO_BAYER_SSE2
-template <unsigned RedIndex, int Level>
-struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>, Level> {
+template <unsigned RedIndex, unsigned Bytes>
+struct BayerInteriorBytes {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                              unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
     {
-        if (Level >= 2 && BayerHasAvx2())
-            from = InterpolateBlocksAvx2(3, RedIndex == 2, line, above, below, dst, from, to, phase);
-        return InterpolateBlocksSse2<3, RedIndex == 2>(line, above, below, dst, from, to, phase);
+        return BayerActivePaths().bytes(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase);
     }
 };
-template <unsigned RedIndex, int Level>
-struct BayerInteriorSimd<Samples8, Identity8<Write32<RedIndex>, false>, Level> {
-    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
-    {
-        if (Level >= 2 && BayerHasAvx2())
-            from = InterpolateBlocksAvx2(4, RedIndex == 2, line, above, below, dst, from, to, phase);
-        return InterpolateBlocksSse2<4, RedIndex == 2>(line, above, below, dst, from, to, phase);
-    }
-};
-template <unsigned RedIndex, int Level>
-struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>, Level> {
+template <unsigned RedIndex, unsigned Bytes>
+struct BayerInteriorWords {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                              unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned shift)
     {
-        return InterpolateWordBlocksSse2<3, RedIndex == 2>(line, above, below, dst, from, to, phase, shift);
+        return BayerActivePaths().words(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase, shift);
     }
 };
-template <unsigned RedIndex, int Level>
-struct BayerInteriorSimd<Samples16, Identity8<Write32<RedIndex>, true>, Level> {
-    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned shift)
-    {
-        return InterpolateWordBlocksSse2<4, RedIndex == 2>(line, above, below, dst, from, to, phase, shift);
-    }
-};
-template <int Level>
-struct BayerInteriorSimd<Samples16, Identity48, Level> {
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>> : BayerInteriorBytes<RedIndex, 3> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Identity8<Write32<RedIndex>, false>> : BayerInteriorBytes<RedIndex, 4> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>> : BayerInteriorWords<RedIndex, 3> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples16, Identity8<Write32<RedIndex>, true>> : BayerInteriorWords<RedIndex, 4> {};
+template <>
+struct BayerInteriorSimd<Samples16, Identity48> {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                              unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
     {
-        return InterpolateWordBlocks48Sse2(line, above, below, dst, from, to, phase);
+        return BayerActivePaths().words48(line, above, below, dst, from, to, phase);
     }
 };
-#endif
 
 // One line of `count` pixels of row phase `phase`. `above`/`below` are the
 // offsets of the neighbouring lines in samples; hasAbove is false on the
@@ -441,9 +402,9 @@ struct BayerInteriorSimd<Samples16, Identity48, Level> {
 // pixels (and every pixel of a one-line area) go through BayerEdgePixel; the
 // inside of inner lines through the vector blocks and the unrolled pair loop,
 // the inside of the first and last lines through their own pair loop.
-// `Vector` 0 keeps to the scalar code (the reference for the vector paths),
-// 1 allows SSE2, 2 also AVX2.
-template <class Src, class Out, int Vector = 2>
+// `Vector` false keeps to the scalar code (the reference for the vector
+// paths); true takes the active level's vector path.
+template <class Src, class Out, bool Vector = true>
 void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_t count, int phase,
                      std::ptrdiff_t above, std::ptrdiff_t below, bool hasAbove, bool hasBelow, const Out& out)
 {
@@ -463,7 +424,7 @@ void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_
         const std::uint32_t end = 2 + ((count - 3) & ~1u);
         if (hasAbove && hasBelow) {
             const std::uint32_t from =
-                Vector ? BayerInteriorSimd<Src, Out, Vector>::Run(line, above, below, dst, 2, end, phase, out.shift)
+                Vector ? BayerInteriorSimd<Src, Out>::Run(line, above, below, dst, 2, end, phase, out.shift)
                        : 2;
             switch (phase) {
             case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;

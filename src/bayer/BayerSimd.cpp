@@ -1,16 +1,48 @@
-// Run-time choice of the Bayer vector paths.
-#include "bayer/BayerSimdDispatch.h"
+// The choice of the Bayer vector paths for the active level.
+#include "bayer/BayerPaths.h"
+
+#include "simd/Cpu.h"
 
 namespace zo {
+namespace {
 
-bool BayerHasAvx2()
+std::uint32_t NoBytes(unsigned, bool, const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*,
+                      std::uint32_t from, std::uint32_t, int)
 {
-#if ZO_BAYER_SSE2 && defined(__GNUC__)
-    static const bool avx2 = __builtin_cpu_supports("avx2");
-    return avx2;
+    return from;
+}
+std::uint32_t NoWords(unsigned, bool, const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*,
+                      std::uint32_t from, std::uint32_t, int, unsigned)
+{
+    return from;
+}
+std::uint32_t NoWords48(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*, std::uint32_t from,
+                        std::uint32_t, int)
+{
+    return from;
+}
+
+const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48};
+
+const BayerPaths* ChooseBayerPaths(simd::CpuLevel level)
+{
+#if ZO_SIMD_X86
+    if (level >= simd::CpuLevel::kAVX2)
+        return &kBayerPathsAVX2;
+    if (level >= simd::CpuLevel::kSSE2)
+        return &kBayerPathsSSE2;
 #else
-    return false;
+    (void)level;
 #endif
+    return &kBayerPathsScalar;
+}
+
+}  // namespace
+
+const BayerPaths& BayerActivePaths()
+{
+    static const simd::PathChoice<BayerPaths> choice("Bayer", ChooseBayerPaths);
+    return choice.Get();
 }
 
 }  // namespace zo

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "gray/DualTapPlacement.h"
-#include "gray/PackedKernels.h"  // also the SSE2 helpers
+#include "gray/PackedPaths.h"
 
 namespace zo {
 
@@ -37,11 +37,9 @@ void RecombineDualTapLine(const unsigned char* source, unsigned char* destinatio
         if (bytes != 0)
             std::memcpy(destination, source, bytes);
     } else {
-        std::uint32_t first = 0;
-#ifdef ZO_PACKED_SSE2
-        first = DualTapVectorPairs(n, pipelining, 16, 0);
-        sse2::RecombinePairs<Mode>(source, destination, n, first);
-#endif
+        std::uint32_t first = DualTapVectorPairs(n, pipelining, 16, 0);
+        if (first == 0 || !DualTapActivePaths().recombine(source, destination, n, first, Mode))
+            first = 0;
         RecombineDualTapLineScalar<Mode>(source, destination, n, pipelining, first);
     }
 }

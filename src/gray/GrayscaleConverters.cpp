@@ -3,8 +3,7 @@
 #include "ZoGrayscaleConverters.h"
 
 #include "gray/GrayscaleKernels.h"
-#include "gray/GrayscaleSimd.h"
-#include "rgb/RGBSimd.h"
+#include "gray/GraySimd.h"
 
 namespace g = zo::gray;
 
@@ -63,29 +62,10 @@ void LastByteLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std
 template <class Writer>
 void FirstBytePixel(const unsigned char* s, unsigned char* d)
 {
-    Writer::Put(d, 0, s[0]);
+    Writer::Put(d, s[0]);
 }
 
 }  // namespace
-
-namespace zo {
-namespace gray {
-
-std::uint32_t GrayBytesToRGB32(const unsigned char* s, unsigned char* d, std::uint32_t n)
-{
-#if defined(ZO_GRAY_HAVE_AVX2)
-    static const bool kAVX2 = __builtin_cpu_supports("avx2");
-    if (kAVX2)
-        return GrayBytesToRGB32AVX2(s, d, n);
-#endif
-    (void)s;
-    (void)d;
-    (void)n;
-    return 0;
-}
-
-}  // namespace gray
-}  // namespace zo
 
 // Base values: source bytes, destination bytes, pipelining 4, one line a call.
 ZoGrayscale16ToGrayscale16RightShift::ZoGrayscale16ToGrayscale16RightShift(const std::int64_t& sourceType,
@@ -207,7 +187,7 @@ std::uint32_t ZoGrayscale16ToRGB16::Convert(const unsigned char* s, unsigned cha
 
 std::uint32_t ZoGrayscale16ToRGB24::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    const std::uint32_t done = mShift < 16 ? zo::simd::GrayWordsToRGB24(s, d, n, mShift) : 0;
+    const std::uint32_t done = mShift < 16 ? g::GrayActivePaths().wordsToRGB24(s, d, n, mShift) : 0;
     ShiftedWordsLine<g::PutRGB24>(s + 2 * std::size_t(done), d + 3 * std::size_t(done), n - done, mShift);
     return ZO_OK;
 }
@@ -244,9 +224,9 @@ std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char
     // Vector paths for one-byte pixels and for the high byte of 16-bit words.
     std::uint32_t done = 0;
     if (mSourcePixelBytes == 1)
-        done = zo::simd::GrayBytesToRGB24(s, d, n);
+        done = g::GrayActivePaths().bytesToRGB24(s, d, n);
     else if (mSourcePixelBytes == 2)
-        done = zo::simd::GrayWordsToRGB24(s, d, n, 8);
+        done = g::GrayActivePaths().wordsToRGB24(s, d, n, 8);
     LastByteLine<g::PutRGB24>(s + mSourcePixelBytes * std::size_t(done), d + 3 * std::size_t(done), n - done,
                               mSourcePixelBytes);
     return ZO_OK;
@@ -260,7 +240,7 @@ std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char
 std::uint32_t ZoGrayscale8ToRGB32::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
     // One-byte pixels: the vector path first, the scalar kernel for the rest.
-    const std::uint32_t done = mSourcePixelBytes == 1 ? g::GrayBytesToRGB32(s, d, n) : 0;
+    const std::uint32_t done = mSourcePixelBytes == 1 ? g::GrayActivePaths().bytesToRGB32(s, d, n) : 0;
     LastByteLine<g::PutRGB32>(s + done, d + std::size_t(done) * 4, n - done, mSourcePixelBytes);
     return ZO_OK;
 }

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/PixelIO.h"
 #include "gray/GrayscaleTables.h"
 
 // Source and destination lines of one call never overlap.
@@ -26,41 +27,6 @@
 namespace zo {
 namespace gray {
 
-// Little-endian loads and stores that compile to plain moves on x86.
-inline std::uint32_t Load16(const unsigned char* s)
-{
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    return static_cast<std::uint32_t>(s[0] | (s[1] << 8));
-#else
-    std::uint16_t w;
-    std::memcpy(&w, s, 2);
-    return w;
-#endif
-}
-
-inline void Store16(unsigned char* d, std::uint32_t v)
-{
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    d[0] = static_cast<unsigned char>(v);
-    d[1] = static_cast<unsigned char>(v >> 8);
-#else
-    const std::uint16_t w = static_cast<std::uint16_t>(v);
-    std::memcpy(d, &w, 2);
-#endif
-}
-
-inline void Store32(unsigned char* d, std::uint32_t v)
-{
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    d[0] = static_cast<unsigned char>(v);
-    d[1] = static_cast<unsigned char>(v >> 8);
-    d[2] = static_cast<unsigned char>(v >> 16);
-    d[3] = static_cast<unsigned char>(v >> 24);
-#else
-    std::memcpy(d, &v, 4);
-#endif
-}
-
 // ---------------------------------------------------------------------------
 // Readers: the 8-bit gray value of pixel i.
 
@@ -70,13 +36,13 @@ inline void Store32(unsigned char* d, std::uint32_t v)
 template <unsigned Shift>
 struct ReadWordShifted {
     static constexpr unsigned kBytes = 2;
-    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (Load16(s + 2 * i) >> Shift) & 0xFF; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (LoadLE16(s + 2 * i) >> Shift) & 0xFF; }
 };
 
 // The same with the shift known at run time only.
 struct ReadWordShiftedBy {
     std::uint32_t shift;
-    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (Load16(s + 2 * i) >> shift) & 0xFF; }
+    std::uint32_t operator()(const unsigned char* s, std::size_t i) const { return (LoadLE16(s + 2 * i) >> shift) & 0xFF; }
 };
 
 // The last byte of each Bytes-byte pixel: for a 16-bit word its high byte.
@@ -92,38 +58,20 @@ struct ReadLastByteOf {
 };
 
 // ---------------------------------------------------------------------------
-// Writers: store pixel i from its 8-bit gray value g.
+// Writers: the gray writers of core/PixelIO.h (pixel i from its 8-bit gray
+// value g). RGB32 pixels end in 0 here.
 
-struct PutGray8 {
-    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { d[i] = static_cast<unsigned char>(g); }
-};
-
-// RGB16 word of g (entry g of the 8-bit gray-to-RGB16 table).
-struct PutRGB16 {
-    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { Store16(d + 2 * i, GrayToRGB16Word(g)); }
-};
-
-// Three bytes g: the same for RGB24 and BGR24.
-struct PutRGB24 {
-    static void Put(unsigned char* d, std::size_t i, std::uint32_t g)
-    {
-        d[3 * i] = static_cast<unsigned char>(g);
-        d[3 * i + 1] = static_cast<unsigned char>(g);
-        d[3 * i + 2] = static_cast<unsigned char>(g);
-    }
-};
-
-// g x 0x10101 little-endian: bytes g, g, g, 0, the same for RGB32 and BGR32.
-struct PutRGB32 {
-    static void Put(unsigned char* d, std::size_t i, std::uint32_t g) { Store32(d + 4 * i, g | (g << 8) | (g << 16)); }
-};
+using PutGray8 = GrayToGray8;
+using PutRGB16 = GrayToRGB16;  // entry g of the 8-bit gray-to-RGB16 table
+using PutRGB24 = GrayToRGB24;
+using PutRGB32 = GrayToRGB32;
 
 // One line: pixel i of the source to pixel i of the destination.
 template <class Writer, class Reader>
 void GrayLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTRICT d, std::uint32_t n, Reader read)
 {
     for (std::size_t i = 0; i < n; ++i)
-        Writer::Put(d, i, read(s, i));
+        Writer::Put(d + Writer::kBytes * i, read(s, i));
 }
 
 // ---------------------------------------------------------------------------
@@ -134,7 +82,7 @@ inline void RightShiftLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO
                            std::uint32_t shift)
 {
     for (std::size_t i = 0; i < n; ++i)
-        Store16(d + 2 * i, Load16(s + 2 * i) >> shift);
+        StoreLE16(d + 2 * i, LoadLE16(s + 2 * i) >> shift);
 }
 
 // w << shift kept to 16 bits.
@@ -142,7 +90,7 @@ inline void LeftShiftLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_
                           std::uint32_t shift)
 {
     for (std::size_t i = 0; i < n; ++i)
-        Store16(d + 2 * i, (Load16(s + 2 * i) << shift) & 0xFFFF);
+        StoreLE16(d + 2 * i, (LoadLE16(s + 2 * i) << shift) & 0xFFFF);
 }
 
 }  // namespace gray

@@ -7,13 +7,9 @@
 #include <array>
 #include <cstdint>
 
-namespace zo {
+#include "core/PixelIO.h"
 
-// RGB16 word of an 8-bit gray g: 5 bits in 15..11, 6 bits in 10..5, 5 in 4..0.
-constexpr std::uint16_t GrayToRGB16Word(std::uint32_t g)
-{
-    return static_cast<std::uint16_t>(((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3));
-}
+namespace zo {
 
 template <unsigned Shift>
 struct GrayTable {

@@ -1,27 +1,15 @@
-// AVX2 path of the packed unpacking to 16-bit words, compiled with -mavx2
-// on x86 and chosen at run time. Without AVX2 (other targets, or a CPU
-// without it) it places nothing and the SSE2 and scalar kernels do the work.
+// AVX2 path of the packed unpacking to 16-bit words (this file alone is
+// compiled for AVX2; its table runs from the AVX2 level on, see
+// PackedSimd.cpp). The other layouts keep the SSE2 paths.
 #include "gray/PackedKernels.h"
+#include "gray/PackedPaths.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
-#endif
 
 namespace zo {
 
-#if defined(__AVX2__)
-
 namespace {
-
-bool CpuHasAvx2()
-{
-#if defined(__GNUC__)
-    static const bool has = __builtin_cpu_supports("avx2");
-    return has;
-#else
-    return true;  // compiled for AVX2 by a compiler without the query
-#endif
-}
 
 // Within each 128-bit lane, four groups (12 bytes) to the words
 // W0 W1 of group 0, W0 W1 of group 1, ... (bytes 3k, 3k + 1 and 3k + 1, 3k + 2).
@@ -85,16 +73,13 @@ void UnpackGray16Chunks(const unsigned char* source, unsigned char* destination,
     }
 }
 
-}  // namespace
-
 // Only types and constants of the shared headers are used here: an inline
 // function emitted from this file would be compiled for AVX2 and might be
 // the copy the linker keeps for every other caller.
-bool UnpackPackedGray16Avx2(const unsigned char* source, unsigned char* destination, std::uint32_t pairs,
-                            std::ptrdiff_t firstA, std::ptrdiff_t firstB, const PackedRules& rules, unsigned mode)
+bool UnpackToGray16Avx2(const unsigned char* source, unsigned char* destination, std::uint32_t,
+                        std::uint32_t pairs, std::ptrdiff_t firstA, std::ptrdiff_t firstB, const PackedRules& rules,
+                        unsigned mode)
 {
-    if (!CpuHasAvx2())
-        return false;
     switch (mode) {
     case 1: UnpackGray16Chunks<1>(source, destination, pairs, firstA, firstB, rules); break;
     case 2: UnpackGray16Chunks<2>(source, destination, pairs, firstA, firstB, rules); break;
@@ -105,14 +90,11 @@ bool UnpackPackedGray16Avx2(const unsigned char* source, unsigned char* destinat
     return true;
 }
 
-#else
+}  // namespace
 
-bool UnpackPackedGray16Avx2(const unsigned char*, unsigned char*, std::uint32_t, std::ptrdiff_t, std::ptrdiff_t,
-                            const PackedRules&, unsigned)
-{
-    return false;
-}
-
-#endif
+const PackedPaths kPackedPathsAVX2 = {"AVX2", UnpackToGray16Avx2, UnpackToGray8Sse2, UnpackToRGB16Sse2,
+                                      UnpackToRGB32Sse2};
 
 }  // namespace zo
+
+#endif

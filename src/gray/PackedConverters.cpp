@@ -4,12 +4,6 @@
 
 #include "gray/PackedKernels.h"
 
-namespace zo {
-
-constexpr std::array<std::uint32_t, 256> kPackedGrayToRGB32 = MakePackedGrayToRGB32();
-
-}  // namespace zo
-
 namespace {
 
 // Three bytes per two pixels; an odd last pixel is not counted (deliberate:

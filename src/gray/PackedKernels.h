@@ -23,14 +23,13 @@
 #ifndef ZO_PACKED_KERNELS_H
 #define ZO_PACKED_KERNELS_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
+#include "core/PixelIO.h"
 #include "gray/DualTapPlacement.h"
-#include "gray/GrayscaleTables.h"
-#include "rgb/RGBLayouts.h"
+#include "gray/PackedPaths.h"
 
 namespace zo {
 
@@ -64,54 +63,16 @@ struct PackedRules {
     PackedSampleRule b;
 };
 
-// Gray to RGB32 with the gray value in all four bytes (g x 0x1010101). The
-// unpacking converters fill the fourth byte too, unlike the grayscale
-// expansion whose RGB32 pixels end in 0: this difference is deliberate and
-// kept.
-constexpr std::array<std::uint32_t, 256> MakePackedGrayToRGB32()
-{
-    std::array<std::uint32_t, 256> t{};
-    for (std::uint32_t g = 0; g < 256; ++g)
-        t[g] = g * 0x1010101u;
-    return t;
-}
-extern const std::array<std::uint32_t, 256> kPackedGrayToRGB32;
-
-// Destination writers: Put(d, v) stores the sample v at pixel d.
-struct PackedToGray16 {
-    static constexpr unsigned kBytes = 2;
-    static void Put(unsigned char* d, std::uint32_t v) { StoreWord(d, static_cast<std::uint16_t>(v)); }
-};
-struct PackedToGray8 {
-    static constexpr unsigned kBytes = 1;
-    static void Put(unsigned char* d, std::uint32_t v) { d[0] = static_cast<unsigned char>(v); }
-};
-// The RGB writers take the 8-bit gray value (the rule's mask is 0xFF).
-struct PackedToRGB16 {
-    static constexpr unsigned kBytes = 2;
-    static void Put(unsigned char* d, std::uint32_t v) { StoreWord(d, kGrayToRGB16_8[v & 0xFF]); }
-};
-struct PackedToRGB24 {  // the same three bytes serve RGB24 and BGR24
-    static constexpr unsigned kBytes = 3;
-    static void Put(unsigned char* d, std::uint32_t v)
-    {
-        const auto g = static_cast<unsigned char>(v);
-        d[0] = g;
-        d[1] = g;
-        d[2] = g;
-    }
-};
-struct PackedToRGB32 {  // RGB32 and BGR32; fourth byte = gray, see kPackedGrayToRGB32
-    static constexpr unsigned kBytes = 4;
-    static void Put(unsigned char* d, std::uint32_t v)
-    {
-        const std::uint32_t p = kPackedGrayToRGB32[v & 0xFF];
-        d[0] = static_cast<unsigned char>(p);
-        d[1] = static_cast<unsigned char>(p >> 8);
-        d[2] = static_cast<unsigned char>(p >> 16);
-        d[3] = static_cast<unsigned char>(p >> 24);
-    }
-};
+// Destination writers (core/PixelIO.h): Put(d, v) stores the sample v at
+// pixel d. The RGB writers take the 8-bit gray value (the rule's mask is
+// 0xFF). RGB32 and BGR32 get the gray value in all four bytes, unlike the
+// grayscale expansion whose RGB32 pixels end in 0: this difference is
+// deliberate and kept.
+using PackedToGray16 = GrayToGray16;
+using PackedToGray8 = GrayToGray8;
+using PackedToRGB16 = GrayToRGB16;
+using PackedToRGB24 = GrayToRGB24;  // the same three bytes serve RGB24 and BGR24
+using PackedToRGB32 = GrayToRGB32Filled;
 
 // Unpacks one line of n pixels from `source` (packed groups) to `destination`
 // in the layout of Writer, placing the samples by tap mode Mode; groups
@@ -133,37 +94,36 @@ void UnpackPackedLineScalar(const unsigned char* source, unsigned char* destinat
         first);
 }
 
-}  // namespace zo
+// The active level's unpacking path for a layout (null: none for it).
+template <class Writer>
+inline PackedUnpackPath PackedVectorPath(const PackedPaths& paths)
+{
+    if constexpr (std::is_same<Writer, PackedToGray16>::value)
+        return paths.toGray16;
+    else if constexpr (std::is_same<Writer, PackedToGray8>::value)
+        return paths.toGray8;
+    else if constexpr (std::is_same<Writer, PackedToRGB16>::value)
+        return paths.toRGB16;
+    else if constexpr (std::is_same<Writer, PackedToRGB32>::value)
+        return paths.toRGB32;
+    else
+        return nullptr;
+}
 
-#include "gray/PackedSimd.h"
-
-namespace zo {
-
-// The AVX2 path of the 16-bit layout (gray/PackedAvx2.cpp): places groups
-// [0, pairs) (chunks of eight, loads reading two groups further), pair 0's
-// samples going to firstA and firstB. False, placing nothing, when the CPU
-// lacks AVX2.
-bool UnpackPackedGray16Avx2(const unsigned char* source, unsigned char* destination, std::uint32_t pairs,
-                            std::ptrdiff_t firstA, std::ptrdiff_t firstB, const PackedRules& rules, unsigned mode);
-
-// Unpacks one line: the widest vector path the CPU has, then the scalar
-// kernel for the rest of the line.
+// Unpacks one line: the active level's vector path, then the scalar kernel
+// for the rest of the line.
 template <class Writer, unsigned Mode>
 void UnpackPackedLine(const unsigned char* source, unsigned char* destination, std::uint32_t n,
                       std::uint32_t pipelining, PackedRules rules)
 {
     std::uint32_t first = 0;
-#ifdef ZO_PACKED_SSE2
-    if constexpr (sse2::HasSimd<Writer>::value) {
+    if (const PackedUnpackPath path = PackedVectorPath<Writer>(PackedActivePaths())) {
         // Chunks of eight groups; the loads read into the two groups after.
-        first = DualTapVectorPairs(n, pipelining, 8, 2);
-        const bool wide = std::is_same<Writer, PackedToGray16>::value &&
-                          UnpackPackedGray16Avx2(source, destination, first, DualTapRule<Mode>::FirstA(n),
-                                                 DualTapRule<Mode>::FirstB(n), rules, Mode);
-        if (!wide)
-            sse2::UnpackPackedPairs<Writer, Mode>(source, destination, n, first, rules);
+        const std::uint32_t pairs = DualTapVectorPairs(n, pipelining, 8, 2);
+        if (pairs != 0 && path(source, destination, n, pairs, DualTapRule<Mode>::FirstA(n),
+                               DualTapRule<Mode>::FirstB(n), rules, Mode))
+            first = pairs;
     }
-#endif
     UnpackPackedLineScalar<Writer, Mode>(source, destination, n, pipelining, rules, first);
 }
 

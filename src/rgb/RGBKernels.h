@@ -1,7 +1,7 @@
 // Line kernels of the RGB repacking converters. Each converts `n` pixels of
 // one line; every parameter (filter tables, channel step, shift) is passed
 // in, the kernels never touch the conversion context. The destination layout
-// is a writer of RGBLayouts.h (or Write32Keep below); `Identity` skips the
+// is a writer of core/PixelIO.h (or Write32Keep below); `Identity` skips the
 // filter lookups when the caller has checked that the tables are the identity.
 #ifndef ZO_RGB_KERNELS_H
 #define ZO_RGB_KERNELS_H
@@ -12,7 +12,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
 
 // Source and destination lines of one call never overlap.
 #if defined(__GNUC__) || defined(_MSC_VER)
@@ -53,18 +53,6 @@ struct ChannelTables16 {
     const std::uint16_t* blue;
 };
 
-// A little-endian 16-bit load that compiles to one move on x86.
-inline std::uint32_t LoadWord16(const unsigned char* p)
-{
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-    return LoadWord(p);
-#else
-    std::uint16_t w;
-    std::memcpy(&w, p, 2);
-    return w;
-#endif
-}
-
 template <bool Identity>
 inline std::uint8_t Map8(const std::uint8_t* table, std::uint8_t v)
 {
@@ -75,31 +63,6 @@ template <bool Identity>
 inline std::uint32_t Map16(const std::uint16_t* table, std::uint16_t v)
 {
     return Identity ? v : table[v];
-}
-
-template <class Writer>
-struct IsWrite32 : std::false_type {};
-template <unsigned RedIndex>
-struct IsWrite32<Write32<RedIndex>> : std::true_type {};
-
-// Writer::Put, except that the 32-bit and RGB16 layouts are stored as one
-// little-endian word (the same bytes), which lets the compiler vectorise.
-template <class Writer>
-inline void Put(unsigned char* d, std::uint32_t r, std::uint32_t g, std::uint32_t b)
-{
-#if !(defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
-    if constexpr (IsWrite32<Writer>::value) {
-        const std::uint32_t v = ((r & 0xFF) << (8 * Writer::kRed)) | ((g & 0xFF) << 8) | ((b & 0xFF) << (8 * Writer::kBlue));
-        std::memcpy(d, &v, 4);
-        return;
-    }
-    if constexpr (std::is_same<Writer, WriteRGB16>::value) {
-        const std::uint16_t v = PackRGB16(r & 0xFF, g & 0xFF, b & 0xFF);
-        std::memcpy(d, &v, 2);
-        return;
-    }
-#endif
-    Writer::Put(d, static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g), static_cast<std::uint8_t>(b));
 }
 
 // RGB32/BGR32 whose fourth byte is given by the caller instead of 0.
@@ -128,7 +91,7 @@ void RepackBytesLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTR
     const std::size_t pixel = Group * step;
     for (std::size_t i = 0; i < n; ++i) {
         const unsigned char* p = s + i * pixel;
-        Put<Writer>(d + i * Writer::kBytes, Map8<Identity>(t.red, p[step - 1]),
+        PutPixel<Writer>(d + i * Writer::kBytes, Map8<Identity>(t.red, p[step - 1]),
                     Map8<Identity>(t.green, p[2 * step - 1]), Map8<Identity>(t.blue, p[3 * step - 1]));
     }
 }
@@ -178,9 +141,9 @@ void RepackWordsLine(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTR
 {
     for (std::size_t i = 0; i < n; ++i) {
         const unsigned char* p = s + i * 2 * Words;
-        Put<Writer>(d + i * Writer::kBytes, static_cast<std::uint8_t>(Map16<Identity>(t.red, LoadWord16(p)) >> shift),
-                    static_cast<std::uint8_t>(Map16<Identity>(t.green, LoadWord16(p + 2)) >> shift),
-                    static_cast<std::uint8_t>(Map16<Identity>(t.blue, LoadWord16(p + 4)) >> shift));
+        PutPixel<Writer>(d + i * Writer::kBytes, static_cast<std::uint8_t>(Map16<Identity>(t.red, LoadLE16(p)) >> shift),
+                    static_cast<std::uint8_t>(Map16<Identity>(t.green, LoadLE16(p + 2)) >> shift),
+                    static_cast<std::uint8_t>(Map16<Identity>(t.blue, LoadLE16(p + 4)) >> shift));
     }
 }
 
@@ -189,7 +152,7 @@ inline void NarrowSamples(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_
                           std::uint32_t shift)
 {
     for (std::size_t j = 0; j < count; ++j)
-        d[j] = static_cast<unsigned char>(LoadWord16(s + 2 * j) >> shift);
+        d[j] = static_cast<unsigned char>(LoadLE16(s + 2 * j) >> shift);
 }
 
 // RGB16 source, filter then expansion: green E6[TG[word bits 10..5]]; red
@@ -205,10 +168,10 @@ void ExpandRGB16Line(const unsigned char* ZO_RESTRICT s, unsigned char* ZO_RESTR
     const std::uint8_t r = kExpand5[t.red[0] & 0x1F];
     const std::uint8_t b = kExpand5[t.blue[0] & 0x1F];
     for (std::size_t i = 0; i < n; ++i) {
-        const std::uint32_t w = LoadWord16(s + 2 * i);
+        const std::uint32_t w = LoadLE16(s + 2 * i);
         // E6[bits 10..5] is (w >> 3) & 0xFC, computed so that the loop vectorises.
         const std::uint32_t g = Identity ? (w >> 3) & 0xFC : kExpand6[t.green[(w >> 5) & 0x3F] & 0x3F];
-        Put<Writer>(d + i * Writer::kBytes, r, static_cast<std::uint8_t>(g), b);
+        PutPixel<Writer>(d + i * Writer::kBytes, r, static_cast<std::uint8_t>(g), b);
     }
 }
 
@@ -221,10 +184,10 @@ void ExpandThenFilterRGB16Line(const unsigned char* ZO_RESTRICT s, unsigned char
 {
     const std::uint8_t r = t.red[kExpand5[0]];
     for (std::size_t i = 0; i < n; ++i) {
-        const std::uint32_t w = LoadWord16(s + 2 * i);
+        const std::uint32_t w = LoadLE16(s + 2 * i);
         // E6[bits 10..5] = (w >> 3) & 0xFC and E5[bits 15..11] = (w >> 8) & 0xF8.
         const std::uint32_t g = (w >> 3) & 0xFC, b = (w >> 8) & 0xF8;
-        Put<Writer>(d + i * Writer::kBytes, r, Identity ? static_cast<std::uint8_t>(g) : t.green[g],
+        PutPixel<Writer>(d + i * Writer::kBytes, r, Identity ? static_cast<std::uint8_t>(g) : t.green[g],
                     Identity ? static_cast<std::uint8_t>(b) : t.blue[b]);
     }
 }

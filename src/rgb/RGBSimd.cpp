@@ -1,77 +1,95 @@
-// Run-time choice of the RGB byte-shuffle paths: SSSE3 where the CPU has it
-// (checked once), else none (the scalar kernels do the whole line).
+// The choice of the RGB byte-shuffle paths for the active level, and the
+// fast-path specialisations the converters call through it.
 #include "rgb/RGBSimd.h"
 
-#include "rgb/RGBSimdSSSE3.h"
+#include "rgb/RGBPaths.h"
+#include "simd/Cpu.h"
 
 namespace zo {
 namespace simd {
+namespace {
 
-bool HasByteShuffle()
+std::uint32_t NoPixels(const unsigned char*, unsigned char*, std::uint32_t) { return 0; }
+std::uint32_t NoPixelsOrdered(const unsigned char*, unsigned char*, std::uint32_t, bool) { return 0; }
+std::uint32_t NoRGB16(const unsigned char*, unsigned char*, std::uint32_t, unsigned) { return 0; }
+std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, unsigned char*, std::uint32_t)
 {
-#if ZO_RGB_HAVE_SSSE3
-    static const bool has = __builtin_cpu_supports("ssse3");
-    return has;
-#else
-    return false;
-#endif
+    return 0;
 }
 
-#if ZO_RGB_HAVE_SSSE3
-#define ZO_SHUFFLE(call) return HasByteShuffle() ? ssse3::call : 0
+const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered,
+                                  NoRGB16,  NoPlanes,        NoPixels,        NoPixels};
+
+const RGBPaths* ChooseRGBPaths(CpuLevel level)
+{
+#if ZO_SIMD_X86
+    if (level >= CpuLevel::kSSSE3)
+        return &kRGBPathsSSSE3;
 #else
-#define ZO_SHUFFLE(call) return 0
+    (void)level;
 #endif
+    return &kRGBPathsScalar;
+}
+
+}  // namespace
+
+const RGBPaths& RGBActivePaths()
+{
+    static const PathChoice<RGBPaths> choice("RGB", ChooseRGBPaths);
+    return choice.Get();
+}
+
+bool HasByteShuffle() { return &RGBActivePaths() != &kRGBPathsScalar; }
 
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(ThreeToFour(s, d, n, false));
+    return RGBActivePaths().threeToFour(s, d, n, false);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write32<2>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(ThreeToFour(s, d, n, true));
+    return RGBActivePaths().threeToFour(s, d, n, true);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write24<2>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(SwapThree(s, d, n));
+    return RGBActivePaths().swapThree(s, d, n);
 }
 template <>
 std::uint32_t RepackBytesIdentity<WriteRGB16, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(BytesToRGB16(s, d, n, 3));
+    return RGBActivePaths().bytesToRGB16(s, d, n, 3);
 }
 template <>
 std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(BytesToRGB16(s, d, n, 4));
+    return RGBActivePaths().bytesToRGB16(s, d, n, 4);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(FourToFour(s, d, n, false));
+    return RGBActivePaths().fourToFour(s, d, n, false);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write32<2>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(FourToFour(s, d, n, true));
+    return RGBActivePaths().fourToFour(s, d, n, true);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write24<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(FourToThree(s, d, n, false));
+    return RGBActivePaths().fourToThree(s, d, n, false);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write24<2>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(FourToThree(s, d, n, true));
+    return RGBActivePaths().fourToThree(s, d, n, true);
 }
 template <>
 std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
-    ZO_SHUFFLE(SwapFour(s, d, n));
+    return RGBActivePaths().swapFour(s, d, n);
 }
 
 namespace {
@@ -86,19 +104,8 @@ std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, u
 {
     if (!Apart(red, green, n) || !Apart(red, blue, n) || !Apart(green, blue, n))
         return 0;
-    ZO_SHUFFLE(ThreeToPlanes(s, red, green, blue, n));
+    return RGBActivePaths().threeToPlanes(s, red, green, blue, n);
 }
-
-std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n)
-{
-    ZO_SHUFFLE(GrayBytesToThree(s, d, n));
-}
-std::uint32_t GrayWordsToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
-{
-    ZO_SHUFFLE(GrayWordsToThree(s, d, n, shift));
-}
-
-#undef ZO_SHUFFLE
 
 }  // namespace simd
 }  // namespace zo

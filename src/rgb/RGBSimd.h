@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "rgb/RGBKernels.h"
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
 
 namespace zo {
 namespace simd {
@@ -48,7 +48,7 @@ inline std::uint32_t RepackKeepFourthIdentity<0>(const unsigned char* s, unsigne
     return n;
 }
 
-// Byte shuffles (SSSE3 where the CPU has it; RGBSimd.cpp).
+// Byte shuffles (the active level's table of RGBPaths.h; RGBSimd.cpp).
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 template <>
@@ -76,12 +76,8 @@ std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char*
 std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, unsigned char* green,
                                    unsigned char* blue, std::uint32_t n);
 
-// Gray to RGB24/BGR24 (three equal bytes): one byte a pixel, or 16-bit
-// words w giving (w >> shift) & 0xFF (shift 8: the high byte).
-std::uint32_t GrayBytesToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n);
-std::uint32_t GrayWordsToRGB24(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift);
-
-// Whether the byte shuffles above use vector instructions on this CPU.
+// Whether the byte shuffles above use vector instructions at the active
+// level.
 bool HasByteShuffle();
 
 // A whole line of one-byte channels through the identity filter: the fast

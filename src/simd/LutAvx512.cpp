@@ -108,7 +108,7 @@ void Bytes3(unsigned char* line, std::uint32_t count, const LutTables8& tables)
         runPart(line + i + 128, FirstBytes(bytes - i - 128), m20, m21, m22);
 }
 
-constexpr LutPaths kAvx512 = {"avx512-vbmi", true, Bytes3, Bytes4};
+constexpr LutPaths kAvx512 = {"AVX-512 VBMI", true, Bytes3, Bytes4};
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 # The CPU module every family's choice of paths goes through.
 set(_dir ${CMAKE_CURRENT_SOURCE_DIR}/src/simd)
 list(APPEND ZO_LIB_SOURCES ${_dir}/Cpu.cpp)
+list(APPEND ZO_TEST_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/tests/simd/SimdLevelsTest.cpp)
 # Table passes of the filtered conversions.
 list(APPEND ZO_LIB_SOURCES ${_dir}/Lut.cpp)
 zo_add_simd_source(${_dir}/LutAvx512.cpp AVX512)

@@ -1,5 +1,5 @@
 // Line kernels of the YUV families: free functions over one line, templated
-// over the destination writer (rgb/RGBLayouts.h). Every parameter comes in
+// over the destination writer (core/PixelIO.h). Every parameter comes in
 // explicitly; the kernels never touch a converter or its context.
 //
 // 4:2:2 sources: a pair of pixels is four samples Y0 U Y1 V; pixel 0 is
@@ -19,7 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "rgb/RGBLayouts.h"
+#include "core/PixelIO.h"
 #include "simd/Lut.h"
 #include "yuv/YUVTransform.h"
 
@@ -66,7 +66,7 @@ struct YUV10PairReader {
     {
         // No clamping: bits above the eighth of the shifted word are dropped.
         for (int i = 0; i < 4; ++i)
-            out[i] = static_cast<std::int32_t>((static_cast<std::uint32_t>(LoadWord(s + 2 * i)) >> shift) & 0xFF);
+            out[i] = static_cast<std::int32_t>((LoadLE16(s + 2 * i) >> shift) & 0xFF);
     }
 };
 
@@ -93,7 +93,7 @@ inline void YUV422PairsToRGB(const unsigned char* src, unsigned char* dst, std::
 // zero: no pair is converted.
 inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (count & 1); }
 
-// Vector paths (YUVSimd.cpp, the best for this CPU): convert whole groups
+// Vector paths (YUVSimd.cpp, those of the active level): convert whole groups
 // from the start of the line, unfiltered, into the layout of dstBytes
 // (2 RGB16, 3 and 4 with red at redIndex) and return how many pairs or
 // pixels they did; the scalar kernels finish the line. 0 where no vector

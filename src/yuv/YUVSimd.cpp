@@ -1,373 +1,88 @@
-// SSE2 paths of the YUV kernels (the x86-64 baseline), and the choice of the
-// best path for this CPU, made once.
-//
-// Pixels are handled sixteen at a time. Every reader brings eight pixels of
-// 4:2:2 into one register in the 8-bit layout Y0 U Y1 V Y2 U' Y3 V' ...;
-// the transform runs on 16-bit lanes in the split form of YUVTransform.h
-// (exact, no rounding differences), and packing with unsigned saturation is
-// the clamp to 0..255.
+// The choice of the YUV vector paths for the active level, and the entry
+// points the kernels call.
 #include "yuv/YUVSimd.h"
 
-#include "yuv/YUVSimdTransform.h"
-
-#if defined(ZO_YUV_HAVE_X86)
-#include <emmintrin.h>
+#include "simd/Cpu.h"
+#include "yuv/YUVKernels.h"
 
 namespace zo {
 namespace {
 
-// Keeps a constant multiplier opaque to the compiler, which would otherwise
-// replace one pmullw by a longer chain of shifts and adds.
-inline __m128i Opaque(__m128i v)
+std::uint32_t NoPairs8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
+                       std::uint32_t)
 {
-#if defined(__GNUC__)
-    __asm__("" : "+x"(v));
-#endif
-    return v;
+    return 0;
 }
-
-// 16-bit lane operations for TransformLanes.
-struct V128 {
-    using Reg = __m128i;
-    static Reg Set(std::int32_t v) { return _mm_set1_epi16(static_cast<short>(v)); }
-    static Reg Add(Reg a, Reg b) { return _mm_add_epi16(a, b); }
-    static Reg Sub(Reg a, Reg b) { return _mm_sub_epi16(a, b); }
-    static Reg MulLo(Reg a, Reg b) { return _mm_mullo_epi16(a, Opaque(b)); }
-    template <int N>
-    static Reg Slli(Reg a) { return _mm_slli_epi16(a, N); }
-    template <int N>
-    static Reg Srai(Reg a) { return _mm_srai_epi16(a, N); }
-    // -100 U + 48 V (SSE2 has no byte multiply-add; the pairs are not used).
-    static Reg GreenChroma(Reg u, Reg v, Reg)
-    {
-        return Sub(MulLo(v, Set(bt601::kGreenFromVFraction)), MulLo(u, Set(bt601::kGreenFromU)));
-    }
-};
-
-// Eight pixels: Y, U, V as 16-bit lanes -> unclamped R, G, B as 16-bit lanes.
-inline void Transform8(__m128i y, __m128i u, __m128i v, __m128i& r, __m128i& g, __m128i& b)
+std::uint32_t NoPairs10(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
+                        std::uint32_t)
 {
-    TransformLanes<V128>(y, u, v, u, r, g, b);
+    return 0;
 }
-
-// Eight 4:2:2 pixels (bytes Y0 U Y1 V ...) -> unclamped R, G, B.
-inline void Transform422(__m128i x, __m128i& r, __m128i& g, __m128i& b)
+std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
+                          std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t)
 {
-    const __m128i y = _mm_and_si128(x, _mm_set1_epi16(0xFF));
-    const __m128i chroma = _mm_srli_epi16(x, 8);  // U0 V0 U1 V1 U2 V2 U3 V3
-    const __m128i u = _mm_shufflehi_epi16(_mm_shufflelo_epi16(chroma, _MM_SHUFFLE(2, 2, 0, 0)), _MM_SHUFFLE(2, 2, 0, 0));
-    const __m128i v = _mm_shufflehi_epi16(_mm_shufflelo_epi16(chroma, _MM_SHUFFLE(3, 3, 1, 1)), _MM_SHUFFLE(3, 3, 1, 1));
-    Transform8(y, u, v, r, g, b);
-}
-
-// Sixteen pixels as clamped R, G, B bytes.
-struct Bytes16 {
-    __m128i r, g, b;
-};
-
-inline Bytes16 Clamp16(__m128i r0, __m128i g0, __m128i b0, __m128i r1, __m128i g1, __m128i b1)
-{
-    return Bytes16{_mm_packus_epi16(r0, r1), _mm_packus_epi16(g0, g1), _mm_packus_epi16(b0, b1)};
-}
-
-// --- destination writers: sixteen pixels from clamped bytes --------------
-
-// Four registers of four 32-bit pixels each: bytes (first, g, third, 0).
-template <unsigned RedIndex>
-inline void Interleave32(const Bytes16& p, __m128i (&q)[4])
-{
-    const __m128i first = RedIndex == 0 ? p.r : p.b;
-    const __m128i third = RedIndex == 0 ? p.b : p.r;
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i lo = _mm_unpacklo_epi8(first, p.g);
-    const __m128i hi = _mm_unpacklo_epi8(third, zero);
-    const __m128i lo2 = _mm_unpackhi_epi8(first, p.g);
-    const __m128i hi2 = _mm_unpackhi_epi8(third, zero);
-    q[0] = _mm_unpacklo_epi16(lo, hi);
-    q[1] = _mm_unpackhi_epi16(lo, hi);
-    q[2] = _mm_unpacklo_epi16(lo2, hi2);
-    q[3] = _mm_unpackhi_epi16(lo2, hi2);
-}
-
-template <unsigned RedIndex>
-struct Store32 {
-    static constexpr std::uint32_t kBytes = 4;
-    static void Put(unsigned char* d, const Bytes16& p)
-    {
-        __m128i q[4];
-        Interleave32<RedIndex>(p, q);
-        for (int i = 0; i < 4; ++i)
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * i), q[i]);
-    }
-};
-
-// Four 32-bit pixels -> their 24-bit bytes in the low 12 bytes.
-inline __m128i Compact4(__m128i x)
-{
-    const __m128i m0 = _mm_setr_epi32(0x00FFFFFF, 0, 0, 0);
-    const __m128i m1 = _mm_setr_epi32(0, 0x00FFFFFF, 0, 0);
-    const __m128i m2 = _mm_setr_epi32(0, 0, 0x00FFFFFF, 0);
-    const __m128i m3 = _mm_setr_epi32(0, 0, 0, 0x00FFFFFF);
-    return _mm_or_si128(_mm_or_si128(_mm_and_si128(x, m0), _mm_srli_si128(_mm_and_si128(x, m1), 1)),
-                        _mm_or_si128(_mm_srli_si128(_mm_and_si128(x, m2), 2), _mm_srli_si128(_mm_and_si128(x, m3), 3)));
-}
-
-template <unsigned RedIndex>
-struct Store24 {
-    static constexpr std::uint32_t kBytes = 3;
-    static void Put(unsigned char* d, const Bytes16& p)
-    {
-        __m128i q[4];
-        Interleave32<RedIndex>(p, q);
-        const __m128i c0 = Compact4(q[0]), c1 = Compact4(q[1]), c2 = Compact4(q[2]), c3 = Compact4(q[3]);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_or_si128(c0, _mm_slli_si128(c1, 12)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16), _mm_or_si128(_mm_srli_si128(c1, 4), _mm_slli_si128(c2, 8)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 32), _mm_or_si128(_mm_srli_si128(c2, 8), _mm_slli_si128(c3, 4)));
-    }
-};
-
-struct Store16 {
-    static constexpr std::uint32_t kBytes = 2;
-    static __m128i Words(__m128i r, __m128i g, __m128i b)
-    {
-        const __m128i red = _mm_and_si128(_mm_slli_epi16(r, 8), _mm_set1_epi16(static_cast<short>(0xF800)));
-        const __m128i green = _mm_slli_epi16(_mm_and_si128(g, _mm_set1_epi16(0xFC)), 3);
-        return _mm_or_si128(_mm_or_si128(red, green), _mm_srli_epi16(b, 3));
-    }
-    static void Put(unsigned char* d, const Bytes16& p)
-    {
-        const __m128i zero = _mm_setzero_si128();
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
-                         Words(_mm_unpacklo_epi8(p.r, zero), _mm_unpacklo_epi8(p.g, zero),
-                               _mm_unpacklo_epi8(p.b, zero)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16),
-                         Words(_mm_unpackhi_epi8(p.r, zero), _mm_unpackhi_epi8(p.g, zero),
-                               _mm_unpackhi_epi8(p.b, zero)));
-    }
-};
-
-// --- readers: sixteen 4:2:2 pixels as two registers of 8-bit samples -------
-
-struct Read8Bit {  // samples of one byte: 32 bytes
-    static constexpr std::uint32_t kGroupBytes = 32;
-    std::uint32_t unused;
-    void Load(const unsigned char* s, __m128i& x0, __m128i& x1) const
-    {
-        x0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s));
-        x1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 16));
-    }
-};
-
-struct ReadHighByte {  // samples of two bytes, the second is the value: 64 bytes
-    static constexpr std::uint32_t kGroupBytes = 64;
-    std::uint32_t unused;
-    static __m128i Two(const unsigned char* s)
-    {
-        const __m128i a = _mm_srli_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s)), 8);
-        const __m128i b = _mm_srli_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 16)), 8);
-        return _mm_packus_epi16(a, b);
-    }
-    void Load(const unsigned char* s, __m128i& x0, __m128i& x1) const
-    {
-        x0 = Two(s);
-        x1 = Two(s + 32);
-    }
-};
-
-struct ReadShiftedWord {  // 16-bit words, value = low 8 bits of word >> shift
-    static constexpr std::uint32_t kGroupBytes = 64;
-    std::uint32_t shift;
-    __m128i Two(const unsigned char* s, __m128i count) const
-    {
-        const __m128i mask = _mm_set1_epi16(0xFF);
-        const __m128i a = _mm_and_si128(_mm_srl_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s)), count), mask);
-        const __m128i b =
-            _mm_and_si128(_mm_srl_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 16)), count), mask);
-        return _mm_packus_epi16(a, b);
-    }
-    void Load(const unsigned char* s, __m128i& x0, __m128i& x1) const
-    {
-        const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
-        x0 = Two(s, count);
-        x1 = Two(s + 32, count);
-    }
-};
-
-template <class Store, class Reader>
-std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
-{
-    const std::uint32_t groups = pairs / 8;
-    for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 16 * Store::kBytes) {
-        __m128i x0, x1, r0, g0, b0, r1, g1, b1;
-        reader.Load(src, x0, x1);
-        Transform422(x0, r0, g0, b0);
-        Transform422(x1, r1, g1, b1);
-        Store::Put(dst, Clamp16(r0, g0, b0, r1, g1, b1));
-    }
-    return groups * 8;
-}
-
-template <class Reader>
-std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                               std::uint32_t dstBytes, std::uint32_t redIndex, const Reader& reader)
-{
-    switch (dstBytes) {
-    case 2:
-        return Pairs422<Store16>(src, dst, pairs, reader);
-    case 3:
-        return redIndex ? Pairs422<Store24<2>>(src, dst, pairs, reader) : Pairs422<Store24<0>>(src, dst, pairs, reader);
-    case 4:
-        return redIndex ? Pairs422<Store32<2>>(src, dst, pairs, reader) : Pairs422<Store32<0>>(src, dst, pairs, reader);
-    default:
-        return 0;
-    }
-}
-
-std::uint32_t Pairs8SSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
-                         std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    if (sampleBytes == 1)
-        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, Read8Bit{0});
-    if (sampleBytes == 2)
-        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadHighByte{0});
     return 0;
 }
 
-std::uint32_t Pairs10SSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
-                          std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    if (shift > 15)
-        return 0;
-    return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadShiftedWord{shift});
-}
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444};
 
-// 4:4:4: sixteen pixels are gathered into Y, U and V rows first (any pixel
-// size and offsets), then transformed together.
-template <class Store>
-std::uint32_t Pixels444(const unsigned char* src, unsigned char* dst, std::uint32_t count, std::uint32_t pixelBytes,
-                        std::uint32_t yOffset, std::uint32_t uOffset, std::uint32_t vOffset)
+const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
-    const std::uint32_t groups = count / 16;
-    const __m128i zero = _mm_setzero_si128();
-    for (std::uint32_t i = 0; i < groups; ++i, src += 16 * pixelBytes, dst += 16 * Store::kBytes) {
-        alignas(16) unsigned char yr[16], ur[16], vr[16];
-        const unsigned char* p = src;
-        for (int k = 0; k < 16; ++k, p += pixelBytes) {
-            yr[k] = p[yOffset];
-            ur[k] = p[uOffset];
-            vr[k] = p[vOffset];
-        }
-        const __m128i y = _mm_load_si128(reinterpret_cast<const __m128i*>(yr));
-        const __m128i u = _mm_load_si128(reinterpret_cast<const __m128i*>(ur));
-        const __m128i v = _mm_load_si128(reinterpret_cast<const __m128i*>(vr));
-        __m128i r0, g0, b0, r1, g1, b1;
-        Transform8(_mm_unpacklo_epi8(y, zero), _mm_unpacklo_epi8(u, zero), _mm_unpacklo_epi8(v, zero), r0, g0, b0);
-        Transform8(_mm_unpackhi_epi8(y, zero), _mm_unpackhi_epi8(u, zero), _mm_unpackhi_epi8(v, zero), r1, g1, b1);
-        Store::Put(dst, Clamp16(r0, g0, b0, r1, g1, b1));
-    }
-    return groups * 16;
-}
-
-std::uint32_t Pixels444SSE2(const unsigned char* src, unsigned char* dst, std::uint32_t count,
-                            std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
-                            std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    switch (dstBytes) {
-    case 2:
-        return Pixels444<Store16>(src, dst, count, pixelBytes, yOffset, uOffset, vOffset);
-    case 3:
-        return redIndex ? Pixels444<Store24<2>>(src, dst, count, pixelBytes, yOffset, uOffset, vOffset)
-                        : Pixels444<Store24<0>>(src, dst, count, pixelBytes, yOffset, uOffset, vOffset);
-    case 4:
-        return redIndex ? Pixels444<Store32<2>>(src, dst, count, pixelBytes, yOffset, uOffset, vOffset)
-                        : Pixels444<Store32<0>>(src, dst, count, pixelBytes, yOffset, uOffset, vOffset);
-    default:
-        return 0;
-    }
+#if ZO_SIMD_X86
+    using simd::CpuLevel;
+    if (level >= CpuLevel::kAVX512 && simd::HostCpuFeatures().avx512vbmi)
+        return &kYUVPathsAVX512;
+    if (level >= CpuLevel::kAVX2)
+        return &kYUVPathsAVX2;
+    if (level >= CpuLevel::kSSE2)
+        return &kYUVPathsSSE2;
+#else
+    (void)level;
+#endif
+    return &kYUVPathsScalar;
 }
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsSSE2 = {"SSE2", Pairs8SSE2, Pairs10SSE2, Pixels444SSE2};
+const YUVVectorPaths& YUVActivePaths()
+{
+    static const simd::PathChoice<YUVVectorPaths> choice("YUV", ChooseYUVPaths);
+    return choice.Get();
+}
 
 const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count)
 {
-#if defined(ZO_YUV_HAVE_AVX512)
-    static const bool kAVX2 = __builtin_cpu_supports("avx2");
-    static const bool kAVX512 =
-        kAVX2 && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
+#if ZO_SIMD_X86
     static const YUVVectorPaths* const kPaths[] = {&kYUVPathsSSE2, &kYUVPathsAVX2, &kYUVPathsAVX512};
-    count = kAVX512 ? 3 : (kAVX2 ? 2 : 1);
-#elif defined(ZO_YUV_HAVE_AVX2)
-    static const bool kAVX2 = __builtin_cpu_supports("avx2");
-    static const YUVVectorPaths* const kPaths[] = {&kYUVPathsSSE2, &kYUVPathsAVX2};
-    count = kAVX2 ? 2 : 1;
-#else
-    static const YUVVectorPaths* const kPaths[] = {&kYUVPathsSSE2};
-    count = 1;
-#endif
+    const simd::CpuLevel host = simd::HostCpuLevel();
+    count = host >= simd::CpuLevel::kAVX512 && simd::HostCpuFeatures().avx512vbmi ? 3
+            : host >= simd::CpuLevel::kAVX2                                         ? 2
+            : host >= simd::CpuLevel::kSSE2                                         ? 1
+                                                                                    : 0;
     return kPaths;
+#else
+    count = 0;
+    return nullptr;
+#endif
 }
-
-namespace {
-const YUVVectorPaths& BestPaths()
-{
-    std::uint32_t n = 0;
-    const YUVVectorPaths* const* all = YUVAvailableVectorPaths(n);
-    return *all[n - 1];
-}
-}  // namespace
 
 std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
 {
-    static const YUVVectorPaths& paths = BestPaths();
-    return paths.pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
+    return YUVActivePaths().pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
 }
 
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                     std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex)
 {
-    static const YUVVectorPaths& paths = BestPaths();
-    return paths.pairs10(src, dst, pairs, shift, dstBytes, redIndex);
+    return YUVActivePaths().pairs10(src, dst, pairs, shift, dstBytes, redIndex);
 }
 
 std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                 std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                 std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex)
 {
-    static const YUVVectorPaths& paths = BestPaths();
-    return paths.pixels444(src, dst, count, pixelBytes, yOffset, uOffset, vOffset, dstBytes, redIndex);
+    return YUVActivePaths().pixels444(src, dst, count, pixelBytes, yOffset, uOffset, vOffset, dstBytes, redIndex);
 }
 
 }  // namespace zo
-
-#else  // no vector paths on this architecture
-
-namespace zo {
-
-const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count)
-{
-    count = 0;
-    return nullptr;
-}
-
-std::uint32_t YUV8PairsToRGBVector(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                                   std::uint32_t)
-{
-    return 0;
-}
-std::uint32_t YUV10PairsToRGBVector(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t,
-                                    std::uint32_t, std::uint32_t)
-{
-    return 0;
-}
-std::uint32_t YUV444ToRGBVector(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                                std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t)
-{
-    return 0;
-}
-
-}  // namespace zo
-
-#endif

@@ -10,7 +10,7 @@
 
 namespace zo {
 
-// One instruction set's entry points (null where a form has no vector path).
+// One instruction set's entry points (never null).
 struct YUVVectorPaths {
     const char* name;
     std::uint32_t (*pairs8)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
@@ -26,18 +26,17 @@ struct YUVVectorPaths {
 // `count` receives the number of entries.
 const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count);
 
-#if defined(__x86_64__) || defined(_M_X64)
-#define ZO_YUV_HAVE_X86 1
-extern const YUVVectorPaths kYUVPathsSSE2;
-#if defined(ZO_YUV_HAVE_AVX2)
-extern const YUVVectorPaths kYUVPathsAVX2;  // YUVSimdAVX2.cpp, built with -mavx2
-#endif
-#if defined(ZO_YUV_HAVE_AVX512)
-// YUVSimdAVX512.cpp, built with -mavx512bw -mavx512vbmi (its own path for
-// 8-bit 4:2:2 to 32-bit pixels, the AVX2 paths for the rest).
-extern const YUVVectorPaths kYUVPathsAVX512;
-#endif
-#endif
+// The tables of each instruction set (absent from builds for other
+// processors). The AVX-512 table (YUVAvx512.cpp) has its own path for 8-bit
+// 4:2:2 to 32-bit pixels and uses the AVX2 paths for the rest.
+extern const YUVVectorPaths kYUVPathsSSE2;    // YUVSse2.cpp
+extern const YUVVectorPaths kYUVPathsAVX2;    // YUVAvx2.cpp
+extern const YUVVectorPaths kYUVPathsAVX512;  // YUVAvx512.cpp
+
+// The paths of the active level (simd/Cpu.h): the scalar table (every entry
+// returns 0) at the scalar level, SSE2 at SSE2 and SSSE3, AVX2 at AVX2, and
+// AVX-512 at AVX-512 where the CPU has VBMI (AVX2 otherwise).
+const YUVVectorPaths& YUVActivePaths();
 
 }  // namespace zo
 

@@ -1,5 +1,5 @@
 // The BT.601 transform on 16-bit vector lanes, written once over a small
-// operations class (V128 in YUVSimd.cpp, V256 in YUVSimdAVX2.cpp), in the
+// operations class (V128 in YUVSse2.cpp, V256 in YUVAvx2.cpp), in the
 // raw-sample split form of YUVTransform.h:
 //   R = (y + v - 144)    + ((42 y + 153 v + kRedSumOffset) >> 8)
 //   G = (y - v + 112)    + ((42 y - 100 u + 48 v + kGreenSumOffset) >> 8)

@@ -9,6 +9,7 @@
 #include "ZoImgLib.h"
 #include "bayer/BayerKernels.h"
 #include "bayer/BayerReference.h"
+#include "simd/CpuLevels.h"
 
 using namespace bayer_test;
 
@@ -268,8 +269,9 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     EXPECT_EQ(d1, d2);
 }
 
-// The vector inside of interpolating lines against the scalar loop, on
-// random rows of awkward widths, every phase, with guard bytes after the row.
+// The vector inside of interpolating lines at every level the host runs
+// against the scalar loop, on random rows of awkward widths, every phase,
+// with guard bytes after the row.
 TEST(BayerSimd, VectorLinesMatchScalarLines)
 {
     std::mt19937 rng(6);
@@ -288,12 +290,15 @@ TEST(BayerSimd, VectorLinesMatchScalarLines)
                         rows[i] &= 0x0F;
                 const std::ptrdiff_t w = count;
                 const std::uint8_t* line = &rows[count * Src::kBytes];
-                std::vector<std::uint8_t> sse2(count * bytes + 16, 0xC3), best(sse2), scalar(sse2);
-                zo::InterpolateLine<Src, Out, 0>(line, scalar.data(), count, phase, -w, w, true, true, out);
-                zo::InterpolateLine<Src, Out, 1>(line, sse2.data(), count, phase, -w, w, true, true, out);
-                zo::InterpolateLine<Src, Out, 2>(line, best.data(), count, phase, -w, w, true, true, out);
-                ASSERT_EQ(sse2, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
-                ASSERT_EQ(best, scalar) << "count " << count << " phase " << phase << " bytes " << bytes;
+                std::vector<std::uint8_t> scalar(count * bytes + 16, 0xC3);
+                zo::InterpolateLine<Src, Out, false>(line, scalar.data(), count, phase, -w, w, true, true, out);
+                for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
+                    const zotest::CpuCeilingScope ceiling(level);
+                    std::vector<std::uint8_t> vector(scalar.size(), 0xC3);
+                    zo::InterpolateLine<Src, Out>(line, vector.data(), count, phase, -w, w, true, true, out);
+                    ASSERT_EQ(vector, scalar) << zo::simd::CpuLevelName(level) << ", count " << count << " phase "
+                                              << phase << " bytes " << bytes;
+                }
             }
     };
     check(zo::Samples8{}, zo::Identity8<zo::WriteRGB24, false>{0}, 3);

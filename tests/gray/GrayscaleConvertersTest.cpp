@@ -9,7 +9,7 @@
 #include "ZoGrayscaleConverters.h"
 #include "ZoPixelTypeFactory.h"
 #include "gray/GrayscaleKernels.h"
-#include "gray/GrayscaleSimd.h"
+#include "gray/GraySimd.h"
 #include "convert/ConvertTestSupport.h"
 #include "rgb/AreaTestSupport.h"
 
@@ -266,7 +266,7 @@ TEST(GrayscaleConverters, FastPathsMatchTheScalarKernels)
 
         Bytes scalar(4 * std::size_t(n) + 64, kPoison), part(scalar);
         g::GrayLine<g::PutRGB32>(s.data(), scalar.data(), n, g::ReadLastByte<1>{});
-        const std::uint32_t done = g::GrayBytesToRGB32(s.data(), part.data(), n);
+        const std::uint32_t done = g::GrayActivePaths().bytesToRGB32(s.data(), part.data(), n);
         ASSERT_LE(done, n);
         for (std::size_t i = 0; i < part.size(); ++i)
             ASSERT_EQ(part[i], i < 4 * std::size_t(done) ? scalar[i] : kPoison) << "byte " << i;

@@ -1,6 +1,6 @@
-// The vector paths (SSE2, and AVX2 where the CPU has it) of the packed and
-// dual-tap kernels against their scalar kernels: every layout and tap mode,
-// random rules, awkward widths, guard bytes on both sides of the line.
+// The vector paths of the packed and dual-tap kernels, at every level the
+// host runs, against their scalar kernels: every layout and tap mode, random
+// rules, awkward widths, guard bytes on both sides of the line.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include "gray/DualTapKernels.h"
 #include "gray/PackedKernels.h"
 #include "rgb/AreaTestSupport.h"
+#include "simd/CpuLevels.h"
 
 namespace {
 
@@ -44,28 +45,18 @@ void CompareUnpacking(std::mt19937& rng)
             // Exactly the groups a line reads (sanitizer builds catch more).
             const Bytes src = zotest::RandomBytes(((n + 1) / 2) * 3, rng);
             for (unsigned mode = 0; mode <= 4; ++mode) {
-                Bytes vec(static_cast<std::size_t>(n) * Writer::kBytes + 2 * kGuard, 0x5A), ref(vec);
-                zo::UnpackPackedLine<Writer>(src.data(), vec.data() + kGuard, n, pipelining, rules, mode);
+                Bytes ref(static_cast<std::size_t>(n) * Writer::kBytes + 2 * kGuard, 0x5A);
                 zo::WithDualTapMode(mode, [&](auto m) {
                     zo::UnpackPackedLineScalar<Writer, decltype(m)::value>(src.data(), ref.data() + kGuard, n,
                                                                            pipelining, rules);
                 });
-                ASSERT_EQ(vec, ref) << "bytes " << Writer::kBytes << " mode " << mode << " n " << n << " P "
-                                    << pipelining;
-#ifdef ZO_PACKED_SSE2
-                // The SSE2 path on its own (the line above may have taken the AVX2 one).
-                if constexpr (zo::sse2::HasSimd<Writer>::value) {
-                    Bytes sse(ref.size(), 0x5A);
-                    zo::WithDualTapMode(mode, [&](auto m) {
-                        constexpr unsigned M = decltype(m)::value;
-                        const std::uint32_t first = zo::DualTapVectorPairs(n, pipelining, 8, 2);
-                        zo::sse2::UnpackPackedPairs<Writer, M>(src.data(), sse.data() + kGuard, n, first, rules);
-                        zo::UnpackPackedLineScalar<Writer, M>(src.data(), sse.data() + kGuard, n, pipelining, rules,
-                                                              first);
-                    });
-                    ASSERT_EQ(sse, ref) << "SSE2, bytes " << Writer::kBytes << " mode " << mode << " n " << n;
+                for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
+                    const zotest::CpuCeilingScope ceiling(level);
+                    Bytes vec(ref.size(), 0x5A);
+                    zo::UnpackPackedLine<Writer>(src.data(), vec.data() + kGuard, n, pipelining, rules, mode);
+                    ASSERT_EQ(vec, ref) << zo::simd::CpuLevelName(level) << ", bytes " << Writer::kBytes
+                                        << " mode " << mode << " n " << n << " P " << pipelining;
                 }
-#endif
             }
         }
     }
@@ -88,13 +79,18 @@ TEST(DualTapKernels, VectorPathMatchesScalar)
         for (std::uint32_t n : AwkwardWidths()) {
             const Bytes src = zotest::RandomBytes(n + (n & 1), rng);  // exactly the pairs a line reads
             for (unsigned mode = 0; mode <= 4; ++mode) {
-                Bytes vec(n + 2 * kGuard, 0x5A), ref(vec);
-                zo::RecombineDualTapLine(src.data(), vec.data() + kGuard, n, pipelining, mode);
+                Bytes ref(n + 2 * kGuard, 0x5A);
                 zo::WithDualTapMode(mode, [&](auto m) {
                     zo::RecombineDualTapLineScalar<decltype(m)::value>(src.data(), ref.data() + kGuard, n,
                                                                        pipelining);
                 });
-                ASSERT_EQ(vec, ref) << "mode " << mode << " n " << n << " P " << pipelining;
+                for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
+                    const zotest::CpuCeilingScope ceiling(level);
+                    Bytes vec(ref.size(), 0x5A);
+                    zo::RecombineDualTapLine(src.data(), vec.data() + kGuard, n, pipelining, mode);
+                    ASSERT_EQ(vec, ref) << zo::simd::CpuLevelName(level) << ", mode " << mode << " n " << n
+                                        << " P " << pipelining;
+                }
             }
         }
     }

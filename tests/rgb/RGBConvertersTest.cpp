@@ -13,6 +13,7 @@
 #include "rgb/AreaTestSupport.h"
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
+#include "simd/CpuLevels.h"
 
 using namespace zotest;
 
@@ -353,9 +354,9 @@ TEST(RGBConverters, WhiteBalanceFilterFollowsItsTables)
     });
 }
 
-// Fast paths against the scalar kernels, on random rows of awkward widths:
-// every byte up to and past the row must agree (poison after the row shows
-// a stray write).
+// Fast paths at every level the host runs against the scalar kernels, on
+// random rows of awkward widths: every byte up to and past the row must
+// agree (poison after the row shows a stray write).
 TEST(RGBConverters, FastPathsMatchTheScalarKernels)
 {
     RecordProperty("byte_shuffle", zo::simd::HasByteShuffle() ? "vector" : "scalar");
@@ -366,13 +367,16 @@ TEST(RGBConverters, FastPathsMatchTheScalarKernels)
     const zo::ChannelTables16 none16{nullptr, nullptr, nullptr};
     auto compare = [&](const std::string& name, std::uint32_t sp, std::uint32_t dp, auto fast, auto scalar) {
         SCOPED_TRACE(name);
-        for (std::uint32_t n :
-             {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 63u, 64u, 65u, 255u, 256u, 257u, 1001u}) {
-            const Bytes s = RandomBytes(std::size_t(n) * sp, rng);
-            Bytes f(std::size_t(n) * dp + 32, kPoison), r = f;
-            fast(s.data(), f.data(), n);
-            scalar(s.data(), r.data(), n);
-            ASSERT_TRUE(SameBytes(f, r)) << "n " << n;
+        for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
+            const zotest::CpuCeilingScope ceiling(level);
+            for (std::uint32_t n : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 63u, 64u, 65u, 255u,
+                                    256u, 257u, 1001u}) {
+                const Bytes s = RandomBytes(std::size_t(n) * sp, rng);
+                Bytes f(std::size_t(n) * dp + 32, kPoison), r = f;
+                fast(s.data(), f.data(), n);
+                scalar(s.data(), r.data(), n);
+                ASSERT_TRUE(SameBytes(f, r)) << zo::simd::CpuLevelName(level) << ", n " << n;
+            }
         }
     };
     // Byte channels: the vector part of the identity repack, then the scalar kernel for the rest.

@@ -1,12 +1,13 @@
-// AVX2 paths of the grayscale kernels (this file alone is compiled with
-// -mavx2; GrayscaleConverters.cpp runs them only when the CPU reports AVX2).
-#include "gray/GrayscaleSimd.h"
+// AVX2 paths of the grayscale kernels (this file alone is compiled for AVX2;
+// its table runs from the AVX2 level on, see GraySimd.cpp).
+#include "gray/GraySimd.h"
 
-#if defined(ZO_GRAY_HAVE_AVX2)
+#if defined(__AVX2__)
 #include <immintrin.h>
 
 namespace zo {
 namespace gray {
+namespace {
 
 // Sixteen gray bytes are broadcast to both lanes of a register; four byte
 // shuffles spread them to sixteen pixels g, g, g, 0 (a shuffle index with
@@ -27,6 +28,10 @@ std::uint32_t GrayBytesToRGB32AVX2(const unsigned char* s, unsigned char* d, std
     }
     return groups * 16;
 }
+
+}  // namespace
+
+const GrayPaths kGrayPathsAVX2 = {"AVX2", GrayBytesToRGB24Ssse3, GrayWordsToRGB24Ssse3, GrayBytesToRGB32AVX2};
 
 }  // namespace gray
 }  // namespace zo

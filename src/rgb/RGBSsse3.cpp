@@ -1,14 +1,16 @@
-// SSSE3 byte shuffles of the RGB kernels; see RGBSimdSSSE3.h.
-#include "rgb/RGBSimdSSSE3.h"
+// SSSE3 byte shuffles of the RGB kernels (this file alone is compiled for
+// SSSE3; its table runs at the SSSE3 level and above, see RGBSimd.cpp). Each
+// converts whole groups of pixels from the start of the line, never touching
+// bytes past the n pixels the scalar kernel would read and write, and
+// returns how many pixels it converted.
+#include "rgb/RGBPaths.h"
 
-#if ZO_RGB_HAVE_SSSE3
+#if defined(__SSSE3__)
 
 #include <tmmintrin.h>
 
 namespace zo {
 namespace simd {
-namespace ssse3 {
-
 namespace {
 
 constexpr char Z = -128;  // shuffle index that writes 0
@@ -30,8 +32,6 @@ std::uint32_t Shuffle(const unsigned char* s, unsigned char* d, std::uint32_t n,
     return i;
 }
 
-}  // namespace
-
 std::uint32_t ThreeToFour(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
@@ -52,8 +52,6 @@ std::uint32_t FourToFour(const unsigned char* s, unsigned char* d, std::uint32_t
     const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 6, 5, 4, Z, 10, 9, 8, Z, 14, 13, 12, Z);
     return Shuffle<4, 4>(s, d, n, blueFirst ? bgr : rgb);
 }
-
-namespace {
 
 // Shuffle masks gathering channel c of eight pixels of `group` bytes (32
 // loaded bytes, lo and hi) into 16-bit lanes, high bytes zero.
@@ -77,8 +75,6 @@ inline __m128i Gather(__m128i lo, __m128i hi, const ChannelMasks& m)
 {
     return _mm_or_si128(_mm_shuffle_epi8(lo, m.lo), _mm_shuffle_epi8(hi, m.hi));
 }
-
-}  // namespace
 
 // word = ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3), on 16-bit lanes.
 std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
@@ -136,40 +132,11 @@ std::uint32_t SwapFour(const unsigned char* s, unsigned char* d, std::uint32_t n
     return Shuffle<4, 4>(s, d, n, _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15));
 }
 
-namespace {
-
-// Sixteen gray bytes to 48 bytes g g g.
-inline void StoreGrayThree(unsigned char* d, __m128i g)
-{
-    Store(d, _mm_shuffle_epi8(g, _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5)));
-    Store(d + 16, _mm_shuffle_epi8(g, _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10)));
-    Store(d + 32, _mm_shuffle_epi8(g, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
-}
-
 }  // namespace
 
-std::uint32_t GrayBytesToThree(const unsigned char* s, unsigned char* d, std::uint32_t n)
-{
-    std::uint32_t i = 0;
-    for (; i + 16 <= n; i += 16)
-        StoreGrayThree(d + std::size_t(i) * 3, Load(s + i));
-    return i;
-}
+const RGBPaths kRGBPathsSSSE3 = {"SSSE3",      ThreeToFour,   FourToThree, FourToFour,
+                                 BytesToRGB16, ThreeToPlanes, SwapThree,   SwapFour};
 
-std::uint32_t GrayWordsToThree(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t shift)
-{
-    const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
-    const __m128i low = _mm_set1_epi16(0xFF);
-    std::uint32_t i = 0;
-    for (; i + 16 <= n; i += 16) {
-        const __m128i a = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2), count), low);
-        const __m128i b = _mm_and_si128(_mm_srl_epi16(Load(s + std::size_t(i) * 2 + 16), count), low);
-        StoreGrayThree(d + std::size_t(i) * 3, _mm_packus_epi16(a, b));
-    }
-    return i;
-}
-
-}  // namespace ssse3
 }  // namespace simd
 }  // namespace zo
 

@@ -1,18 +1,12 @@
-// SSE2 inside of an interpolating line: 8-bit samples, identity filter,
-// 24- and 32-bit destinations, sixteen pixels per pass. The scalar pair loop
-// of BayerKernels.h is the reference and finishes what this leaves.
-#ifndef ZO_BAYER_SIMD_H
-#define ZO_BAYER_SIMD_H
+// SSE2 inside of an interpolating line (SSE2 is the baseline of x86-64
+// builds; the table runs from the SSE2 level on, see BayerSimd.cpp): 8-bit
+// samples sixteen pixels per pass, 16-bit samples eight or sixteen.
+#include "bayer/BayerPaths.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-
-#include "bayer/BayerSimdDispatch.h"
-
-#if ZO_BAYER_SSE2
+#if defined(__SSE2__)
 #include <emmintrin.h>
-#endif
+
+#include <cstring>
 
 // The block helpers below must melt into their loops.
 #if defined(__GNUC__)
@@ -22,8 +16,7 @@
 #endif
 
 namespace zo {
-
-#if ZO_BAYER_SSE2
+namespace {
 
 // Per pixel of a block, in 16-bit lanes (lane i = pixel x + i, x even):
 //   C  own sample             V  above + below
@@ -108,10 +101,6 @@ ZO_BAYER_INLINE void BayerQuads(const BayerBlock16& block, bool blueFirst, __m12
     q[3] = _mm_unpackhi_epi16(fgHigh, lzHigh);
 }
 
-// Pixels x = from, from + 16, ... while a whole block fits before `to`
-// (`to` at most count - 1, so that the loads at x + 1 stay inside the line).
-// Returns where it stopped. A 24-bit block stores two bytes past its last
-// pixel, which the caller writes afterwards.
 // Stores a block of sixteen pixels in a 3- or 4-byte layout. A 24-bit block
 // writes two bytes past its last pixel.
 template <unsigned Bytes, bool BlueFirst>
@@ -258,7 +247,7 @@ std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_
 // 16-bit samples into RGB48 (identity filter): each pixel stored as eight
 // bytes, the last two of which the next pixel overwrites; the block's last
 // store writes two bytes past it, which the caller writes afterwards.
-inline std::uint32_t InterpolateWordBlocks48Sse2(const unsigned char* line, std::ptrdiff_t above,
+std::uint32_t InterpolateWordBlocks48Sse2(const unsigned char* line, std::ptrdiff_t above,
                                                  std::ptrdiff_t below, unsigned char* dst, std::uint32_t from,
                                                  std::uint32_t to, int phase)
 {
@@ -284,7 +273,36 @@ inline std::uint32_t InterpolateWordBlocks48Sse2(const unsigned char* line, std:
     return x;
 }
 
-#endif
+}  // namespace
+
+std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                             std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+{
+    if (bytes == 4)
+        return blueFirst ? InterpolateBlocksSse2<4, true>(line, above, below, dst, from, to, phase)
+                         : InterpolateBlocksSse2<4, false>(line, above, below, dst, from, to, phase);
+    return blueFirst ? InterpolateBlocksSse2<3, true>(line, above, below, dst, from, to, phase)
+                     : InterpolateBlocksSse2<3, false>(line, above, below, dst, from, to, phase);
+}
+
+std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                             std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                             unsigned shift)
+{
+    if (bytes == 4)
+        return blueFirst ? InterpolateWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift)
+                         : InterpolateWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift);
+    return blueFirst ? InterpolateWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift)
+                     : InterpolateWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift);
+}
+
+std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                               unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+{
+    return InterpolateWordBlocks48Sse2(line, above, below, dst, from, to, phase);
+}
+
+const BayerPaths kBayerPathsSSE2 = {"SSE2", BayerBytesSse2, BayerWordsSse2, BayerWords48Sse2};
 
 }  // namespace zo
 

@@ -1,24 +1,16 @@
 // SSE2 paths of the packed unpacking and dual-tap kernels (SSE2 is the
-// baseline of x86-64 builds). Included by gray/PackedKernels.h after the
-// scalar rules and writers it builds on. They place whole chunks of pairs below h, as
+// baseline of x86-64 builds; the tables run from the SSE2 level on, see
+// PackedSimd.cpp). They place whole chunks of pairs below `pairs`, as
 // DualTapVectorPairs allows, and produce exactly the bytes of the scalar
 // kernels, which finish every line and remain the reference.
-#ifndef ZO_PACKED_SIMD_H
-#define ZO_PACKED_SIMD_H
+#include "gray/PackedKernels.h"
+#include "gray/PackedPaths.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <type_traits>
-
-#if defined(__SSE2__) || defined(_M_X64)
+#if defined(__SSE2__)
 #include <emmintrin.h>
-#define ZO_PACKED_SSE2 1
-#endif
-
-#ifdef ZO_PACKED_SSE2
 
 namespace zo {
-namespace sse2 {
+namespace {
 
 // Reverses the eight 16-bit lanes.
 inline __m128i Reverse16(__m128i x)
@@ -87,7 +79,7 @@ struct Pixels8<PackedToRGB16> {
     __m128i v;
     Pixels8(__m128i lo, __m128i hi)
     {
-        // ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3), as kGrayToRGB16_8.
+        // ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3), as GrayToRGB16Word.
         const __m128i g = PackWords(LowByte(lo), LowByte(hi));
         const __m128i five = _mm_srli_epi16(g, 3);
         v = _mm_or_si128(_mm_or_si128(_mm_slli_epi16(five, 11), _mm_slli_epi16(_mm_srli_epi16(g, 2), 5)), five);
@@ -101,24 +93,13 @@ struct Pixels8<PackedToGray8> {
 template <>
 struct Pixels8<PackedToRGB32> {
     __m128i lo, hi;
-    static __m128i Spread(__m128i g)  // g x 0x1010101, as kPackedGrayToRGB32
+    static __m128i Spread(__m128i g)  // g x 0x1010101, as GrayToRGB32Filled
     {
         g = _mm_or_si128(g, _mm_slli_epi32(g, 8));
         return _mm_or_si128(g, _mm_slli_epi32(g, 16));
     }
     Pixels8(__m128i l, __m128i h) : lo(Spread(LowByte(l))), hi(Spread(LowByte(h))) {}
 };
-
-template <class Writer>
-struct HasSimd : std::false_type {};
-template <>
-struct HasSimd<PackedToGray16> : std::true_type {};
-template <>
-struct HasSimd<PackedToGray8> : std::true_type {};
-template <>
-struct HasSimd<PackedToRGB16> : std::true_type {};
-template <>
-struct HasSimd<PackedToRGB32> : std::true_type {};
 
 inline void Store(unsigned char* d, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(d), v); }
 inline void Store8(unsigned char* d, __m128i v) { _mm_storel_epi64(reinterpret_cast<__m128i*>(d), v); }
@@ -223,9 +204,54 @@ void RecombinePairs(const unsigned char* source, unsigned char* destination, std
     }
 }
 
-}  // namespace sse2
-}  // namespace zo
+// The unpacking of one layout with the tap mode given at run time.
+template <class Writer>
+bool UnpackSse2(const unsigned char* source, unsigned char* destination, std::uint32_t n, std::uint32_t pairs,
+                const PackedRules& rules, unsigned mode)
+{
+    WithDualTapMode(mode, [&](auto m) {
+        UnpackPackedPairs<Writer, decltype(m)::value>(source, destination, n, pairs, rules);
+    });
+    return true;
+}
 
-#endif
+bool RecombineSse2(const unsigned char* source, unsigned char* destination, std::uint32_t n, std::uint32_t pairs,
+                   unsigned mode)
+{
+    WithDualTapMode(mode, [&](auto m) {
+        if constexpr (decltype(m)::value != 0)
+            RecombinePairs<decltype(m)::value>(source, destination, n, pairs);
+    });
+    return mode != 0;
+}
+
+}  // namespace
+
+bool UnpackToGray16Sse2(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                        std::uint32_t pairs, std::ptrdiff_t, std::ptrdiff_t, const PackedRules& rules, unsigned mode)
+{
+    return UnpackSse2<PackedToGray16>(source, destination, n, pairs, rules, mode);
+}
+bool UnpackToGray8Sse2(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                       std::uint32_t pairs, std::ptrdiff_t, std::ptrdiff_t, const PackedRules& rules, unsigned mode)
+{
+    return UnpackSse2<PackedToGray8>(source, destination, n, pairs, rules, mode);
+}
+bool UnpackToRGB16Sse2(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                       std::uint32_t pairs, std::ptrdiff_t, std::ptrdiff_t, const PackedRules& rules, unsigned mode)
+{
+    return UnpackSse2<PackedToRGB16>(source, destination, n, pairs, rules, mode);
+}
+bool UnpackToRGB32Sse2(const unsigned char* source, unsigned char* destination, std::uint32_t n,
+                       std::uint32_t pairs, std::ptrdiff_t, std::ptrdiff_t, const PackedRules& rules, unsigned mode)
+{
+    return UnpackSse2<PackedToRGB32>(source, destination, n, pairs, rules, mode);
+}
+
+const PackedPaths kPackedPathsSSE2 = {"SSE2", UnpackToGray16Sse2, UnpackToGray8Sse2, UnpackToRGB16Sse2,
+                                      UnpackToRGB32Sse2};
+const DualTapPaths kDualTapPathsSSE2 = {"SSE2", RecombineSse2};
+
+}  // namespace zo
 
 #endif

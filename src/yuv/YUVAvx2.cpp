@@ -1,5 +1,5 @@
-// AVX2 paths of the YUV kernels (this file alone is compiled with -mavx2;
-// the paths run only when the CPU reports AVX2, see YUVSimd.cpp).
+// AVX2 paths of the YUV kernels (this file alone is compiled for AVX2; the
+// paths run only at the AVX2 level and above, see YUVSimd.cpp).
 //
 // Thirty-two pixels a step. Byte vectors of R, G, B come in one of two
 // orders of 8-pixel quarters: "natural" (0-7, 8-15 | 16-23, 24-31, the 4:4:4
@@ -7,7 +7,7 @@
 // packing leaves them); the stores' lane permutes put either back in order.
 #include "yuv/YUVSimd.h"
 
-#if defined(ZO_YUV_HAVE_AVX2)
+#if defined(__AVX2__)
 #include <immintrin.h>
 
 #include "yuv/YUVSimdTransform.h"

@@ -1,6 +1,6 @@
 // AVX-512 path of the YUV kernels for 8-bit 4:2:2 to 32-bit pixels (this
-// file alone is compiled with -mavx512bw -mavx512vbmi; the path runs only
-// when the CPU reports both, see YUVSimd.cpp). Every other form is left to
+// file alone is compiled for AVX-512; the path runs only at the AVX-512
+// level on a CPU with VBMI, see YUVSimd.cpp). Every other form is left to
 // the AVX2 paths.
 //
 // Thirty-two pixels a step: the byte-pair transform of YUVTransform.h (two
@@ -9,7 +9,7 @@
 // destination that interleaves the channels in pixel order.
 #include "yuv/YUVSimd.h"
 
-#if defined(ZO_YUV_HAVE_AVX512)
+#if defined(__AVX512BW__) && defined(__AVX512VBMI__)
 #include <immintrin.h>
 
 #include "yuv/YUVTransform.h"

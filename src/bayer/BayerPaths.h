@@ -1,0 +1,60 @@
+// The Bayer family's vector paths for one instruction set: the inside of an
+// interpolating inner line through an identity filter. Each converts pixels
+// x = from, from + step, ... (from even) while a whole block fits before
+// `to` (at most count - 1, so that loads at x + 1 stay inside the line) and
+// returns where it stopped; the scalar pair loop of BayerKernels.h finishes
+// the line and is the reference. A 24-bit or RGB48 block writes a few bytes
+// past its last pixel, which the caller writes afterwards. `above`/`below`
+// are byte offsets of the neighbouring lines.
+//
+// Declarations only: the per-instruction-set files include this header and
+// must share no inline function with the rest of the library.
+#ifndef ZO_BAYER_PATHS_H
+#define ZO_BAYER_PATHS_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zo {
+
+// 8-bit samples into a 3- or 4-byte layout, red first or blue first.
+using BayerBytesPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
+                                         std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                                         std::uint32_t from, std::uint32_t to, int phase);
+// 16-bit samples into a 3- or 4-byte layout, each value (v >> shift) & 0xFF.
+using BayerWordsPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
+                                         std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                                         std::uint32_t from, std::uint32_t to, int phase, unsigned shift);
+// 16-bit samples into RGB48.
+using BayerWords48Path = std::uint32_t (*)(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                           unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
+
+struct BayerPaths {
+    const char* name;
+    BayerBytesPath bytes;
+    BayerWordsPath words;
+    BayerWords48Path words48;
+};
+
+// BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step;
+// BayerAvx2.cpp: 8-bit samples 32 pixels a step, then the SSE2 path, and the
+// SSE2 paths for 16-bit samples.
+std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                             std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                             int phase);
+std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                             std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                             unsigned shift);
+std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                               unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
+extern const BayerPaths kBayerPathsSSE2;
+extern const BayerPaths kBayerPathsAVX2;
+
+// The paths of the active level (simd/Cpu.h): the scalar table (every entry
+// returns `from`) at the scalar level, SSE2 at SSE2 and SSSE3, AVX2 from
+// AVX2 on.
+const BayerPaths& BayerActivePaths();
+
+}  // namespace zo
+
+#endif

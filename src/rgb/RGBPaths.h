@@ -1,0 +1,45 @@
+// The RGB family's vector paths for one instruction set: byte shuffles for
+// the identity filter with one-byte channels. Each converts whole groups of
+// pixels from the start of the line and returns how many pixels it
+// converted (0: none, the scalar kernel does the whole line); none reads or
+// writes a byte the scalar kernel would not touch for the same `n`.
+//
+// Declarations only: the per-instruction-set files include this header and
+// must share no inline function with the rest of the library.
+#ifndef ZO_RGB_PATHS_H
+#define ZO_RGB_PATHS_H
+
+#include <cstdint>
+
+namespace zo {
+namespace simd {
+
+struct RGBPaths {
+    const char* name;
+    // r g b -> r g b 0 (or b g r 0 when blueFirst).
+    std::uint32_t (*threeToFour)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+    // r g b x -> r g b (or b g r).
+    std::uint32_t (*fourToThree)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+    // r g b x -> r g b 0 (or b g r 0).
+    std::uint32_t (*fourToFour)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+    // r g b (group 3) or r g b x (group 4) -> RGB16 words.
+    std::uint32_t (*bytesToRGB16)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
+    // r g b -> three planes; the planes must not overlap within the n pixels.
+    std::uint32_t (*threeToPlanes)(const unsigned char* s, unsigned char* red, unsigned char* green,
+                                   unsigned char* blue, std::uint32_t n);
+    // r g b -> b g r.
+    std::uint32_t (*swapThree)(const unsigned char* s, unsigned char* d, std::uint32_t n);
+    // r g b x -> b g r x.
+    std::uint32_t (*swapFour)(const unsigned char* s, unsigned char* d, std::uint32_t n);
+};
+
+extern const RGBPaths kRGBPathsSSSE3;  // RGBSsse3.cpp (x86-64 builds)
+
+// The paths of the active level (simd/Cpu.h): the scalar table (every entry
+// returns 0) below SSSE3, the SSSE3 table from SSSE3 on.
+const RGBPaths& RGBActivePaths();
+
+}  // namespace simd
+}  // namespace zo
+
+#endif

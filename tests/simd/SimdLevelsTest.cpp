@@ -1,0 +1,167 @@
+// Every registered pair at every instruction-set level the host runs,
+// against the scalar level: awkward widths, an identity and a white-balance
+// filter, every Bayer mode, destinations poisoned twice (two poison values,
+// so that a byte one level writes and the other leaves shows whatever value
+// it gets) with guard bytes after the frame.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <iostream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ZoPixelConverter.h"
+#include "ZoPixelTypeFactory.h"
+#include "ZoRGBFilter.h"
+#include "bayer/BayerPaths.h"
+#include "gray/GraySimd.h"
+#include "gray/PackedPaths.h"
+#include "simd/Lut.h"
+#include "rgb/RGBPaths.h"
+#include "rgb/AreaTestSupport.h"
+#include "simd/CpuLevels.h"
+#include "support/BuiltInPairs.h"
+#include "yuv/YUVSimd.h"
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using zo::simd::CpuLevel;
+
+constexpr std::uint32_t kWidths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 63, 65, 127, 129, 1921};
+constexpr std::uint32_t kHeight = 5;  // odd: a last replicated pair of one line; three inner lines
+constexpr std::size_t kGuard = 4096;  // dual-tap blocks may place pixels outside short lines
+constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
+
+bool IsBayer(std::int64_t id)
+{
+    const std::int64_t base = id & (ZO_PIXEL_COLORSPACE_MASK | ZO_PIXEL_FORMAT_MASK);
+    for (std::int64_t bayer : {ZO_PT_BAYER_RGB8, ZO_PT_BAYER_RGB10, ZO_PT_BAYER_RGB12, ZO_PT_BAYER_RGGB8,
+                               ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12})
+        if (base == bayer)
+            return true;
+    return false;
+}
+
+// One area conversion of a width x kHeight frame into a buffer filled with
+// `poison`: guards before and after the frame, room for the planes of a
+// planar destination and for the line an interlaced source adds.
+Bytes Convert(const ZoPixelConverter& c, const Bytes& source, std::uint32_t width, std::uint32_t flags,
+              const ZoRGBFilter* filter, unsigned char poison)
+{
+    Bytes d(std::size_t(c.GetDestinationByteSize(width)) * (kHeight + 1) + 3 * width * kHeight + 2 * kGuard, poison);
+    unsigned char* frame = d.data() + kGuard;
+    if (filter)
+        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+    else
+        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+    return d;
+}
+
+TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
+{
+    const std::vector<CpuLevel> levels = zotest::HostCpuLevels();
+    std::string ran;
+    for (CpuLevel level : levels)
+        ran += std::string(ran.empty() ? "" : " ") + zo::simd::CpuLevelName(level);
+    RecordProperty("levels", ran);
+    std::cout << "levels compared with scalar: " << ran << "\n";
+
+    ZoRGBFilter gains(16);
+    ASSERT_EQ(gains.SetMultipliers(1.8, 1.0, 1.4, 3, 0, 7), ZO_OK);
+    const ZoRGBFilter* const filters[] = {nullptr, &gains};
+    const std::vector<std::uint32_t> bayerFlags = {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_BGGR,
+                                                   ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+                                                   ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE};
+    const std::vector<std::uint32_t> plainFlags = {0};
+
+    const auto pairs = zotest::RegisteredBuiltInPairs();
+    ASSERT_EQ(pairs.size(), 680u);
+    std::mt19937 rng(13);
+    for (const auto& pair : pairs) {
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
+        SCOPED_TRACE(testing::Message() << std::hex << pair.first << " -> " << pair.second);
+        for (std::uint32_t width : kWidths) {
+            Bytes source(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64);
+            for (auto& b : source)
+                b = static_cast<unsigned char>(rng());
+            for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : plainFlags)
+                for (const ZoRGBFilter* filter : filters) {
+                    Bytes scalar[2];
+                    {
+                        const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+                        for (int p = 0; p < 2; ++p)
+                            scalar[p] = Convert(c, source, width, flags, filter, kPoisons[p]);
+                    }
+                    for (CpuLevel level : levels) {
+                        if (level == CpuLevel::kScalar)
+                            continue;
+                        const zotest::CpuCeilingScope ceiling(level);
+                        for (int p = 0; p < 2; ++p)
+                            ASSERT_TRUE(zotest::SameBytes(Convert(c, source, width, flags, filter, kPoisons[p]), scalar[p]))
+                                << zo::simd::CpuLevelName(level) << ", width " << std::dec << width << ", flags "
+                                << std::hex << flags << (filter ? ", white balance" : "") << ", poison "
+                                << int(kPoisons[p]);
+                    }
+                }
+        }
+    }
+}
+
+// Every family follows the ceiling: at the scalar level each chooses its
+// scalar table, at the host's level each has vector paths (x86-64). The
+// choices per level are printed for the log.
+TEST(SimdLevels, EveryFamilyFollowsTheCeiling)
+{
+    // Make every family choose once, so that each is in the list.
+    (void)zo::YUVActivePaths();
+    (void)zo::simd::RGBActivePaths();
+    (void)zo::gray::GrayActivePaths();
+    (void)zo::PackedActivePaths();
+    (void)zo::DualTapActivePaths();
+    (void)zo::BayerActivePaths();
+    (void)zo::simd::ActiveLutPaths();
+    zo::simd::PathFamily families[16];
+    const unsigned count = zo::simd::PathFamilies(families, 16);
+    ASSERT_EQ(count, 7u);
+    for (CpuLevel level : zotest::HostCpuLevels()) {
+        const zotest::CpuCeilingScope ceiling(level);
+        std::ostringstream line;
+        line << zo::simd::CpuLevelName(level) << ":";
+        for (unsigned i = 0; i < count; ++i) {
+            const std::string name = families[i].activeName(families[i].choice);
+            line << " " << families[i].family << "=" << name;
+            if (level == CpuLevel::kScalar) {
+                EXPECT_EQ(name, "scalar") << families[i].family;
+            }
+#if ZO_SIMD_X86
+            // The table passes have a vector path with AVX-512 VBMI only.
+            const bool lut = std::string(families[i].family) == "lut";
+            if (level == zo::simd::HostCpuLevel() && level >= CpuLevel::kAVX2 &&
+                (!lut || zo::simd::Avx512LutPaths())) {
+                EXPECT_NE(name, "scalar") << families[i].family;
+            }
+#endif
+        }
+        std::cout << line.str() << "\n";
+    }
+}
+
+TEST(SimdLevels, CeilingNames)
+{
+    CpuLevel level = CpuLevel::kAVX512;
+    for (unsigned i = 0; i < zo::simd::kCpuLevelCount; ++i) {
+        const auto expected = static_cast<CpuLevel>(i);
+        ASSERT_TRUE(zo::simd::ParseCpuLevel(zo::simd::CpuLevelName(expected), level));
+        EXPECT_EQ(level, expected);
+    }
+    EXPECT_TRUE(zo::simd::ParseCpuLevel("AVX2", level));
+    EXPECT_EQ(level, CpuLevel::kAVX2);
+    for (const char* bad : {"", "avx", "sse", "avx2 ", "avx5122", "native"})
+        EXPECT_FALSE(zo::simd::ParseCpuLevel(bad, level)) << bad;
+    EXPECT_FALSE(zo::simd::ParseCpuLevel(nullptr, level));
+}
+
+}  // namespace
