@@ -9,10 +9,12 @@
 // The fourth byte of the 32-bit layouts is 0 either way. So a filtered line
 // of a 24- or 32-bit layout is the identity line (with its vector path) with
 // every stored channel then looked up in its table, while the line is still
-// in the first-level cache. This pays at every level (the filtered kernels
-// have no vector path): the scalar pass costs less than the vector path
-// saves. RGB16 packs the looked-up values and keeps the lookups inside the
-// kernel, as RGB48 does (see Bayer16Converters.cpp).
+// in the first-level cache. The filtered kernels have no vector path, so
+// this pays from the AVX2 level up even with the scalar pass (the AVX2
+// identity line saves more than the pass costs); below, the identity line
+// gains too little and the lookups stay inside the kernel. RGB16 packs the
+// looked-up values and keeps the lookups inside the kernel, as RGB48 does
+// (see Bayer16Converters.cpp).
 #ifndef ZO_BAYER_TABLE_PASS_H
 #define ZO_BAYER_TABLE_PASS_H
 
@@ -43,7 +45,8 @@ struct TablePassLayout<Write32<RedIndex>> {
 template <class Writer>
 bool UsesTablePass(const ZoRGBFilter& filter)
 {
-    return TablePassLayout<Writer>::kUses && !filter.IsIdentity8();
+    return TablePassLayout<Writer>::kUses && !filter.IsIdentity8() &&
+           simd::ActiveCpuLevel() >= simd::CpuLevel::kAVX2;
 }
 
 // `count` pixels of a destination line through the filter's 8-bit tables.

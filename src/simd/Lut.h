@@ -18,10 +18,11 @@
 // no vector path of its own to gain: converters whose filtered kernels are
 // already fast ask VectorLutActive() first.
 //
-// (Measured and left out: AVX2 dword gathers, slower than plain lookups for
-// 4-byte pixels; 16-entry byte shuffles, sixteen shuffles and selects per
-// table; 16-bit tables through gathers, no faster than the lookups inside
-// the kernel.)
+// Left out: AVX2 dword gathers (measured slower than plain lookups for
+// 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
+// table and pixel position, not built); 16-bit tables as a pass, scalar or
+// through gathers (measured no faster than the lookups inside the RGB48
+// kernel).
 #ifndef ZO_SIMD_LUT_H
 #define ZO_SIMD_LUT_H
 

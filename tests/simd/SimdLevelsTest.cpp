@@ -19,6 +19,7 @@
 #include "bayer/BayerPaths.h"
 #include "gray/GraySimd.h"
 #include "gray/PackedPaths.h"
+#include "simd/Lut.h"
 #include "rgb/RGBPaths.h"
 #include "rgb/AreaTestSupport.h"
 #include "simd/CpuLevels.h"
@@ -122,6 +123,7 @@ TEST(SimdLevels, EveryFamilyFollowsTheCeiling)
     (void)zo::PackedActivePaths();
     (void)zo::DualTapActivePaths();
     (void)zo::BayerActivePaths();
+    (void)zo::simd::ActiveLutPaths();
     zo::simd::PathFamily families[16];
     const unsigned count = zo::simd::PathFamilies(families, 16);
     ASSERT_GE(count, 6u);
