@@ -10,7 +10,7 @@
 #include "ZoGenericConverters.h"
 #include "ZoImgLibC.h"
 #include "convert/ChainFrame.h"
-#include "support/RegisteredPairs.h"
+#include "support/BuiltInPairs.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ TEST(ChainFrame, RefusesFramesItCannotHoldAndWritesNothing)
 std::vector<const ZoComplexConverter*> BayerChains()
 {
     std::vector<const ZoComplexConverter*> chains;
-    for (const auto& pair : zotest::BuiltInPairs()) {
+    for (const auto& pair : zotest::RegisteredBuiltInPairs()) {
         const auto* chain =
             dynamic_cast<const ZoComplexConverter*>(&ZoPixelTypeFactory::GetConverter(pair.first, pair.second));
         if (chain && (dynamic_cast<const ZoBayerRGB8ToRGB*>(chain->GetSecond()) ||

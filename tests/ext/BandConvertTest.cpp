@@ -13,7 +13,7 @@
 #include "ZoImgLibExt.h"
 #include "ZoPixelConverter.h"
 #include "ZoRGBFilter.h"
-#include "support/RegisteredPairs.h"
+#include "support/BuiltInPairs.h"
 
 namespace {
 
@@ -169,7 +169,7 @@ std::vector<unsigned char> ConvertInBands(const Case& c, const std::vector<std::
 
 TEST(BandConvert, EveryPairSplitAnyWayGivesTheWholeArea)
 {
-    const auto pairs = zotest::BuiltInPairs();
+    const auto pairs = zotest::RegisteredBuiltInPairs();
     ASSERT_EQ(pairs.size(), 680u);
     ZoRGBFilter filter(16);
     filter.SetMultipliers(0.7, 1.2, 0.9, 3, 0, 5);

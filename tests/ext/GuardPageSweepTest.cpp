@@ -29,6 +29,7 @@
 #include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
 #include "convert/ConvertTestSupport.h"
+#include "support/BuiltInPairs.h"
 
 namespace {
 
@@ -65,31 +66,6 @@ private:
 };
 
 using Pair = std::pair<std::int64_t, std::int64_t>;
-
-// Every registered pair between built-in IDs: each base format with every
-// combination of the Normalized, Interlaced, Packed and Planar bits and
-// every tap value, as a source.
-std::vector<Pair> BuiltInPairs()
-{
-    const std::int64_t bases[] = {ZO_PT_GRAY8, ZO_PT_GRAY10, ZO_PT_GRAY12, ZO_PT_GRAY14, ZO_PT_GRAY16,
-        ZO_PT_RGB16, ZO_PT_RGB24, ZO_PT_RGB32, ZO_PT_RGB48, ZO_PT_RGB64, ZO_PT_BGR24, ZO_PT_BGR32,
-        ZO_PT_RGB48_10BITS, ZO_PT_RGB64_10BITS, ZO_PT_RGB8_3, ZO_PT_RGB8_4, ZO_PT_RGB48_12BITS,
-        ZO_PT_RGB64_12BITS, ZO_PT_BAYER_RGB8, ZO_PT_BAYER_RGB10, ZO_PT_BAYER_RGB12, ZO_PT_BAYER_RGGB8,
-        ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12, ZO_PT_YUV8, ZO_PT_YUV10, ZO_PT_YUV8_444, ZO_PT_YCRCB};
-    const std::uint32_t taps[] = {0, ZO_PIXEL_TAP_DUAL_LR, ZO_PIXEL_TAP_DUAL_LR_INV, ZO_PIXEL_TAP_DUAL_LINV_R,
-                                  ZO_PIXEL_TAP_DUAL_LINV_RINV, ZO_PIXEL_TAP_DUAL_LINES};
-    std::vector<Pair> pairs;
-    for (std::int64_t base : bases)
-        for (std::int64_t bits = 0; bits < 16; ++bits)
-            for (std::uint32_t tap : taps) {
-                const std::int64_t source = base | (bits << 20) | tap;
-                std::int64_t destination = 0;
-                for (std::uint32_t i = 0; ZoPixelTypeFactory_EnumConverterFrom(i, source, &destination); ++i)
-                    if ((destination & ZO_PIXEL_FORMAT_MASK) < 0xE000)  // not a test converter's
-                        pairs.push_back({source, destination});
-            }
-    return pairs;
-}
 
 bool HasBayerStage(const ZoPixelConverter& c)
 {
@@ -143,7 +119,7 @@ class GuardPageSweep : public testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(GuardPageSweep, EveryPairStaysInsideTheCountedBytesAndWritesTheLastOne)
 {
-    const std::vector<Pair> pairs = BuiltInPairs();
+    const std::vector<Pair> pairs = zotest::RegisteredBuiltInPairs();
     ASSERT_EQ(pairs.size(), 680u);
     const ContextPin pin;
 
@@ -263,7 +239,7 @@ TEST(GuardPageSweep, EveryPairReadsTheLastCountedSourcePixel)
     // an interlaced frame) is part of the count.
     const Geometry g{7, 3, 7, 3, 7, 3, 1};
     GuardedRegion source(16 * 1024), destination(16 * 1024);
-    for (const Pair& pair : BuiltInPairs()) {
+    for (const Pair& pair : zotest::RegisteredBuiltInPairs()) {
         const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(pair.first, pair.second);
         ASSERT_NE(c, nullptr);
         for (std::uint32_t flags : {0u, static_cast<std::uint32_t>(ZO_FLAG_BAYER_INTERPOLATE)}) {
