@@ -68,9 +68,8 @@ public:
     // RGB first stages at the end of the last line. The destination must
     // hold what the second stage writes converting the area from there: a
     // replicating Bayer second stage with an odd `height` writes one
-    // destination line past the area. The area must lie inside the source
-    // frame (width <= sourceWidth, height <= sourceHeight): the intermediate
-    // frame, the chain's own, holds the source frame only.
+    // destination line past the area. An area beyond the source frame
+    // (width > sourceWidth or height > sourceHeight) is refused with 18.
     std::uint32_t Convert(const unsigned char* source, std::uint32_t sourceWidth, std::uint32_t sourceHeight,
                           unsigned char* destination, std::uint32_t destinationWidth,
                           std::uint32_t destinationHeight, std::uint32_t width, std::uint32_t height,

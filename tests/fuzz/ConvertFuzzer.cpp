@@ -2,8 +2,9 @@
 // areas up to 64 x 16 inside frames a little larger, any flags, destination
 // padding, with or without a filter (random multipliers, offsets and single
 // entries), over random source bytes. Each buffer is allocated exactly as
-// large as the headers say the conversion may touch, so AddressSanitizer
-// reports any byte read or written beyond the documented rules.
+// large as ZoPixelConverter_GetAreaBufferSizes says the conversion may touch
+// (every over-read and over-write the headers document), so
+// AddressSanitizer reports any byte read or written beyond those rules.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdint>
@@ -14,7 +15,7 @@
 #include <vector>
 
 #include "ZoImgLibC.h"
-#include "fuzz/FuzzBufferSizes.h"
+#include "ZoImgLibExt.h"
 #include "fuzz/FuzzPairs.h"
 
 namespace {
@@ -69,19 +70,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool plainForm = !filter && in.ConsumeBool();  // ConvertArea rather than a null filter
 
     const ZoPixelConverter* converter = pair.converter;
-    const zofuzz::AreaSizes sizes = zofuzz::AreaBufferSizes(*converter, sourceWidth, sourceHeight, destinationWidth,
-                                                            destinationHeight, width, height, flags, padding);
+    ZoAreaBufferSizes sizes{};
+    if (ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight, destinationWidth,
+                                            destinationHeight, width, height, flags, padding, &sizes) != ZO_OK) {
+        std::fprintf(stderr, "no buffer sizes for 0x%llx -> 0x%llx\n", static_cast<unsigned long long>(pair.source),
+                     static_cast<unsigned long long>(pair.destination));
+        std::abort();
+    }
     // Separate exact allocations: a byte beyond either is a redzone. new[]
     // gives a distinct pointer even for 0 bytes, as callers' buffers are.
-    const std::unique_ptr<unsigned char[]> source(new unsigned char[sizes.source]);
+    const std::unique_ptr<unsigned char[]> source(new unsigned char[sizes.sourceBytes]);
     const std::vector<std::uint8_t> bytes = in.ConsumeRemainingBytes<std::uint8_t>();
-    for (std::uint64_t i = 0; i < sizes.source; ++i)
+    for (std::uint64_t i = 0; i < sizes.sourceBytes; ++i)
         source[i] = bytes.empty() ? static_cast<unsigned char>(i * 13) : bytes[i % bytes.size()];
-    const std::uint64_t destinationBytes = sizes.destinationBefore + sizes.destination;
+    const std::uint64_t destinationBytes = sizes.destinationBytesBefore + sizes.destinationBytes;
     const std::unique_ptr<unsigned char[]> destination(new unsigned char[destinationBytes]);
     std::memset(destination.get(), 0xA5, destinationBytes);
 
-    unsigned char* const out = destination.get() + sizes.destinationBefore;
+    unsigned char* const out = destination.get() + sizes.destinationBytesBefore;
     const std::uint32_t result =
         plainForm ? ZoPixelConverter_ConvertArea(converter, source.get(), sourceWidth, sourceHeight, out,
                                                  destinationWidth, destinationHeight, width, height, flags, padding)

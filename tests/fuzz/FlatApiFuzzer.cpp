@@ -1,6 +1,7 @@
-// Fuzzes every flat function that converts no pixels with hostile arguments:
-// null handles, huge indices, random IDs and attribute sets, huge sizes,
-// out-of-range and non-finite filter values. The conversion functions are
+// Fuzzes every flat function that converts no pixels, of the core and of the
+// extension interface, with hostile arguments: null handles and out
+// pointers, huge indices, random IDs, attribute sets, names and codes, huge
+// sizes, out-of-range and non-finite filter values. The conversion functions are
 // called with null converters only (buffers are the conversion fuzzer's
 // business). Each input is a sequence of operations on a few live handles,
 // all released at the end, so LeakSanitizer sees what the library keeps.
@@ -19,8 +20,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 
 #include "ZoImgLibC.h"
+#include "ZoImgLibExt.h"
 #include "fuzz/FuzzPairs.h"
 
 namespace {
@@ -210,6 +213,8 @@ void RegistryOperation(FuzzedDataProvider& in)
               ZO_ERR_BAD_ARGUMENT);
         Check(ZoPixelConverter_ConvertAreaFilter(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n) ==
               ZO_ERR_BAD_ARGUMENT);
+        Check(ZoPixelConverter_ConvertBand(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n, n, n) ==
+              ZO_ERR_BAD_ARGUMENT);
         break;
     }
     }
@@ -274,6 +279,64 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
     }
 }
 
+// The extension functions that convert nothing: version, buffer sizes of
+// hostile areas, PFNC look-ups with random names, codes, IDs and null out
+// pointers.
+void ExtensionOperation(FuzzedDataProvider& in)
+{
+    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
+    switch (in.ConsumeIntegralInRange(0, 4)) {
+    case 0:
+        Check(ZoImgLib_GetVersion() != nullptr);
+        break;
+    case 1: {
+        const ZoPixelConverter* c =
+            in.ConsumeBool() ? nullptr : pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)].converter;
+        ZoAreaBufferSizes sizes{1, 2, 3};
+        const bool out = in.ConsumeBool();
+        const std::uint32_t sw = AnyCount(in), sh = AnyCount(in), dw = AnyCount(in), dh = AnyCount(in);
+        const std::uint32_t w = AnyCount(in), h = AnyCount(in), flags = AnyCount(in), padding = AnyCount(in);
+        const std::uint32_t r =
+            ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, flags, padding, out ? &sizes : nullptr);
+        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT);
+        Check(c && out ? true : r == ZO_ERR_BAD_ARGUMENT);
+        if (r != ZO_OK)
+            Check(sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3);
+        break;
+    }
+    case 2: {
+        const std::string name = in.ConsumeRandomLengthString(40);
+        std::int64_t id = 0;
+        std::uint32_t flags = 0;
+        const std::uint32_t r = ZoPfnc_FromName(in.ConsumeBool() ? name.c_str() : nullptr, in.ConsumeBool() ? &id : nullptr,
+                                                in.ConsumeBool() ? &flags : nullptr);
+        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
+        break;
+    }
+    case 3: {
+        std::int64_t id = 0;
+        std::uint32_t flags = 0;
+        const std::uint32_t r = ZoPfnc_FromCode(AnyCount(in), in.ConsumeBool() ? &id : nullptr,
+                                                in.ConsumeBool() ? &flags : nullptr);
+        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
+        break;
+    }
+    default: {
+        const char* name = nullptr;
+        std::uint32_t code = 0, flags = 0;
+        std::int64_t id = 0;
+        const std::uint32_t r = ZoPfnc_FromPixelType(AnyId(in), AnyCount(in), in.ConsumeBool() ? &name : nullptr,
+                                                     in.ConsumeBool() ? &code : nullptr);
+        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
+        if (r == ZO_OK && name)
+            Check(std::strlen(name) < 256);
+        if (ZoPfnc_GetEntry(AnyCount(in) % 4096, in.ConsumeBool() ? &name : nullptr, &code, &id, &flags) && name)
+            Check(std::strlen(name) < 256);
+        break;
+    }
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -281,9 +344,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FuzzedDataProvider in(data, size);
     Handles handles;
     for (int steps = 0; steps < 64 && in.remaining_bytes() > 0; ++steps) {
-        switch (in.ConsumeIntegralInRange(0, 2)) {
+        switch (in.ConsumeIntegralInRange(0, 3)) {
         case 0: TypeOperation(in, handles); break;
         case 1: RegistryOperation(in); break;
+        case 2: ExtensionOperation(in); break;
         default: FilterOperation(in, handles); break;
         }
     }
