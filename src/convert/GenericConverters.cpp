@@ -21,7 +21,9 @@ ZoIdentityConverter::~ZoIdentityConverter() = default;
 std::uint32_t ZoIdentityConverter::Convert(const unsigned char* source, unsigned char* destination,
                                            std::uint32_t count) const
 {
-    std::memcpy(destination, source, GetSourceByteSize(count));
+    // An empty line copies nothing: its buffers may be null.
+    if (count != 0)
+        std::memcpy(destination, source, GetSourceByteSize(count));
     return ZO_OK;
 }
 
