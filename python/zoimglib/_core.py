@@ -183,18 +183,18 @@ def _available_types_text():
     return "\n".join(lines)
 
 
-def _unknown_type(spec, role):
+def _unknown_type(given, role):
     return ValueError("unknown %s pixel type %r; a type is an ID (int) or one of these names\n%s"
-                      % (role, spec, _available_types_text()))
+                      % (role, given, _available_types_text()))
 
 
-def _lookup(spec, role):
+def _lookup(given, role):
     """resolve_type() through its cache first."""
     try:
-        found = _resolved.get((spec, role)) if spec.__class__ is not bool else None
+        found = _resolved.get((given, role)) if given.__class__ is not bool else None
     except TypeError:  # unhashable: resolve_type() says what it should be
         found = None
-    return found or resolve_type(spec, role)
+    return found or resolve_type(given, role)
 
 
 def _known_id(type_id):
@@ -206,7 +206,7 @@ def _known_id(type_id):
                 or lib.ZoPixelTypeFactory_EnumConverterTo(0, type_id, ctypes.byref(other)))
 
 
-def resolve_type(spec, role="source"):
+def resolve_type(given, role="source"):
     """(type ID, Bayer pattern flags) for a type given as a core ID (int), a
     core name as `zoimg types` prints it ("Bayer RGB 12-bits, Packed", any
     case), a class-style name ("BayerRGB8", "ZoRGB24", "Gray12"), or a
@@ -214,18 +214,18 @@ def resolve_type(spec, role="source"):
     pattern, or a hex ID ("0x20010"). Core names never read like the others;
     a class-style name wins over a PFNC name, so "RGB16" is the core's 5-6-5
     type; "PFNC:RGB16" asks for the PFNC meaning only."""
-    if isinstance(spec, bool) or not isinstance(spec, (int, np.integer, str)):
-        raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(spec).__name__))
-    key = (spec, role)
+    if isinstance(given, bool) or not isinstance(given, (int, np.integer, str)):
+        raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(given).__name__))
+    key = (given, role)
     if key in _resolved:
         return _resolved[key]
-    if not isinstance(spec, str):
-        type_id = int(spec)
+    if not isinstance(given, str):
+        type_id = int(given)
         if not -(1 << 63) <= type_id < (1 << 63) or not _known_id(type_id):
-            raise _unknown_type(spec, role)
+            raise _unknown_type(given, role)
         _resolved[key] = (type_id, 0)
         return type_id, 0
-    text = spec.strip()
+    text = given.strip()
     pfnc_only = text.lower().startswith("pfnc:")
     if pfnc_only:
         text = text[5:].strip()
@@ -235,21 +235,21 @@ def resolve_type(spec, role="source"):
     elif not pfnc_only and (lowered[2:] if lowered.startswith("zo") else lowered) in _CLASSES:
         result = (_CLASSES[lowered[2:] if lowered.startswith("zo") else lowered], 0)
     else:
-        result = _resolve_pfnc(text, spec, role)
+        result = _resolve_pfnc(text, given, role)
     if result is None and not pfnc_only:
         # Core names last: only they need the catalogue read.
         matches = _cat().by_name.get(lowered, [])
         if len(matches) > 1:
             raise ValueError("%s pixel type name %r is ambiguous, it names %s; give the ID instead"
-                             % (role, spec, " and ".join(hex_id(m) for m in matches)))
+                             % (role, given, " and ".join(hex_id(m) for m in matches)))
         result = (matches[0], 0) if matches else None
     if result is None:
-        raise _unknown_type(spec, role)
+        raise _unknown_type(given, role)
     _resolved[key] = result
     return result
 
 
-def _resolve_pfnc(text, spec, role):
+def _resolve_pfnc(text, given, role):
     lib = _lib()
     if not lib.has("ZoPfnc_FromName") or not text:
         return None
@@ -258,7 +258,7 @@ def _resolve_pfnc(text, spec, role):
     if code == ERR_NOT_SUPPORTED:
         raise ValueError("%s pixel type %r is a PFNC format without an exact counterpart in "
                          "ZoImgLib (docs/pfnc.md says why); the PFNC formats it maps: %s"
-                         % (role, spec, ", ".join(_pfnc_names())))
+                         % (role, given, ", ".join(_pfnc_names())))
     if code != OK:
         return None
     return type_id.value, flags.value
