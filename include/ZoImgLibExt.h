@@ -96,7 +96,16 @@ typedef struct ZoAreaBufferSizes {
  * area whose line sizes, line steps, plane offsets or second-field offset do
  * not fit the 32 bits in which the conversion computes them, or for an area
  * a chain refuses (beyond its source frame, or an intermediate frame beyond
- * 4 GiB - 1). */
+ * 4 GiB - 1).
+ *
+ * The line after an odd-height frame. A replicating Bayer conversion
+ * (FLAG_BAYER_INTERPOLATE clear) with an odd height pairs the last line
+ * (height - 1) with the line after the frame, which sourceBytes counts. A
+ * caller that supplies that line should fill it with a copy of line
+ * height - 2 (line 0 for a one-line frame): the last line of the same colour
+ * row as the missing line, so the last output row takes the colours of the
+ * row above it. Chained converters fill their intermediate frame's extra
+ * line this way themselves. */
 ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
                                                     uint32_t sourceHeight, uint32_t destinationWidth,
                                                     uint32_t destinationHeight, uint32_t width, uint32_t height,
