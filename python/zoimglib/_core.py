@@ -640,6 +640,9 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     if plan.source_bytes > plan.frame_bytes:  # the converter reads beyond the frame
         padded = np.zeros(plan.source_bytes, np.uint8)
         padded[:plan.frame_bytes] = flat
+        if plan.extra_line:
+            copied = plan.source_line * (plan.height - 2 if plan.height >= 2 else 0)
+            padded[plan.frame_bytes:plan.frame_bytes + plan.source_line] = flat[copied:copied + plan.source_line]
         flat = padded
     src = _address(flat)
 
@@ -712,7 +715,7 @@ class _Plan:
     and frame geometry, checked and computed once."""
 
     __slots__ = ("conv", "flags", "width", "height", "frame_bytes", "source_bytes", "before", "total",
-                 "result_bytes", "dtype", "shape")
+                 "result_bytes", "dtype", "shape", "source_line", "extra_line")
 
     def __init__(self, conv, flags, interpolate, flat, shape, itemsize, width, height):
         lib = _lib()
@@ -736,6 +739,13 @@ class _Plan:
         self.frame_bytes, self.source_bytes = frame_bytes, sizes.sourceBytes
         self.before = sizes.destinationBytesBefore
         self.result_bytes = line * height
+        # A replicating Bayer source of odd height pairs its last line with
+        # the line after the frame: a copy of line height - 2 (line 0 for one
+        # line), the last line of the same colour row, as the library's
+        # chains do, so the last row takes the colours of the row above.
+        self.source_line = source_line
+        self.extra_line = (conv.bayer_source and not flags & FLAG_BAYER_INTERPOLATE and height % 2 == 1
+                           and sizes.sourceBytes >= frame_bytes + source_line)
         # The count stops at the last byte written, which may fall short of
         # the frame's end: the buffer holds both.
         self.total = sizes.destinationBytesBefore + max(sizes.destinationBytes, self.result_bytes)

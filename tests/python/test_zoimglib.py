@@ -133,6 +133,15 @@ def test_bands_on_threads_equal_one_pass(source, destination, width, height, kwa
         assert np.array_equal(zo.convert(raw, source, destination, width=width, threads=threads, **kwargs), one)
 
 
+@pytest.mark.parametrize("height", [3, 5])
+def test_replicating_bayer_at_an_odd_height_gives_the_last_row_the_row_above(height):
+    # One colour mosaiced: every output row must be that colour, the last
+    # one (paired with the line after the frame) included.
+    mosaic = np.tile(np.array([[200, 100], [100, 50]], np.uint8), (3, 3))[:height, :6]
+    got = zo.convert(np.ascontiguousarray(mosaic), "BayerRGB8", "RGB24", width=6, pattern="RGGB", interpolate=False)
+    assert np.array_equal(got, np.broadcast_to(np.array([200, 100, 50], np.uint8), got.shape)), got
+
+
 def test_gains_and_per_entry_tables_filter_in_the_same_pass():
     rgb = RNG.integers(0, 256, (4, 5, 3), dtype=np.uint8)
     inverse = zo.Filter(8)
