@@ -35,6 +35,19 @@ extern "C" {
 /* The library's version, "major.minor.patch". Never null. */
 ZO_API const char* ZoImgLib_GetVersion(void);
 
+/* ---- Converter classes ---- */
+
+/* The converter's C++ class name, demangled (as `zoimg converters` prints
+ * it, e.g. "ZoBayerRGB8ToRGB"); null for a null handle. The string belongs
+ * to the library and stays valid while it is loaded: one per class, made on
+ * the first call for that class. Thread-safe. */
+ZO_API const char* ZoPixelConverter_GetClassName(const ZoPixelConverter* converter);
+
+/* A stage of a chained converter (ZoComplexConverter): index 0 the first
+ * stage, 1 the second. Null for any other converter, a null handle or
+ * another index. */
+ZO_API const ZoPixelConverter* ZoPixelConverter_GetChainStage(const ZoPixelConverter* converter, uint32_t index);
+
 /* ---- Buffer sizes ---- */
 
 /* What the buffers of one area conversion must hold, in bytes, every

@@ -26,7 +26,9 @@ OK, ERR_BAD_ARGUMENT, ERR_NOT_SUPPORTED = 0, 18, 26
 _U32_MAX = 0xFFFFFFFF
 
 TypeInfo = collections.namedtuple("TypeInfo", "id name bits bytes bayer class_name pfnc")
-ConverterInfo = collections.namedtuple("ConverterInfo", "source destination source_name destination_name class_name")
+ConverterInfo = collections.namedtuple("ConverterInfo",
+                                       "source destination source_name destination_name class_name stages",
+                                       defaults=((),))
 
 
 def _lib():
@@ -269,9 +271,10 @@ def _resolve_pfnc(text, given, role):
 def converters(source=None):
     """Every registered conversion (from `source` only, when given) as
     ConverterInfo(source, destination, source_name, destination_name,
-    class_name), class_name being the C++ converter class behind the pair
-    ("ZoBayerRGB16ToRGB24"; "ZoComplexConverter" for a pair served by a
-    chain of two converters)."""
+    class_name, stages), class_name being the C++ converter class behind the
+    pair ("ZoBayerRGB16ToRGB24"; "ZoComplexConverter" for a pair served by a
+    chain of two converters) and stages, for a chain, the class names of its
+    first and second stage (() otherwise)."""
     lib = _lib()
     sources = _cat().sources if source is None else [resolve_type(source, "source")[0]]
     result = []
@@ -281,7 +284,8 @@ def converters(source=None):
         while lib.ZoPixelTypeFactory_EnumConverterFrom(index, src, ctypes.byref(destination)):
             dst = destination.value
             handle = lib.ZoPixelTypeFactory_GetConverter(src, dst)
-            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _native.class_name(handle)))
+            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _native.class_name(lib, handle),
+                                        _native.chain_stages(lib, handle)))
             index += 1
     return result
 

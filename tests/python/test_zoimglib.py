@@ -181,6 +181,8 @@ def test_discovery():
     classes = {c.destination: c.class_name for c in zo.converters("BayerRGB8")}
     assert classes[0x00020002] == "ZoBayerRGB8ToRGB24"
     assert classes[0x00820002] == "ZoComplexConverter"
+    stages = {c.destination: c.stages for c in zo.converters("BayerRGB8")}
+    assert stages[0x00820002] == ("ZoBayerRGB8ToRGB24", "ZoRGB24ToRGB24Planar") and stages[0x00020002] == ()
 
 
 GRAY = np.zeros((4, 6), np.uint8)
