@@ -104,13 +104,13 @@ def test_pfnc_names_resolve_and_imply_the_bayer_pattern():
     assert not np.array_equal(zo.convert(packed, "BayerRG12p", "RGB48", pattern="GRBG"), rggb)
 
 
-@pytest.mark.parametrize("spec, expected", [
+@pytest.mark.parametrize("given, expected", [
     (0x00020010, 0x00020010), ("Bayer RGB 8-bits", 0x00020010), ("bayer rgb 8-BITS", 0x00020010),
     ("BayerRGB8", 0x00020010), ("ZoRGB24", 0x00020002), ("Gray12", 0x00010003), ("grayscale12", 0x00010003),
     ("YCrCb 8-bits 4:4:4, Packed", 0x00440005), ("0x420012", 0x00420012),
 ])
-def test_core_ids_names_and_class_names(spec, expected):
-    assert zo.resolve_type(spec) == (expected, 0)
+def test_core_ids_names_and_class_names(given, expected):
+    assert zo.resolve_type(given) == (expected, 0)
 
 
 @pytest.mark.parametrize("source, destination, width, height, kwargs", [
