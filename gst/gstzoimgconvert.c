@@ -402,14 +402,15 @@ area_sizes (const ZoPixelConverter * c, guint32 source_width, guint32 width, gui
 /* What a conversion may read after a frame of `height` lines of `line`
  * bytes in a buffer of `size` bytes: replicating Bayer conversions pair an
  * odd height's last line with the line after the frame, which holds a copy
- * of the last line, as in the library's chained conversions; zeros after. */
+ * of line height - 2 (line 0 for a one-line frame), the last line of the
+ * same colour row, as in the library's chained conversions; zeros after. */
 static void
 after_frame (guint8 * frame, gsize line, guint height, gsize size)
 {
   gsize end = line * height;
 
   if (size >= end + line && height > 0) {
-    memcpy (frame + end, frame + end - line, line);
+    memcpy (frame + end, frame + line * (height >= 2 ? height - 2 : 0), line);
     end += line;
   }
   memset (frame + end, 0, size - end);

@@ -34,10 +34,12 @@ public:
 // identity filter. Several threads may convert through one chain at once.
 //
 // The intermediate frame holds the source frame and one line after it, a
-// copy of the frame's last line: a replicating Bayer second stage with an
-// odd height reads that line, so its last output line takes the colours of
-// the line above. The output is a function of the call's arguments and
-// source bytes alone.
+// copy of intermediate line height - 2 (line 0 for a one-line frame): a
+// replicating Bayer second stage with an odd height pairs the last line with
+// that line, and line height - 2 is the last line of the same colour row as
+// the missing one, so the last output row takes the colours of the row
+// above. The output is a function of the call's arguments and source bytes
+// alone.
 //
 // Result codes of the area form: a stage's non-zero result, returned as it
 // is; 18 (ZO_ERR_BAD_ARGUMENT), with nothing read or written, when the area

@@ -35,6 +35,19 @@ extern "C" {
 /* The library's version, "major.minor.patch". Never null. */
 ZO_API const char* ZoImgLib_GetVersion(void);
 
+/* ---- Converter classes ---- */
+
+/* The converter's C++ class name, demangled (as `zoimg converters` prints
+ * it, e.g. "ZoBayerRGB8ToRGB"); null for a null handle. The string belongs
+ * to the library and stays valid while it is loaded: one per class, made on
+ * the first call for that class. Thread-safe. */
+ZO_API const char* ZoPixelConverter_GetClassName(const ZoPixelConverter* converter);
+
+/* A stage of a chained converter (ZoComplexConverter): index 0 the first
+ * stage, 1 the second. Null for any other converter, a null handle or
+ * another index. */
+ZO_API const ZoPixelConverter* ZoPixelConverter_GetChainStage(const ZoPixelConverter* converter, uint32_t index);
+
 /* ---- Buffer sizes ---- */
 
 /* What the buffers of one area conversion must hold, in bytes, every
@@ -96,7 +109,16 @@ typedef struct ZoAreaBufferSizes {
  * area whose line sizes, line steps, plane offsets or second-field offset do
  * not fit the 32 bits in which the conversion computes them, or for an area
  * a chain refuses (beyond its source frame, or an intermediate frame beyond
- * 4 GiB - 1). */
+ * 4 GiB - 1).
+ *
+ * The line after an odd-height frame. A replicating Bayer conversion
+ * (FLAG_BAYER_INTERPOLATE clear) with an odd height pairs the last line
+ * (height - 1) with the line after the frame, which sourceBytes counts. A
+ * caller that supplies that line should fill it with a copy of line
+ * height - 2 (line 0 for a one-line frame): the last line of the same colour
+ * row as the missing line, so the last output row takes the colours of the
+ * row above it. Chained converters fill their intermediate frame's extra
+ * line this way themselves. */
 ZO_API uint32_t ZoPixelConverter_GetAreaBufferSizes(const ZoPixelConverter* converter, uint32_t sourceWidth,
                                                     uint32_t sourceHeight, uint32_t destinationWidth,
                                                     uint32_t destinationHeight, uint32_t width, uint32_t height,

@@ -74,16 +74,9 @@ bool FrameConverter::Prepare(const ZoPixelConverter& converter, std::uint32_t wi
 
     mExtendLastRow = Replicating(converter, flags) && height % 2 == 1;
     mStages.clear();
-    // A chain whose second stage demosaics reads the line past the frame in
-    // its own intermediate frame: run its stages here. A first stage that
-    // demosaics reads it in the caller's source, like a Bayer converter.
-    const ZoComplexConverter* chain = dynamic_cast<const ZoComplexConverter*>(&converter);
-    if (mExtendLastRow && chain && chain->GetFirst() && chain->GetSecond() && IsBayerConverter(*chain->GetSecond())) {
-        mStages.push_back({chain->GetFirst(), {}, true});
-        mStages.push_back({chain->GetSecond(), {}, false});
-    } else {
-        mStages.push_back({&converter, {}, true});
-    }
+    // A chain fills the line after its odd-height intermediate frame itself
+    // (a copy of line height - 2, the rule used below for the source).
+    mStages.push_back({&converter, {}, true});
     for (Stage& stage : mStages)
         if (ZoPixelConverter_GetAreaBufferSizes(stage.converter, width, height, width, height, width, height, flags, 0,
                                                 &stage.sizes) != ZO_OK) {
@@ -147,30 +140,12 @@ std::uint32_t FrameConverter::Convert(const std::uint8_t* source, std::vector<st
     in.assign(std::max<std::size_t>(static_cast<std::size_t>(first.sizes.sourceBytes), frameBytes + mSourceLineBytes),
               0);
     std::memcpy(in.data(), source, frameBytes);
-    if (mExtendLastRow && mStages.size() == 1)
+    if (mExtendLastRow)
         CopyLine(in.data(), mSourceLineBytes, extendFrom, mHeight);
 
     const ZoRGBFilter* filter = mFilter.get();
     const unsigned char* stageSource = in.data();
     std::uint32_t result = ZO_OK;
-    if (mStages.size() == 2) {
-        // The chain's own sequence: the first stage converts the whole frame
-        // with the caller's filter, the second runs with the default one.
-        const ZoPixelConverter& c = *first.converter;
-        const std::uint32_t line = c.GetDestinationByteSize(mWidth);
-        const std::size_t before = static_cast<std::size_t>(first.sizes.destinationBytesBefore);
-        const std::size_t bytes = std::max<std::size_t>(
-            {static_cast<std::size_t>(first.sizes.destinationBytes), static_cast<std::size_t>(line) * (mHeight + 1),
-             static_cast<std::size_t>(mStages[1].sizes.sourceBytes)});
-        mIntermediate.assign(before + bytes, 0);
-        result = RunStage(first, stageSource, mIntermediate.data() + before, filter);
-        if (result != ZO_OK)
-            return result;
-        CopyLine(mIntermediate.data() + before, line, extendFrom, mHeight);
-        stageSource = mIntermediate.data() + before;
-        filter = nullptr;
-    }
-
     const Stage& last = mStages.back();
     const std::size_t before = static_cast<std::size_t>(last.sizes.destinationBytesBefore);
     std::vector<std::uint8_t>& out = mDestination;

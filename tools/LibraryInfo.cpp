@@ -9,12 +9,6 @@
 #include "ZoImgLib.h"
 #include "ZoImgLibExt.h"
 
-#if defined(__has_include)
-#if __has_include(<cxxabi.h>)
-#include <cxxabi.h>
-#define ZOIMG_HAVE_CXXABI 1
-#endif
-#endif
 
 namespace zoimg {
 
@@ -281,21 +275,10 @@ bool ParseType(const std::string& text, std::int64_t& id, std::uint32_t& pattern
     return false;
 }
 
-std::string ClassName(const ZoPixelConverter& converter) { return Demangle(typeid(converter).name()); }
-
-std::string Demangle(const char* mangled)
+std::string ClassName(const ZoPixelConverter& converter)
 {
-#if defined(ZOIMG_HAVE_CXXABI)
-    int status = 0;
-    char* demangled = abi::__cxa_demangle(mangled, nullptr, nullptr, &status);
-    if (status == 0 && demangled) {
-        std::string name = demangled;
-        std::free(demangled);
-        return name;
-    }
-    std::free(demangled);
-#endif
-    return mangled;
+    const char* name = ZoPixelConverter_GetClassName(&converter);
+    return name ? name : "";
 }
 
 std::string DescribeConverter(const ZoPixelConverter& converter)

@@ -63,10 +63,8 @@ std::string PatternWords(std::uint32_t flags);
 // `error`.
 bool ParseType(const std::string& text, std::int64_t& id, std::uint32_t& patternFlags, std::string& error);
 
-// A C++ type name, demangled where the compiler allows.
-std::string Demangle(const char* mangled);
-
-// The converter's class name ("ZoBayerRGB8ToRGB24"), demangled.
+// The converter's class name ("ZoBayerRGB8ToRGB24"), demangled, as the
+// library's ZoPixelConverter_GetClassName gives it.
 std::string ClassName(const ZoPixelConverter& converter);
 
 // "ZoBayerRGB8ToRGB24", or for a chain

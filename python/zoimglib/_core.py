@@ -26,7 +26,9 @@ OK, ERR_BAD_ARGUMENT, ERR_NOT_SUPPORTED = 0, 18, 26
 _U32_MAX = 0xFFFFFFFF
 
 TypeInfo = collections.namedtuple("TypeInfo", "id name bits bytes bayer class_name pfnc")
-ConverterInfo = collections.namedtuple("ConverterInfo", "source destination source_name destination_name class_name")
+ConverterInfo = collections.namedtuple("ConverterInfo",
+                                       "source destination source_name destination_name class_name stages",
+                                       defaults=((),))
 
 
 def _lib():
@@ -183,18 +185,18 @@ def _available_types_text():
     return "\n".join(lines)
 
 
-def _unknown_type(spec, role):
+def _unknown_type(given, role):
     return ValueError("unknown %s pixel type %r; a type is an ID (int) or one of these names\n%s"
-                      % (role, spec, _available_types_text()))
+                      % (role, given, _available_types_text()))
 
 
-def _lookup(spec, role):
+def _lookup(given, role):
     """resolve_type() through its cache first."""
     try:
-        found = _resolved.get((spec, role)) if spec.__class__ is not bool else None
+        found = _resolved.get((given, role)) if given.__class__ is not bool else None
     except TypeError:  # unhashable: resolve_type() says what it should be
         found = None
-    return found or resolve_type(spec, role)
+    return found or resolve_type(given, role)
 
 
 def _known_id(type_id):
@@ -206,7 +208,7 @@ def _known_id(type_id):
                 or lib.ZoPixelTypeFactory_EnumConverterTo(0, type_id, ctypes.byref(other)))
 
 
-def resolve_type(spec, role="source"):
+def resolve_type(given, role="source"):
     """(type ID, Bayer pattern flags) for a type given as a core ID (int), a
     core name as `zoimg types` prints it ("Bayer RGB 12-bits, Packed", any
     case), a class-style name ("BayerRGB8", "ZoRGB24", "Gray12"), or a
@@ -214,18 +216,18 @@ def resolve_type(spec, role="source"):
     pattern, or a hex ID ("0x20010"). Core names never read like the others;
     a class-style name wins over a PFNC name, so "RGB16" is the core's 5-6-5
     type; "PFNC:RGB16" asks for the PFNC meaning only."""
-    if isinstance(spec, bool) or not isinstance(spec, (int, np.integer, str)):
-        raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(spec).__name__))
-    key = (spec, role)
+    if isinstance(given, bool) or not isinstance(given, (int, np.integer, str)):
+        raise TypeError("a %s pixel type is an int ID or a name, not %s" % (role, type(given).__name__))
+    key = (given, role)
     if key in _resolved:
         return _resolved[key]
-    if not isinstance(spec, str):
-        type_id = int(spec)
+    if not isinstance(given, str):
+        type_id = int(given)
         if not -(1 << 63) <= type_id < (1 << 63) or not _known_id(type_id):
-            raise _unknown_type(spec, role)
+            raise _unknown_type(given, role)
         _resolved[key] = (type_id, 0)
         return type_id, 0
-    text = spec.strip()
+    text = given.strip()
     pfnc_only = text.lower().startswith("pfnc:")
     if pfnc_only:
         text = text[5:].strip()
@@ -235,21 +237,21 @@ def resolve_type(spec, role="source"):
     elif not pfnc_only and (lowered[2:] if lowered.startswith("zo") else lowered) in _CLASSES:
         result = (_CLASSES[lowered[2:] if lowered.startswith("zo") else lowered], 0)
     else:
-        result = _resolve_pfnc(text, spec, role)
+        result = _resolve_pfnc(text, given, role)
     if result is None and not pfnc_only:
         # Core names last: only they need the catalogue read.
         matches = _cat().by_name.get(lowered, [])
         if len(matches) > 1:
             raise ValueError("%s pixel type name %r is ambiguous, it names %s; give the ID instead"
-                             % (role, spec, " and ".join(hex_id(m) for m in matches)))
+                             % (role, given, " and ".join(hex_id(m) for m in matches)))
         result = (matches[0], 0) if matches else None
     if result is None:
-        raise _unknown_type(spec, role)
+        raise _unknown_type(given, role)
     _resolved[key] = result
     return result
 
 
-def _resolve_pfnc(text, spec, role):
+def _resolve_pfnc(text, given, role):
     lib = _lib()
     if not lib.has("ZoPfnc_FromName") or not text:
         return None
@@ -258,7 +260,7 @@ def _resolve_pfnc(text, spec, role):
     if code == ERR_NOT_SUPPORTED:
         raise ValueError("%s pixel type %r is a PFNC format without an exact counterpart in "
                          "ZoImgLib (docs/pfnc.md says why); the PFNC formats it maps: %s"
-                         % (role, spec, ", ".join(_pfnc_names())))
+                         % (role, given, ", ".join(_pfnc_names())))
     if code != OK:
         return None
     return type_id.value, flags.value
@@ -269,9 +271,10 @@ def _resolve_pfnc(text, spec, role):
 def converters(source=None):
     """Every registered conversion (from `source` only, when given) as
     ConverterInfo(source, destination, source_name, destination_name,
-    class_name), class_name being the C++ converter class behind the pair
-    ("ZoBayerRGB16ToRGB24"; "ZoComplexConverter" for a pair served by a
-    chain of two converters)."""
+    class_name, stages), class_name being the C++ converter class behind the
+    pair ("ZoBayerRGB16ToRGB24"; "ZoComplexConverter" for a pair served by a
+    chain of two converters) and stages, for a chain, the class names of its
+    first and second stage (() otherwise)."""
     lib = _lib()
     sources = _cat().sources if source is None else [resolve_type(source, "source")[0]]
     result = []
@@ -281,7 +284,8 @@ def converters(source=None):
         while lib.ZoPixelTypeFactory_EnumConverterFrom(index, src, ctypes.byref(destination)):
             dst = destination.value
             handle = lib.ZoPixelTypeFactory_GetConverter(src, dst)
-            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _native.class_name(handle)))
+            result.append(ConverterInfo(src, dst, _type_name(src), _type_name(dst), _native.class_name(lib, handle),
+                                        _native.chain_stages(lib, handle)))
             index += 1
     return result
 
@@ -640,6 +644,9 @@ def convert(frame, source, destination, *, width=None, height=None, pattern=None
     if plan.source_bytes > plan.frame_bytes:  # the converter reads beyond the frame
         padded = np.zeros(plan.source_bytes, np.uint8)
         padded[:plan.frame_bytes] = flat
+        if plan.extra_line:
+            copied = plan.source_line * (plan.height - 2 if plan.height >= 2 else 0)
+            padded[plan.frame_bytes:plan.frame_bytes + plan.source_line] = flat[copied:copied + plan.source_line]
         flat = padded
     src = _address(flat)
 
@@ -712,7 +719,7 @@ class _Plan:
     and frame geometry, checked and computed once."""
 
     __slots__ = ("conv", "flags", "width", "height", "frame_bytes", "source_bytes", "before", "total",
-                 "result_bytes", "dtype", "shape")
+                 "result_bytes", "dtype", "shape", "source_line", "extra_line")
 
     def __init__(self, conv, flags, interpolate, flat, shape, itemsize, width, height):
         lib = _lib()
@@ -736,6 +743,13 @@ class _Plan:
         self.frame_bytes, self.source_bytes = frame_bytes, sizes.sourceBytes
         self.before = sizes.destinationBytesBefore
         self.result_bytes = line * height
+        # A replicating Bayer source of odd height pairs its last line with
+        # the line after the frame: a copy of line height - 2 (line 0 for one
+        # line), the last line of the same colour row, as the library's
+        # chains do, so the last row takes the colours of the row above.
+        self.source_line = source_line
+        self.extra_line = (conv.bayer_source and not flags & FLAG_BAYER_INTERPOLATE and height % 2 == 1
+                           and sizes.sourceBytes >= frame_bytes + source_line)
         # The count stops at the last byte written, which may fall short of
         # the frame's end: the buffer holds both.
         self.total = sizes.destinationBytesBefore + max(sizes.destinationBytes, self.result_bytes)

@@ -87,6 +87,8 @@ _OPTIONAL_PROTOTYPES = {
     "ZoPixelConverter_ConvertBand": (_u32, [_ptr, _ptr] + _AREA + [_u32, _u32]),
     "ZoPfnc_FromName": (_u32, [_str, ctypes.POINTER(_i64), ctypes.POINTER(_u32)]),
     "ZoPfnc_FromPixelType": (_u32, [_i64, _u32, ctypes.POINTER(_str), ctypes.POINTER(_u32)]),
+    "ZoPixelConverter_GetClassName": (ctypes.c_char_p, [_ptr]),
+    "ZoPixelConverter_GetChainStage": (_ptr, [_ptr, _u32]),
     "ZoPfnc_GetEntry": (_bool, [_u32, ctypes.POINTER(_str), ctypes.POINTER(_u32), ctypes.POINTER(_i64),
                                 ctypes.POINTER(_u32)]),
 }
@@ -199,31 +201,20 @@ def library():
     return _library
 
 
-def class_name(handle):
-    """The C++ class of a library object (a converter handle),
-    read from its run-time type information as the zoimg tool reads it with
-    typeid, or None where that cannot be read.
+def class_name(lib, handle):
+    """The C++ class of a converter handle as the library names it
+    (ZoPixelConverter_GetClassName), or None for a null handle or a library
+    without that function."""
+    if not handle or not lib.has("ZoPixelConverter_GetClassName"):
+        return None
+    name = lib.ZoPixelConverter_GetClassName(handle)
+    return name.decode("ascii", "replace") if name else None
 
-    The flat interface names no classes. Under the Itanium C++ ABI (g++ and
-    clang on Linux and macOS) an object of a polymorphic class starts with
-    its virtual table pointer; the word before the table points to the
-    class's std::type_info, whose second word is the mangled name, here
-    "<length><name>" since the library's classes are neither nested nor
-    templates. Anything else gives None rather than a guess."""
-    if not handle or sys.platform == "win32":
-        return None
-    try:
-        pointer = ctypes.POINTER(ctypes.c_void_p)
-        vtable = ctypes.cast(handle, pointer)[0]
-        type_info = ctypes.cast(vtable - ctypes.sizeof(ctypes.c_void_p), pointer)[0]
-        mangled = ctypes.cast(type_info + ctypes.sizeof(ctypes.c_void_p), ctypes.POINTER(ctypes.c_char_p))[0]
-    except (ValueError, TypeError):
-        return None
-    if not mangled:
-        return None
-    mangled = mangled.decode("ascii", "replace")
-    digits = len(mangled) - len(mangled.lstrip("0123456789"))
-    if digits == 0 or int(mangled[:digits]) != len(mangled) - digits:
-        return None
-    name = mangled[digits:]
-    return name if name.startswith("Zo") and name.replace("_", "").isalnum() else None
+
+def chain_stages(lib, handle):
+    """The class names of a chained converter's two stages, () for any
+    other converter (or a library without ZoPixelConverter_GetChainStage)."""
+    if not handle or not lib.has("ZoPixelConverter_GetChainStage"):
+        return ()
+    stages = [lib.ZoPixelConverter_GetChainStage(handle, index) for index in (0, 1)]
+    return tuple(class_name(lib, stage) for stage in stages) if all(stages) else ()

@@ -193,13 +193,16 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
                 return r;
             // A replicating Bayer second stage with an odd height converts
             // the pair (height - 1, height) and so reads the line after the
-            // frame. That line is a copy of the frame's last line, so that
-            // the output depends on this call's input alone (never on an
-            // earlier frame's bytes left in the buffer) and the last line
-            // takes the colours of the line above it.
-            if (to == sourceHeight && sourceHeight != 0)
+            // frame. That line is a copy of line height - 2 (line 0 for a
+            // one-line frame): the last line of the same colour row as the
+            // missing line, so the last output row takes the colours of the
+            // row above it, and the output depends on this call's input
+            // alone (never on an earlier frame's bytes left in the buffer).
+            if (to == sourceHeight && sourceHeight != 0) {
+                const std::uint32_t copied = sourceHeight >= 2 ? sourceHeight - 2 : 0;
                 std::memcpy(frame + std::size_t{sourceHeight} * lineBytes,
-                            frame + std::size_t{sourceHeight - 1} * lineBytes, lineBytes);
+                            frame + std::size_t{copied} * lineBytes, lineBytes);
+            }
             {
                 const zo::BandWindowScope band(window);
                 r = mSecond->Convert(frame, sourceWidth, sourceHeight, destination, destinationWidth,
@@ -228,6 +231,12 @@ std::uint32_t ZoComplexConverter::Convert(const unsigned char* source, std::uint
         from &= ~1u;
         const std::uint64_t past = reach >= sourceHeight ? sourceHeight : window.endLine + reach + 1;  // made even
         const std::uint32_t to = past >= sourceHeight ? sourceHeight : static_cast<std::uint32_t>(past & ~1ull);
+        // The line after the frame is copied from line height - 2, which the
+        // storage must then hold as well: `from` is even and height - 2 is
+        // odd at an odd height, so stepping back to the even line below it
+        // keeps the first stage starting on an even line.
+        if (to == sourceHeight && sourceHeight >= 2 && from > sourceHeight - 2)
+            from = (sourceHeight - 2) & ~1u;
         std::vector<unsigned char> lines(std::size_t{kFrameMargin} + std::size_t{to - from + 1} * lineBytes +
                                          kFrameMargin);
         return convert(lines.data() + kFrameMargin - std::ptrdiff_t{from} * lineBytes, from, to);

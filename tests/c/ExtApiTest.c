@@ -59,11 +59,22 @@ static void Pfnc(void)
     CHECK(index == 64);
 }
 
+/* A chain's stages and class names; plain converters have no stages. */
+static void ClassNames(void)
+{
+    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
+    const ZoPixelConverter* second = ZoPixelConverter_GetChainStage(chain, 1);
+    CHECK(chain != NULL && strcmp(ZoPixelConverter_GetClassName(chain), "ZoComplexConverter") == 0);
+    CHECK(second != NULL && ZoPixelConverter_GetChainStage(second, 0) == NULL);
+    CHECK(ZoPixelConverter_GetClassName(NULL) == NULL);
+}
+
 int main(void)
 {
     Version();
     Sizes();
     Pfnc();
+    ClassNames();
     if (failures)
         fprintf(stderr, "%d check(s) failed\n", failures);
     return failures;

@@ -45,6 +45,7 @@ typedef uint32_t (*GetAreaBufferSizesFn)(ConverterHandle converter, uint32_t sou
                                          uint32_t height, uint32_t flags, uint32_t destinationPadding,
                                          AreaBufferSizes* sizes);
 typedef const char* (*GetVersionFn)(void);
+typedef const char* (*GetClassNameFn)(ConverterHandle);
 typedef uint32_t (*PfncFromNameFn)(const char* name, int64_t* typeId, uint32_t* flags);
 typedef uint32_t (*PfncFromPixelTypeFn)(int64_t typeId, uint32_t flags, const char** name, uint32_t* code);
 
@@ -99,6 +100,8 @@ static const char* const kFlatFunctions[] = {
     "ZoPfnc_FromCode",
     "ZoPfnc_FromPixelType",
     "ZoPfnc_GetEntry",
+    "ZoPixelConverter_GetClassName",
+    "ZoPixelConverter_GetChainStage",
 };
 
 static int gFailures = 0;
@@ -283,6 +286,7 @@ static void LoadConvertUnload(const char* path)
         CHECK(sizes.sourceBytes == 640u * 482 && sizes.destinationBytes == 3u * 640 * 482 &&
               sizes.destinationBytesBefore == 0);
         CHECK(sizesOf(NULL, 1, 1, 1, 1, 1, 1, 0, 0, &sizes) == ZO_ERR_BAD_ARGUMENT);
+        CHECK(strcmp(((GetClassNameFn)Bind("ZoPixelConverter_GetClassName"))(bayer), "ZoBayerRGB8ToRGB24") == 0);
         CHECK(version() != NULL && strchr(version(), '.') != NULL);
         CHECK(fromName("BayerRG8", &type, &flags) == ZO_OK && type == ZO_PT_BAYER_RGB8 &&
               flags == ZO_FLAG_BAYER_RGGB);

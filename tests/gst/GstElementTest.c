@@ -71,9 +71,9 @@ library_convert (gint64 from, gint64 to, const guint8 * source, guint source_wid
   src = g_malloc0 (src_line * (height + 2) + margin);
   memcpy (src, source, src_line * height);
   /* The line after the frame, which a replicating conversion of an odd
-   * height pairs with the last line: a copy of it, as in the library's
-   * chained conversions. */
-  memcpy (src + src_line * height, source + src_line * (height - 1), src_line);
+   * height pairs with the last line: a copy of line height - 2 (the last
+   * line of the same colour row), as in the library's chained conversions. */
+  memcpy (src + src_line * height, source + src_line * (height >= 2 ? height - 2 : 0), src_line);
   dst = g_malloc0 (dst_line * (height + 2) + 2 * margin);
   if (gains->red != 1.0 || gains->green != 1.0 || gains->blue != 1.0) {
     filter = ZoRGBFilter_Init (16);

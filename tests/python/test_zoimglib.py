@@ -104,13 +104,13 @@ def test_pfnc_names_resolve_and_imply_the_bayer_pattern():
     assert not np.array_equal(zo.convert(packed, "BayerRG12p", "RGB48", pattern="GRBG"), rggb)
 
 
-@pytest.mark.parametrize("spec, expected", [
+@pytest.mark.parametrize("given, expected", [
     (0x00020010, 0x00020010), ("Bayer RGB 8-bits", 0x00020010), ("bayer rgb 8-BITS", 0x00020010),
     ("BayerRGB8", 0x00020010), ("ZoRGB24", 0x00020002), ("Gray12", 0x00010003), ("grayscale12", 0x00010003),
     ("YCrCb 8-bits 4:4:4, Packed", 0x00440005), ("0x420012", 0x00420012),
 ])
-def test_core_ids_names_and_class_names(spec, expected):
-    assert zo.resolve_type(spec) == (expected, 0)
+def test_core_ids_names_and_class_names(given, expected):
+    assert zo.resolve_type(given) == (expected, 0)
 
 
 @pytest.mark.parametrize("source, destination, width, height, kwargs", [
@@ -131,6 +131,15 @@ def test_bands_on_threads_equal_one_pass(source, destination, width, height, kwa
     one = zo.convert(raw, source, destination, width=width, threads=1, **kwargs)
     for threads in (2, 4):
         assert np.array_equal(zo.convert(raw, source, destination, width=width, threads=threads, **kwargs), one)
+
+
+@pytest.mark.parametrize("height", [3, 5])
+def test_replicating_bayer_at_an_odd_height_gives_the_last_row_the_row_above(height):
+    # One colour mosaiced: every output row must be that colour, the last
+    # one (paired with the line after the frame) included.
+    mosaic = np.tile(np.array([[200, 100], [100, 50]], np.uint8), (3, 3))[:height, :6]
+    got = zo.convert(np.ascontiguousarray(mosaic), "BayerRGB8", "RGB24", width=6, pattern="RGGB", interpolate=False)
+    assert np.array_equal(got, np.broadcast_to(np.array([200, 100, 50], np.uint8), got.shape)), got
 
 
 def test_gains_and_per_entry_tables_filter_in_the_same_pass():
@@ -172,6 +181,8 @@ def test_discovery():
     classes = {c.destination: c.class_name for c in zo.converters("BayerRGB8")}
     assert classes[0x00020002] == "ZoBayerRGB8ToRGB24"
     assert classes[0x00820002] == "ZoComplexConverter"
+    stages = {c.destination: c.stages for c in zo.converters("BayerRGB8")}
+    assert stages[0x00820002] == ("ZoBayerRGB8ToRGB24", "ZoRGB24ToRGB24Planar") and stages[0x00020002] == ()
 
 
 GRAY = np.zeros((4, 6), np.uint8)
