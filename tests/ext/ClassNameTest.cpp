@@ -8,7 +8,7 @@
 #include "ZoGenericConverters.h"
 #include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
-#include "support/RegisteredPairs.h"
+#include "support/BuiltInPairs.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ std::string TypeidName(const ZoPixelConverter& c)
 TEST(ClassName, EveryPairNamesItsClassAndChainsGiveTheirStages)
 {
     int chains = 0;
-    for (const auto& pair : zotest::BuiltInPairs()) {
+    for (const auto& pair : zotest::RegisteredBuiltInPairs()) {
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
         const char* name = ZoPixelConverter_GetClassName(&c);
         ASSERT_NE(name, nullptr);
