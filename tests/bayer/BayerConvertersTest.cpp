@@ -9,7 +9,7 @@
 #include "ZoImgLib.h"
 #include "bayer/BayerKernels.h"
 #include "bayer/BayerReference.h"
-#include "simd/CpuLevels.h"
+#include "support/CpuLevels.h"
 
 using namespace bayer_test;
 

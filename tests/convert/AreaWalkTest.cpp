@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 
 using zotest::FreshTestId;
 using zotest::LineCall;

@@ -19,7 +19,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "ZoRGBConverters.h"
 #include "ZoYUVConverters.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 #include "core/ObservedAddress.h"
 #include "support/BuiltInPairs.h"
 #if __has_include("ZoBayerConverters.h")

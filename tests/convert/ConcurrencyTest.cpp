@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 
 using zotest::FilterStage;
 using zotest::FreshTestId;

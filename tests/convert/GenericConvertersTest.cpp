@@ -8,7 +8,7 @@
 
 #include "ZoImgLibC.h"
 #include "ZoPixelTypeFactory.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 #include "core/ObservedAddress.h"
 
 using zotest::FilterStage;

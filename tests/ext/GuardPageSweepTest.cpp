@@ -28,7 +28,7 @@
 #include "ZoImgLibC.h"
 #include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 #include "support/BuiltInPairs.h"
 
 namespace {

@@ -10,7 +10,7 @@
 
 #include "ZoDualTapConverters.h"
 #include "ZoPixelTypeFactory.h"
-#include "rgb/AreaTestSupport.h"
+#include "support/AreaSupport.h"
 #include "core/StaticConverters.h"
 
 namespace {

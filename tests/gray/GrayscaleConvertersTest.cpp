@@ -10,8 +10,8 @@
 #include "ZoPixelTypeFactory.h"
 #include "gray/GrayscaleKernels.h"
 #include "gray/GraySimd.h"
-#include "convert/ConvertTestSupport.h"
-#include "rgb/AreaTestSupport.h"
+#include "support/ConvertSupport.h"
+#include "support/AreaSupport.h"
 
 using namespace zotest;
 

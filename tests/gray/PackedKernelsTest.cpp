@@ -9,8 +9,8 @@
 
 #include "gray/DualTapKernels.h"
 #include "gray/PackedKernels.h"
-#include "rgb/AreaTestSupport.h"
-#include "simd/CpuLevels.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 
 #include "ZoPackedConverters.h"
 #include "ZoPixelTypeFactory.h"
-#include "rgb/AreaTestSupport.h"
+#include "support/AreaSupport.h"
 #include "core/StaticConverters.h"
 
 namespace {

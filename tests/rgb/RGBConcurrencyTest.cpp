@@ -9,7 +9,7 @@
 
 #include "ZoPixelTypeFactory.h"
 #include "ZoRGBFilter.h"
-#include "rgb/AreaTestSupport.h"
+#include "support/AreaSupport.h"
 
 TEST(RGBConcurrency, SharedInstanceWithPerThreadFilters)
 {

@@ -10,10 +10,10 @@
 
 #include "ZoPixelTypeFactory.h"
 #include "ZoRGBConverters.h"
-#include "rgb/AreaTestSupport.h"
+#include "support/AreaSupport.h"
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
-#include "simd/CpuLevels.h"
+#include "support/CpuLevels.h"
 
 using namespace zotest;
 

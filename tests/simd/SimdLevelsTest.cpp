@@ -21,8 +21,8 @@
 #include "gray/PackedPaths.h"
 #include "simd/Lut.h"
 #include "rgb/RGBPaths.h"
-#include "rgb/AreaTestSupport.h"
-#include "simd/CpuLevels.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
 #include "support/BuiltInPairs.h"
 #include "yuv/YUVSimd.h"
 

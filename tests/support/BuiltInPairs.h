@@ -10,7 +10,7 @@
 
 #include "ZoPixelTypeFactory.h"
 #include "ZoPixelTypeIDs.h"
-#include "convert/ConvertTestSupport.h"
+#include "support/ConvertSupport.h"
 
 namespace zotest {
 
