@@ -61,32 +61,15 @@ void ExpectChannel(const ZoRGBFilter& f, const std::uint8_t* t8, const std::uint
 
 }  // namespace
 
-TEST(RGBFilter, NewFiltersAreIdentities)
-{
-    for (std::uint32_t bits : {0u, 4u, 8u, 10u, 16u}) {
-        SCOPED_TRACE(bits);
-        ZoRGBFilter f(bits);
-        EXPECT_EQ(f.GetBitSize(), bits);
-        EXPECT_EQ(f.GetEntryCount(), 1u << bits);
-        ExpectChannel(f, f.RedTable8(), f.RedTable16(), 1.0, 0, true);
-        ExpectChannel(f, f.GreenTable8(), f.GreenTable16(), 1.0, 0, true);
-        ExpectChannel(f, f.BlueTable8(), f.BlueTable16(), 1.0, 0, true);
-        // An 8-bit filter is no 16-bit identity: entries 256.. read 255.
-        EXPECT_EQ(f.IsIdentity8(), ScanIdentity8(f));
-        EXPECT_EQ(f.IsIdentity16(), ScanIdentity16(f));
-    }
-    ZoRGBFilter f16(16);
-    EXPECT_EQ(f16.GetRedValue8(300), 44);  // only the low 8 bits of the index
-    EXPECT_EQ(f16.GetBlueValue16(65535), 65535);
-}
-
-TEST(RGBFilter, MultipliersTruncateAndClamp)
+TEST(RGBFilter, NewFiltersAreIdentitiesAndMultipliersTruncateAndClamp)
 {
     const struct {
         std::uint32_t bits;
-        double red, green, blue;
+        double red, green, blue;  // 0 for all three: a new filter, not set
         std::uint16_t redOffset, greenOffset, blueOffset;
     } cases[] = {
+        {0, 0, 0, 0, 0, 0, 0}, {4, 0, 0, 0, 0, 0, 0}, {8, 0, 0, 0, 0, 0, 0}, {10, 0, 0, 0, 0, 0, 0},
+        {16, 0, 0, 0, 0, 0, 0},
         {8, 2.0, 1.0, 1.0, 0, 0, 0},
         {8, 1.5, 0.5, 0.29, 0, 0, 0},  // 100 * 0.29 is 28.999999999999996: truncated to 28
         {8, 0.0, 1.0, 3.7, 0, 7, 300},
@@ -98,27 +81,28 @@ TEST(RGBFilter, MultipliersTruncateAndClamp)
     for (const auto& tc : cases) {
         SCOPED_TRACE(testing::Message() << tc.bits << " bits, " << tc.red << "/" << tc.green << "/" << tc.blue);
         ZoRGBFilter f(tc.bits);
-        ASSERT_EQ(f.SetMultipliers(tc.red, tc.green, tc.blue, tc.redOffset, tc.greenOffset, tc.blueOffset),
-                  ZO_OK);
-        ExpectChannel(f, f.RedTable8(), f.RedTable16(), tc.red, tc.redOffset);
-        ExpectChannel(f, f.GreenTable8(), f.GreenTable16(), tc.green, tc.greenOffset);
-        ExpectChannel(f, f.BlueTable8(), f.BlueTable16(), tc.blue, tc.blueOffset);
+        const bool fresh = tc.red + tc.green + tc.blue == 0;
+        EXPECT_EQ(f.GetBitSize(), tc.bits);
+        EXPECT_EQ(f.GetEntryCount(), 1u << tc.bits);
+        if (!fresh) {
+            ASSERT_EQ(f.SetMultipliers(tc.red, tc.green, tc.blue, tc.redOffset, tc.greenOffset, tc.blueOffset),
+                      ZO_OK);
+        }
+        // A new filter's tables go on past the entry count (any 16-bit
+        // sample may index them) with the last entry.
+        ExpectChannel(f, f.RedTable8(), f.RedTable16(), fresh ? 1.0 : tc.red, tc.redOffset, fresh);
+        ExpectChannel(f, f.GreenTable8(), f.GreenTable16(), fresh ? 1.0 : tc.green, tc.greenOffset, fresh);
+        ExpectChannel(f, f.BlueTable8(), f.BlueTable16(), fresh ? 1.0 : tc.blue, tc.blueOffset, fresh);
+        // An 8-bit filter is no 16-bit identity: entries 256.. read 255.
         EXPECT_EQ(f.IsIdentity8(), ScanIdentity8(f));
         EXPECT_EQ(f.IsIdentity16(), ScanIdentity16(f));
     }
-}
-
-TEST(RGBFilter, InfiniteGainKeepsTheOffsetInEntryZero)
-{
     ZoRGBFilter f16(16);
-    // An infinite gain saturates every entry but entry 0, which keeps the
-    // offset.
-    f16.SetMultipliers(std::numeric_limits<double>::infinity(), 1.0, 1.0, 5, 0, 0);
-    EXPECT_EQ(f16.GetRedValue16(0), 5);
-    EXPECT_EQ(f16.GetRedValue16(1), 65535);
+    EXPECT_EQ(f16.GetRedValue8(300), 44);  // only the low 8 bits of the index
+    EXPECT_EQ(f16.GetBlueValue16(65535), 65535);
 }
 
-TEST(RGBFilter, BadMultipliersChangeNothing)
+TEST(RGBFilter, BadMultipliersChangeNothingAndAnInfiniteGainKeepsTheOffsetInEntryZero)
 {
     ZoRGBFilter f(8);
     f.SetMultipliers(1.5, 0.5, 2.0, 1, 2, 3);
@@ -132,6 +116,11 @@ TEST(RGBFilter, BadMultipliersChangeNothing)
         EXPECT_EQ(std::vector<std::uint16_t>(f.BlueTable16(), f.BlueTable16() + 256), blueBefore);
     }
     EXPECT_EQ(f.SetMultipliers(-0.0, 0.0, 0.0), ZO_OK);  // negative zero is not below zero
+
+    ZoRGBFilter f16(16);
+    f16.SetMultipliers(std::numeric_limits<double>::infinity(), 1.0, 1.0, 5, 0, 0);
+    EXPECT_EQ(f16.GetRedValue16(0), 5);
+    EXPECT_EQ(f16.GetRedValue16(1), 65535);
 }
 
 TEST(RGBFilter, SettersCheckIndexAndValue)
@@ -189,20 +178,18 @@ TEST(RGBFilter, SetMultipliersGoesThroughTheVirtualSetters)
 {
     struct Recording : ZoRGBFilter {
         Recording() : ZoRGBFilter(4) { calls.clear(); }
+        std::uint32_t Record(char c, std::uint32_t r) { return calls.push_back(c), r; }
         std::uint32_t SetRedValue(std::uint32_t i, std::uint16_t v) override
         {
-            calls.push_back('r');
-            return ZoRGBFilter::SetRedValue(i, v);
+            return Record('r', ZoRGBFilter::SetRedValue(i, v));
         }
         std::uint32_t SetGreenValue(std::uint32_t i, std::uint16_t v) override
         {
-            calls.push_back('g');
-            return ZoRGBFilter::SetGreenValue(i, v);
+            return Record('g', ZoRGBFilter::SetGreenValue(i, v));
         }
         std::uint32_t SetBlueValue(std::uint32_t i, std::uint16_t v) override
         {
-            calls.push_back('b');
-            return ZoRGBFilter::SetBlueValue(i, v);
+            return Record('b', ZoRGBFilter::SetBlueValue(i, v));
         }
         std::string calls;
     } f;

@@ -13,19 +13,14 @@
 #include "ZoImgLibExt.h"
 #include "ZoPixelConverter.h"
 #include "ZoRGBFilter.h"
+#include "support/AreaSupport.h"
 #include "support/BuiltInPairs.h"
 
 namespace {
 
-constexpr unsigned char kPoison = 0xA5;
+using zotest::kPoison;
 constexpr std::size_t kFront = 64;  // room for writes before the destination pointer
 constexpr int kRounds = 4;          // random areas per pair
-
-// The first byte where two buffers differ (their size when none does).
-std::size_t FirstDifference(const std::vector<unsigned char>& a, const std::vector<unsigned char>& b)
-{
-    return static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin()).first - a.begin());
-}
 
 bool IsBayer(std::int64_t id)
 {
@@ -120,9 +115,7 @@ Case MakeCase(const ZoPixelConverter& converter, std::int64_t source, std::int64
     const std::size_t lines = a.height + 2;
     c.destinationBytes = kFront + std::max<std::size_t>(std::size_t{c.stride} * lines,
                                                        3u * std::size_t{a.destinationWidth} * lines) + 64;
-    c.input.resize(kFront + std::size_t{converter.GetSourceByteSize(a.sourceWidth) + 8} * lines + 64);
-    for (auto& b : c.input)
-        b = static_cast<unsigned char>(rng());
+    c.input = zotest::RandomBytes(kFront + std::size_t{converter.GetSourceByteSize(a.sourceWidth) + 8} * lines + 64, rng);
     return c;
 }
 
@@ -146,9 +139,9 @@ std::vector<std::uint32_t> RandomCuts(const Case& c, std::mt19937& rng)
 std::vector<unsigned char> ConvertInBands(const Case& c, const std::vector<std::uint32_t>& cuts, std::mt19937& rng)
 {
     std::vector<unsigned char> out = c.Fresh();
-    std::vector<std::size_t> order(cuts.size() - 1);
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = i;
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i + 1 < cuts.size(); ++i)
+        order.push_back(i);
     std::shuffle(order.begin(), order.end(), rng);
     std::atomic<std::size_t> next{0};
     std::atomic<int> failures{0};
@@ -182,7 +175,7 @@ TEST(BandConvert, EveryPairSplitAnyWayGivesTheWholeArea)
             const std::vector<unsigned char> whole = c.Whole();
             const std::vector<std::uint32_t> cuts = RandomCuts(c, rng);
             const std::vector<unsigned char> banded = ConvertInBands(c, cuts, rng);
-            ASSERT_EQ(FirstDifference(banded, whole), whole.size())
+            ASSERT_TRUE(zotest::SameBytes(banded, whole))
                 << std::hex << pair.first << " -> " << pair.second << std::dec << " " << c.area.width << " x "
                 << c.area.height << " flags " << c.area.flags << " padding " << c.area.padding << " bands "
                 << cuts.size() - 1;
