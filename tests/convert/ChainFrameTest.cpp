@@ -20,49 +20,41 @@ namespace {
 
 using zotest::kPoison;
 
-TEST(ChainFrame, SizesInSixtyFourBits)
+TEST(ChainFrame, SizesInSixtyFourBitsAndRefusesFramesItCannotHold)
 {
-    struct Case {
+    const struct {
         std::uint32_t pixel, width;
-        std::uint64_t lines;
-        bool fits;
-        std::uint64_t bytes;
+        std::uint64_t lines, bytes;  // bytes 0: does not fit
+    } sizes[] = {
+        {3, 65536, 21845, 4294901760u},       // just below 4 GiB
+        {3, 65536, 21846, 0},                 // 4 GiB + 131072: wraps to 131072 in 32 bits
+        {3, 65536, 21847, 0},                 // the frame of 21846 lines with its extra line
+        {6, 4096, 3001, 6ull * 4096 * 3001},  // an ordinary frame
+        {4, 0x40000000u, 1, 0},               // one line beyond 4 GiB
+        {1, 1, 0x100000000ull, 0},            // more lines than 32 bits count
     };
-    const Case cases[] = {
-        {3, 65536, 21845, true, 4294901760u},       // just below 4 GiB
-        {3, 65536, 21846, false, 0},                // 4 GiB + 131072: wraps to 131072 in 32 bits
-        {3, 65536, 21847, false, 0},                // the frame of 21846 lines with its extra line
-        {6, 4096, 3001, true, 6ull * 4096 * 3001},  // an ordinary frame
-        {4, 0x40000000u, 1, false, 0},              // one line beyond 4 GiB
-        {1, 1, 0x100000000ull, false, 0},           // more lines than 32 bits count
-        {0, 5, 7, true, 0},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : sizes) {
         std::uint64_t bytes = 12345;
-        EXPECT_EQ(zo::ChainFrameBytes(c.pixel, c.width, c.lines, &bytes), c.fits) << c.pixel << " x " << c.width;
-        EXPECT_EQ(bytes, c.fits ? c.bytes : 12345u);
+        EXPECT_EQ(zo::ChainFrameBytes(c.pixel, c.width, c.lines, &bytes), c.bytes != 0) << c.pixel << " x " << c.width;
+        EXPECT_EQ(bytes, c.bytes ? c.bytes : 12345u);
     }
-}
+    std::uint64_t bytes = 1;
+    EXPECT_TRUE(zo::ChainFrameBytes(0, 5, 7, &bytes));
+    EXPECT_EQ(bytes, 0u);
 
-TEST(ChainFrame, RefusesFramesItCannotHoldAndWritesNothing)
-{
-    const ZoPixelConverter& planar =
-        ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
+    // A conversion that would need such a frame, or reach outside the source
+    // frame, reads and writes nothing: tiny buffers stand for the frames.
+    const ZoPixelConverter& planar = ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
     ASSERT_NE(dynamic_cast<const ZoComplexConverter*>(&planar), nullptr);
-    // Nothing may be read or written: tiny buffers stand for the frames.
     std::vector<unsigned char> source(64, 7), destination(256, kPoison);
-    struct Case {
-        std::uint32_t sourceWidth, sourceHeight, width, height;
-    };
-    const Case cases[] = {
+    const std::uint32_t refused[][4] = {
         {65536, 21846, 65536, 21846},  // a line-scan frame: 3 x 65536 x 21846 bytes in between
         {65536, 21845, 65536, 21845},  // its extra line takes it past 4 GiB - 1
         {4, 3, 5, 3},                  // wider than the source frame
         {4, 3, 4, 4},                  // taller than the source frame
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(planar.Convert(source.data(), c.sourceWidth, c.sourceHeight, destination.data(), c.sourceWidth,
-                                 c.sourceHeight, c.width, c.height, 0, 0),
+    for (const auto& c : refused) {
+        EXPECT_EQ(planar.Convert(source.data(), c[0], c[1], destination.data(), c[0], c[1], c[2], c[3], 0, 0),
                   ZO_ERR_BAD_ARGUMENT);
         EXPECT_EQ(destination, std::vector<unsigned char>(256, kPoison));
     }

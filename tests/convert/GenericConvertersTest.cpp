@@ -1,5 +1,7 @@
 // Identity converters (copies and deinterlacing), chained converters built
-// from test stages, and the flat converter functions.
+// from test stages (sizes, line and pixel forms, errors; the area form is
+// checked on every registered chain against the chain table), and the flat
+// converter functions.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -107,40 +109,6 @@ TEST(ComplexConverter, SizesComeFromTheStagesAndCombineIsNotTheLeastCommonMultip
     EXPECT_EQ(chain.GetLinesPerConvert(), 24u);
     EXPECT_EQ(chain.GetPipeliningSize(), 8u);
     EXPECT_EQ(&ZoPixelTypeFactory::GetConverter(x, z), &chain);
-}
-
-TEST(ComplexConverter, FirstStageSeesTheWholeFrameTheCallersFlagsAndFilter)
-{
-    const std::int64_t x = FreshTestId(), y = FreshTestId(), z = FreshTestId();
-    RecordingConverter first(x, y, 1, 2), second(y, z, 2, 3);
-    ZoComplexConverter chain(&first, &second);
-    std::vector<unsigned char> s(64), d(256);
-    first.sourceBase = s.data();
-    second.destinationBase = d.data();
-    ZoRGBFilter filter(16);
-    chain.Convert(filter, s.data(), 6, 4, d.data(), 8, 4, 3, 2, ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE, 5);
-
-    ASSERT_EQ(first.calls.size(), 4u);
-    for (std::uint32_t k = 0; k < 4; ++k) {
-        const auto& call = first.calls[k];
-        EXPECT_EQ(call.source, std::ptrdiff_t(6 * k));
-        EXPECT_EQ(call.count, 6u);
-        EXPECT_EQ(call.context.destinationLineBytes, 12u);  // no padding in the intermediate frame
-        EXPECT_EQ(call.context.flags, ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE);
-        EXPECT_EQ(call.context.filter, &filter);
-        EXPECT_EQ(call.context.referenceCount, 6u);  // filtered form, chain x3, walk, line
-    }
-    ASSERT_EQ(second.calls.size(), 2u);
-    for (std::uint32_t k = 0; k < 2; ++k) {
-        const auto& call = second.calls[k];
-        EXPECT_EQ(call.destination, std::ptrdiff_t(k * (8 * 3 + 5)));
-        EXPECT_EQ(call.count, 3u);
-        EXPECT_EQ(call.context.sourceLineBytes, 12u);
-        EXPECT_EQ(call.context.areaHeight, 2u);
-        EXPECT_EQ(call.context.filter, &ZoPixelConverter::DefaultFilter(2));
-    }
-    EXPECT_EQ(second.calls[1].source - second.calls[0].source, 12);
-    EXPECT_EQ(first.Probe().referenceCount, 1u);  // everything released
 }
 
 TEST(ComplexConverter, LineAndPixelForms)

@@ -52,13 +52,8 @@ std::vector<std::string> Split(const std::string& line, char separator)
 
 std::string PatternName(std::uint32_t flags)
 {
-    switch (flags) {
-    case ZO_FLAG_BAYER_GRBG: return "GRBG";
-    case ZO_FLAG_BAYER_GBRG: return "GBRG";
-    case ZO_FLAG_BAYER_RGGB: return "RGGB";
-    case ZO_FLAG_BAYER_BGGR: return "BGGR";
-    default: return "-";
-    }
+    return flags == ZO_FLAG_BAYER_GRBG ? "GRBG" : flags == ZO_FLAG_BAYER_GBRG ? "GBRG"
+         : flags == ZO_FLAG_BAYER_RGGB ? "RGGB" : flags == ZO_FLAG_BAYER_BGGR ? "BGGR" : "-";
 }
 
 std::string Hex(std::uint64_t v, int digits)
