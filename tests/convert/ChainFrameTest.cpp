@@ -120,44 +120,4 @@ TEST(ChainFrame, OutputDependsOnTheInputAlone)
     EXPECT_GE(compared, 200);
 }
 
-// The line after an odd-height intermediate frame is a copy of line
-// height - 2 (line 0 at height 1), so the last output row takes the colours
-// of the row above: every Bayer chain, whole area and as its last band alone
-// (whose storage must reach back to line height - 2), equals the two stages
-// run by hand with that line.
-TEST(ChainFrame, LineAfterAnOddFrameCopiesLineHeightMinusTwo)
-{
-    int compared = 0;
-    for (const ZoComplexConverter* chain : BayerChains()) {
-        const ZoPixelConverter& first = *chain->GetFirst();
-        const ZoPixelConverter& second = *chain->GetSecond();
-        for (std::uint32_t height : {1u, 5u, 7u}) {
-            const Frame f = RandomFrame(6, height, height);
-            const std::uint32_t flags = ZO_FLAG_BAYER_GBRG;
-            const std::size_t line = first.GetDestinationByteSize(f.width);
-            std::vector<unsigned char> middle(64 + line * (height + 1) + 64, 0);
-            unsigned char* frame = middle.data() + 64;
-            ASSERT_EQ(first.Convert(f.source.data(), f.width, height, frame, f.width, height, f.width, height,
-                                    flags, 0),
-                      ZO_OK);
-            std::memcpy(frame + line * height, frame + line * (height >= 2 ? height - 2 : 0), line);
-            std::vector<unsigned char> expected(chain->GetDestinationByteSize(f.width) * (height + 1) + 64, kPoison);
-            ASSERT_EQ(second.Convert(frame, f.width, height, expected.data(), f.width, height, f.width, height,
-                                     flags, 0),
-                      ZO_OK);
-            EXPECT_EQ(ConvertFrame(*chain, f, flags), expected) << std::hex << chain->GetSourceType() << " h" << height;
-            std::vector<unsigned char> band(expected.size(), kPoison), lastBand(expected.size(), kPoison);
-            ASSERT_EQ(ZoPixelConverter_ConvertBand(chain, nullptr, f.source.data(), f.width, height, lastBand.data(),
-                                                   f.width, height, f.width, height, flags, 0, height - 1, 1),
-                      ZO_OK);
-            const std::size_t row = chain->GetDestinationByteSize(f.width);
-            EXPECT_TRUE(std::equal(lastBand.begin() + row * (height - 1), lastBand.begin() + row * height,
-                                   expected.begin() + row * (height - 1)))
-                << std::hex << chain->GetSourceType() << " h" << height;
-            ++compared;
-        }
-    }
-    EXPECT_GE(compared, 300);
-}
-
 }  // namespace
