@@ -1,17 +1,21 @@
-// The built-in chained converters against the settled table of chains, and
-// the registry as a whole once every family is in.
+// The built-in chained converters against the settled table of chains, the
+// registry as a whole once every family is in, and the chains' intermediate
+// frame: sized in 64 bits, refused when it cannot be held, its line after an
+// odd height a copy, and nothing of an earlier frame in the output.
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
 #include <set>
 #include <string>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
 #include "ZoGenericConverters.h"
 #include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
+#include "convert/ChainFrame.h"
 #include "support/AreaSupport.h"
 #include "support/BuiltInPairs.h"
 #include "support/ConvertSupport.h"
@@ -196,6 +200,56 @@ TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
             const auto chained = ConvertArea(*chain, source, area, &gains);
             EXPECT_EQ(chained, ConvertArea(second, intermediate, area, nullptr)) << "height " << h;
             EXPECT_NE(chained, std::vector<unsigned char>(chained.size(), kPoison));
+            // The output depends on this call's input alone: not on what an
+            // earlier, taller frame (above, or another here) left behind, on
+            // this thread or another.
+            std::vector<unsigned char> again;
+            const zotest::Area whole{kWidth, kHeight, kWidth, kHeight, kWidth, kHeight, flags, 0};
+            std::thread([&] {
+                ConvertArea(*chain, SourceFrame(*chain, row.order), whole, nullptr);
+                again = ConvertArea(*chain, source, area, &gains);
+            }).join();
+            EXPECT_EQ(again, chained) << "height " << h << " after another frame";
         }
+    }
+}
+
+TEST(ChainFrame, SizesInSixtyFourBitsAndRefusesFramesItCannotHold)
+{
+    const struct {
+        std::uint32_t pixel, width;
+        std::uint64_t lines, bytes;  // bytes 0: does not fit
+    } sizes[] = {
+        {3, 65536, 21845, 4294901760u},       // just below 4 GiB
+        {3, 65536, 21846, 0},                 // 4 GiB + 131072: wraps to 131072 in 32 bits
+        {3, 65536, 21847, 0},                 // the frame of 21846 lines with its extra line
+        {6, 4096, 3001, 6ull * 4096 * 3001},  // an ordinary frame
+        {4, 0x40000000u, 1, 0},               // one line beyond 4 GiB
+        {1, 1, 0x100000000ull, 0},            // more lines than 32 bits count
+    };
+    for (const auto& c : sizes) {
+        std::uint64_t bytes = 12345;
+        EXPECT_EQ(zo::ChainFrameBytes(c.pixel, c.width, c.lines, &bytes), c.bytes != 0) << c.pixel << " x " << c.width;
+        EXPECT_EQ(bytes, c.bytes ? c.bytes : 12345u);
+    }
+    std::uint64_t bytes = 1;
+    EXPECT_TRUE(zo::ChainFrameBytes(0, 5, 7, &bytes));
+    EXPECT_EQ(bytes, 0u);
+
+    // A conversion that would need such a frame, or reach outside the source
+    // frame, reads and writes nothing: tiny buffers stand for the frames.
+    const ZoPixelConverter& planar = ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
+    ASSERT_NE(dynamic_cast<const ZoComplexConverter*>(&planar), nullptr);
+    std::vector<unsigned char> source(64, 7), destination(256, kPoison);
+    const std::uint32_t refused[][4] = {
+        {65536, 21846, 65536, 21846},  // a line-scan frame: 3 x 65536 x 21846 bytes in between
+        {65536, 21845, 65536, 21845},  // its extra line takes it past 4 GiB - 1
+        {4, 3, 5, 3},                  // wider than the source frame
+        {4, 3, 4, 4},                  // taller than the source frame
+    };
+    for (const auto& c : refused) {
+        EXPECT_EQ(planar.Convert(source.data(), c[0], c[1], destination.data(), c[0], c[1], c[2], c[3], 0, 0),
+                  ZO_ERR_BAD_ARGUMENT);
+        EXPECT_EQ(destination, std::vector<unsigned char>(256, kPoison));
     }
 }
