@@ -166,15 +166,15 @@ TEST(AreaWalk, FilterInForceAndTheContextRecordsLifetime)
     EXPECT_EQ(f16.GetBitSize(), 16u);
     Frame f;
     for (std::uint32_t size : {1u, 2u, 3u, 6u}) {
-        SCOPED_TRACE(size);
         RecordingConverter c(FreshTestId(), FreshTestId(), size, 1);
         f.Attach(c).Convert(f.source.data(), 2, 1, f.destination.data(), 2, 1, 2, 1, 0, 0);
         c.Convert(f.source.data(), f.destination.data(), 2);
         ASSERT_EQ(c.calls.size(), 2u);
-        EXPECT_EQ(c.calls[0].context.filter, size == 1 ? &f8 : &f16);
-        EXPECT_EQ(c.calls[1].context.filter, nullptr);
-        EXPECT_EQ(c.calls[1].active, size == 1 ? &f8 : &f16);
-        EXPECT_EQ(c.calls[1].context.referenceCount, 1u);
+        const ZoRGBFilter* expected = size == 1 ? &f8 : &f16;
+        EXPECT_EQ(std::make_tuple(c.calls[0].context.filter, c.calls[1].context.filter, c.calls[1].active,
+                                  c.calls[1].context.referenceCount),
+                  std::make_tuple(expected, nullptr, expected, 1u))
+            << "source size " << size;
     }
 
     // The filtered form hands its filter to every line; afterwards the
