@@ -3,6 +3,7 @@
 // PFNC layout with decoders written here from the list's layout text.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdint>
@@ -286,17 +287,20 @@ std::vector<unsigned char> Convert(const std::vector<unsigned char>& frame, std:
     return out;
 }
 
+// The worst channel difference, and where it is.
 void ExpectImage(const Image& got, const Image& expected, int tolerance)
 {
     ASSERT_EQ(got.size(), expected.size());
-    for (std::size_t i = 0, bad = 0; i < expected.size() && bad < 5; ++i) {
-        const Pixel &g = got[i], &e = expected[i];
-        if (std::abs(g.r - e.r) > tolerance || std::abs(g.g - e.g) > tolerance || std::abs(g.b - e.b) > tolerance) {
-            ++bad;
-            ADD_FAILURE() << "pixel " << i << ": got " << g.r << ' ' << g.g << ' ' << g.b << ", expected " << e.r
-                          << ' ' << e.g << ' ' << e.b;
-        }
+    int worst = 0;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        const int d = std::max({std::abs(got[i].r - expected[i].r), std::abs(got[i].g - expected[i].g),
+                                std::abs(got[i].b - expected[i].b)});
+        at = d > worst ? i : at;
+        worst = std::max(worst, d);
     }
+    EXPECT_LE(worst, tolerance) << "pixel " << at << ": got " << got[at].r << ' ' << got[at].g << ' ' << got[at].b
+                                << ", expected " << expected[at].r << ' ' << expected[at].g << ' ' << expected[at].b;
 }
 
 }  // namespace
