@@ -116,11 +116,9 @@ TEST(AreaWalk, PlanarDestinationLinesAreSourceWidthApart)
     // destinationHeight apart.
     f.Attach(planar).Convert(f.source.data(), 6, 4, f.destination.data(), 5, 4, 6, 3, 0, 100);
     ExpectCalls(planar.calls, {{0, 0, 0}, {18, 6, 1}, {36, 12, 2}}, 6);
-    const auto& ctx = planar.calls[0].context;
-    EXPECT_EQ(ctx.destinationLineBytes, 6u);
-    EXPECT_EQ(ctx.planeOffsets[0], 0u);
-    EXPECT_EQ(ctx.planeOffsets[1], 20u);
-    EXPECT_EQ(ctx.planeOffsets[2], 40u);
+    const auto& x = planar.calls[0].context;
+    EXPECT_EQ(std::make_tuple(x.destinationLineBytes, x.planeOffsets[0], x.planeOffsets[1], x.planeOffsets[2]),
+              std::make_tuple(6u, 0u, 20u, 40u));
     // A planar source keeps the ordinary line distance and no plane offsets.
     f.Attach(both).Convert(f.source.data(), 6, 4, f.destination.data(), 5, 4, 6, 2, 0, 100);
     ExpectCalls(both.calls, {{0, 0, 0}, {18, 115, 1}}, 6);
