@@ -13,7 +13,6 @@ list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/GenericConvertersTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ConcurrencyTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainedRegistryTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/ChainFrameTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/convert/LibraryUnloadTest.cpp)
 # The table of built-in chains, kept in the repository; the registry test
 # checks every row of it.

@@ -13,8 +13,7 @@ list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/BufferSizesTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/GuardPageSweepTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/BandConvertTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/PfncTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/ClassNameTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/ext/PfncTest.cpp)
 # The PFNC list the table mirrors, and the page that documents the table.
 list(APPEND ZO_TEST_DEFINITIONS
   ZO_PFNC_CSV="${CMAKE_CURRENT_SOURCE_DIR}/tests/data/pfnc.csv"

@@ -1,31 +1,24 @@
-// The built-in chained converters against the settled table of chains, and
-// the registry as a whole once every family is in.
+// The built-in chained converters against the settled table of chains, the
+// registry as a whole once every family is in, and the chains' intermediate
+// frame: sized in 64 bits, refused when it cannot be held, its line after an
+// odd height a copy, and nothing of an earlier frame in the output.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <map>
-#include <memory>
+#include <cstring>
 #include <random>
 #include <set>
-#include <sstream>
 #include <string>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
-#include "ZoDualTapConverters.h"
-#include "ZoGrayscaleConverters.h"
-#include "ZoPackedConverters.h"
+#include "ZoGenericConverters.h"
+#include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
-#include "ZoRGBConverters.h"
-#include "ZoYUVConverters.h"
-#include "support/ConvertSupport.h"
-#include "core/ObservedAddress.h"
+#include "convert/ChainFrame.h"
+#include "support/AreaSupport.h"
 #include "support/BuiltInPairs.h"
-#if __has_include("ZoBayerConverters.h")
-#include "ZoBayerConverters.h"
-#define ZO_TEST_HAVE_BAYER 1
-#endif
+#include "support/ConvertSupport.h"
 
 #ifndef ZO_CHAIN_TABLE_CSV
 #define ZO_CHAIN_TABLE_CSV "chained-converters.csv"
@@ -34,14 +27,15 @@
 namespace {
 
 using Pair = std::pair<std::int64_t, std::int64_t>;
+using zotest::kPoison;
+using zotest::Registered;
 
-// One stage as the table names it: a direct converter (class, pair and
-// constructor parameters) or the chain of an earlier row.
+// One stage as the table names it: a direct converter ("ZoClass 0xS->0xD
+// key=value ...": its class; the parameters are the golden registry table's
+// to check) or the chain of an earlier row ("chain#7(0xS->0xD)").
 struct StageEntry {
-    int chain = -1;
+    int chain;
     std::string cls;
-    std::int64_t source = 0, destination = 0;
-    std::map<std::string, std::string> params;
 };
 
 struct ChainEntry {
@@ -53,90 +47,41 @@ struct ChainEntry {
 
 std::int64_t Hex(const std::string& s) { return static_cast<std::int64_t>(std::stoll(s, nullptr, 16)); }
 
-void ParsePair(const std::string& text, StageEntry& stage)
-{
-    const std::size_t arrow = text.find("->");
-    stage.source = Hex(text.substr(0, arrow));
-    stage.destination = Hex(text.substr(arrow + 2));
-}
-
-// "chain#7(0x320011->0x20002)" or "ZoClass 0xS->0xD key=value ...".
 StageEntry ParseStage(const std::string& text)
 {
-    StageEntry stage;
-    if (text.rfind("chain#", 0) == 0) {
-        const std::size_t open = text.find('('), close = text.find(')');
-        stage.chain = std::stoi(text.substr(6, open - 6));
-        ParsePair(text.substr(open + 1, close - open - 1), stage);
-        return stage;
-    }
-    std::istringstream words(text);
-    std::string pair, param;
-    words >> stage.cls >> pair;
-    ParsePair(pair, stage);
-    while (words >> param) {
-        const std::size_t eq = param.find('=');
-        stage.params[param.substr(0, eq)] = param.substr(eq + 1);
-    }
-    return stage;
+    if (text.rfind("chain#", 0) == 0)
+        return {std::stoi(text.substr(6)), ""};
+    return {-1, text.substr(0, text.find(' '))};
 }
 
+// The table is part of the repository (tests/data/): a missing or empty one
+// fails the tests that read it, never skips them.
 const std::vector<ChainEntry>& Table()
 {
     static const std::vector<ChainEntry> table = [] {
         std::vector<ChainEntry> rows;
-        std::ifstream in(ZO_CHAIN_TABLE_CSV);
-        std::string line;
-        if (!std::getline(in, line))
-            return rows;  // missing: REQUIRE_TABLE fails
-        while (std::getline(in, line)) {
-            if (!line.empty() && line.back() == '\r')
-                line.pop_back();
-            if (line.empty())
-                continue;
-            std::vector<std::string> f;
-            std::istringstream fields(line);
-            for (std::string field; std::getline(fields, field, ',');)
-                f.push_back(field);
+        for (const auto& f : zotest::CsvRows(ZO_CHAIN_TABLE_CSV, 7))
             if (f.size() != 7)
-                throw std::runtime_error("bad table line: " + line);
-            rows.push_back({std::stoi(f[0]), Hex(f[1]), Hex(f[2]), Hex(f[3]), ParseStage(f[4]), ParseStage(f[5]),
-                            f[6] == "yes"});
-        }
+                ADD_FAILURE() << "bad table line: " << f[0];
+            else if (f[0] != "order")  // the header
+                rows.push_back({std::stoi(f[0]), Hex(f[1]), Hex(f[2]), Hex(f[3]), ParseStage(f[4]),
+                                ParseStage(f[5]), f[6] == "yes"});
         return rows;
     }();
     return table;
 }
 
-// The table is part of the repository (tests/data/): a missing or empty one
-// is a failure, never a skipped test.
-#define REQUIRE_TABLE() ASSERT_FALSE(Table().empty()) << "table of chains not found: " ZO_CHAIN_TABLE_CSV
-
-using zotest::CandidateIds;
-
-// The registered pairs between built-in IDs (test converters excluded).
-std::set<Pair> RegisteredPairs()
-{
-    std::set<Pair> pairs;
-    for (const Pair& p : zotest::RegisteredBuiltInPairs())
-        pairs.insert(p);
-    return pairs;
-}
-
 // The registry as the library left it at load, taken before any test can
 // register converters of its own.
 std::set<Pair> gPairsAtLoad;
-
-class RegistrySnapshot : public testing::Environment {
-public:
-    void SetUp() override { gPairsAtLoad = RegisteredPairs(); }
+struct RegistrySnapshot : testing::Environment {
+    void SetUp() override
+    {
+        for (const Pair& p : zotest::RegisteredBuiltInPairs())
+            gPairsAtLoad.insert(p);
+    }
 };
 testing::Environment* const gSnapshot = testing::AddGlobalTestEnvironment(new RegistrySnapshot);
-
-const ZoPixelConverter* Registered(std::int64_t source, std::int64_t destination)
-{
-    return ObservedAddress(ZoPixelTypeFactory::GetConverter(source, destination));
-}
 
 // The exact class of a converter, compared by its type name.
 bool IsExactly(const ZoPixelConverter& c, const std::string& cls)
@@ -144,189 +89,63 @@ bool IsExactly(const ZoPixelConverter& c, const std::string& cls)
     return std::string(typeid(c).name()) == std::to_string(cls.size()) + cls;
 }
 
-bool Flag(const StageEntry& s, const char* key) { return s.params.at(key) == "True"; }
-std::uint32_t Num(const StageEntry& s, const char* key) { return static_cast<std::uint32_t>(std::stoul(s.params.at(key))); }
-std::uint32_t Pattern(const StageEntry& s)
-{
-    const std::string& p = s.params.at("pattern");
-    return p == "GRBG" ? ZO_FLAG_BAYER_GRBG : p == "GBRG" ? ZO_FLAG_BAYER_GBRG
-         : p == "RGGB" ? ZO_FLAG_BAYER_RGGB : ZO_FLAG_BAYER_BGGR;
-}
-
-// A second object built from the table's constructor parameters; it does
-// not register (the pair is served already) and is compared with the
-// registered one. Null for an unknown class.
-std::unique_ptr<ZoPixelConverter> Twin(const StageEntry& s)
-{
-    const std::int64_t src = s.source, dst = s.destination;
-    const std::string& c = s.cls;
-#define ZO_TWIN(cls, ...) \
-    if (c == #cls)          \
-    return std::make_unique<cls>(__VA_ARGS__)
-    ZO_TWIN(ZoIdentityConverter, src, dst, Num(s, "src_size"), Num(s, "dst_size"));
-#ifdef ZO_TEST_HAVE_BAYER
-    ZO_TWIN(ZoBayerRGB16ToRGB16, src, Num(s, "shift"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB16ToRGB24, src, Flag(s, "bgr"), Num(s, "shift"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB16ToRGB32, src, Flag(s, "bgr"), Num(s, "shift"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB16ToRGB48, src, Flag(s, "normalized"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB8ToRGB16, src, Num(s, "extra"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB8ToRGB24, src, Flag(s, "bgr"), Num(s, "extra"), Pattern(s));
-    ZO_TWIN(ZoBayerRGB8ToRGB32, src, Flag(s, "bgr"), Num(s, "extra"), Pattern(s));
-#endif
-    ZO_TWIN(ZoGrayscale16PackedToGrayscale16, src, dst, static_cast<std::int16_t>(Num(s, "b_shift")),
-            static_cast<std::uint16_t>(Num(s, "mask")), static_cast<std::int16_t>(Num(s, "a_shift")));
-    ZO_TWIN(ZoGrayscale16PackedToRGB24, src, Flag(s, "bgr"), Num(s, "a_shift"), Num(s, "b_shift"));
-    ZO_TWIN(ZoGrayscale16ToGrayscale16LeftShift, src, dst, Num(s, "shift"));
-    ZO_TWIN(ZoDualGrayscale8ToGrayscale8, src, dst);
-    ZO_TWIN(ZoGrayscale8ToRGB16, src, Num(s, "extra"));
-    ZO_TWIN(ZoGrayscale8ToRGB24, src, Flag(s, "bgr"), Num(s, "extra"));
-    ZO_TWIN(ZoGrayscale8ToRGB32, src, Flag(s, "bgr"), Num(s, "extra"));
-    ZO_TWIN(ZoGrayscale16ToRGB24, src, Flag(s, "bgr"), Num(s, "shift"));
-    ZO_TWIN(ZoRGB24ToRGB24Planar, src, Num(s, "skip"));
-    ZO_TWIN(ZoRGB16ToRGB24, src, Flag(s, "blue_first"));
-    ZO_TWIN(ZoRGB24ToRGB24, src, Flag(s, "blue_first"), Num(s, "skip"));
-    ZO_TWIN(ZoRGB32ToRGB24, src, Flag(s, "blue_first"), Num(s, "skip"));
-    ZO_TWIN(ZoRGB48ToRGB24, src, Num(s, "shift"), Flag(s, "blue_first"));
-    ZO_TWIN(ZoRGB64ToRGB24, src, Num(s, "shift"), Flag(s, "blue_first"));
-    ZO_TWIN(ZoYUV8ToRGB24, src, Flag(s, "bgr"), Num(s, "extra"));
-    ZO_TWIN(ZoYUV10ToRGB24, src, Flag(s, "bgr"), Num(s, "shift"));
-    ZO_TWIN(ZoYUV8444ToRGB24, src, Flag(s, "bgr"), Num(s, "extra"), Num(s, "y"), Num(s, "u"), Num(s, "v"));
-#undef ZO_TWIN
-    return nullptr;
-}
-
-constexpr unsigned char kPoison = 0xA5;
 constexpr std::uint32_t kWidth = 16, kHeight = 6;
 
-std::vector<unsigned char> RandomFrame(std::size_t bytes, std::uint32_t seed)
-{
-    std::mt19937 rng(seed);
-    std::vector<unsigned char> v(bytes);
-    for (auto& b : v)
-        b = static_cast<unsigned char>(rng());
-    return v;
-}
-
-// Room for a destination frame of any layout (planar included) and some
-// more for converters that write past the last pixel.
-std::size_t DestinationBytes(const ZoPixelConverter& c, std::uint32_t width, std::uint32_t height,
-                             std::uint32_t padding)
-{
-    return (c.GetDestinationByteSize(width) + padding) * (height + 1) + 3 * width * height + 64;
-}
-
-struct Area {
-    std::uint32_t width, height, padding, flags;
-};
-
-// A filtered area conversion of a kWidth x kHeight frame into a poisoned
-// buffer (the filter may be null).
+// A filtered (or, with a null filter, plain) area conversion of a kWidth x
+// sourceHeight frame into a poisoned buffer with room for any layout.
 std::vector<unsigned char> ConvertArea(const ZoPixelConverter& c, const std::vector<unsigned char>& source,
-                                       const Area& a, const ZoRGBFilter* filter)
+                                       const zotest::Area& a, const ZoRGBFilter* filter)
 {
-    std::vector<unsigned char> d(DestinationBytes(c, kWidth, kHeight, a.padding), kPoison);
+    std::vector<unsigned char> d((c.GetDestinationByteSize(kWidth) + a.padding) * (kHeight + 1) +
+                                     3 * kWidth * kHeight + 64,
+                                 kPoison);
+    const std::uint32_t h = a.sourceHeight;
     if (filter)
-        c.Convert(*filter, source.data(), kWidth, kHeight, d.data(), kWidth, kHeight, a.width, a.height, a.flags,
-                  a.padding);
+        c.Convert(*filter, source.data(), kWidth, h, d.data(), kWidth, h, a.width, a.height, a.flags, a.padding);
     else
-        c.Convert(source.data(), kWidth, kHeight, d.data(), kWidth, kHeight, a.width, a.height, a.flags, a.padding);
+        c.Convert(source.data(), kWidth, h, d.data(), kWidth, h, a.width, a.height, a.flags, a.padding);
     return d;
 }
 
 std::vector<unsigned char> SourceFrame(const ZoPixelConverter& c, std::uint32_t seed)
 {
-    return RandomFrame(c.GetSourceByteSize(kWidth) * (kHeight + 1) + 64, seed);
+    std::mt19937 rng(seed);
+    return zotest::RandomBytes(c.GetSourceByteSize(kWidth) * (kHeight + 1) + 64, rng);
 }
 
-const std::uint32_t kFlagSets[] = {0,
-                                   ZO_FLAG_BAYER_GBRG,
-                                   ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+const std::uint32_t kFlagSets[] = {0, ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
                                    ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE,
                                    ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_INTERPOLATE};
 
 }  // namespace
 
-TEST(ChainedRegistry, StagesAreBuiltWithTheTablesParameters)
-{
-    // Each direct stage the table names is compared, conversion by
-    // conversion, with a converter built from the table's parameters.
-    REQUIRE_TABLE();
-    std::set<Pair> seen;
-    ZoRGBFilter gains(16);
-    gains.SetMultipliers(0.8, 1.3, 0.6, 5, 0, 2);
-    const ZoRGBFilter* const filters[] = {nullptr, &gains};
-    int compared = 0;
-    for (const ChainEntry& row : Table())
-        for (const StageEntry* s : {&row.first, &row.second}) {
-            if (s->chain >= 0 || !seen.insert({s->source, s->destination}).second)
-                continue;
-            SCOPED_TRACE(testing::Message() << s->cls << " " << std::hex << s->source << "->" << s->destination);
-            ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(s->source, s->destination));
-            const ZoPixelConverter* registered = Registered(s->source, s->destination);
-            ASSERT_TRUE(IsExactly(*registered, s->cls)) << typeid(*registered).name();
-            std::unique_ptr<ZoPixelConverter> twin = Twin(*s);
-            ASSERT_TRUE(twin) << "no way to build " << s->cls;
-            EXPECT_EQ(twin->GetSourceByteSize(kWidth), registered->GetSourceByteSize(kWidth));
-            EXPECT_EQ(twin->GetDestinationByteSize(), registered->GetDestinationByteSize());
-            const auto source = SourceFrame(*registered, static_cast<std::uint32_t>(seen.size()));
-            for (std::uint32_t flags : kFlagSets)
-                for (const ZoRGBFilter* filter : filters) {
-                    const Area area{kWidth, kHeight - 2, 2, flags};
-                    EXPECT_EQ(ConvertArea(*registered, source, area, filter), ConvertArea(*twin, source, area, filter))
-                        << "flags " << std::hex << flags << (filter ? " filtered" : "");
-                }
-            ++compared;
-        }
-    EXPECT_GT(compared, 100);
-}
-
-TEST(ChainedRegistry, SixHundredEightyPairsAtLoad)
+TEST(ChainedRegistry, SixHundredEightyPairsAtLoadAndTheChainsAreTheTablesRows)
 {
     std::set<Pair> chainPairs, tablePairs;
-    for (const Pair& p : gPairsAtLoad)
-        if (dynamic_cast<const ZoComplexConverter*>(Registered(p.first, p.second)))
+    // The flat interface names each converter's class once and gives a
+    // chain's stages.
+    for (const Pair& p : gPairsAtLoad) {
+        const ZoPixelConverter* c = Registered(p.first, p.second);
+        const auto* chain = dynamic_cast<const ZoComplexConverter*>(c);
+        if (chain)
             chainPairs.insert(p);
+        const char* name = ZoPixelConverter_GetClassName(c);
+        ASSERT_NE(name, nullptr);
+        EXPECT_TRUE(IsExactly(*c, name)) << name;
+        EXPECT_EQ(ZoPixelConverter_GetClassName(c), name);  // the same cached string
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(c, 0), chain ? chain->GetFirst() : nullptr);
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(c, 1), chain ? chain->GetSecond() : nullptr);
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(c, 2), nullptr);
+    }
+    EXPECT_EQ(ZoPixelConverter_GetClassName(nullptr), nullptr);
+    EXPECT_EQ(ZoPixelConverter_GetChainStage(nullptr, 0), nullptr);
     EXPECT_EQ(gPairsAtLoad.size(), 680u);
     EXPECT_EQ(chainPairs.size(), 225u);
-    if (!Table().empty()) {
-        // The chains' pairs are exactly the table's registering rows (229 rows in all).
-        EXPECT_EQ(Table().size(), 229u);
-        for (const ChainEntry& row : Table())
-            if (row.registers)
-                tablePairs.insert({row.source, row.destination});
-        EXPECT_EQ(chainPairs, tablePairs);
-    }
-}
-
-TEST(ChainedRegistry, EnumerationOrderOverTheFullRegistry)
-{
-    // From each source, destinations come in strictly ascending order; to
-    // each destination, sources likewise; both enumerations list the same
-    // pairs.
-    std::set<Pair> fromPairs, toPairs;
-    std::set<std::int64_t> destinations;
-    for (std::int64_t source : CandidateIds()) {
-        std::int64_t previous = INT64_MIN, destination = 0;
-        for (std::uint32_t i = 0; ZoPixelTypeFactory::EnumConverterFrom(i, source, destination); ++i) {
-            EXPECT_GT(destination, previous) << std::hex << source;
-            previous = destination;
-            EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(source, destination));
-            fromPairs.insert({source, destination});
-            destinations.insert(destination);
-        }
-    }
-    const std::set<std::int64_t> candidates(CandidateIds().begin(), CandidateIds().end());
-    for (std::int64_t destination : destinations) {
-        std::int64_t previous = INT64_MIN, source = 0;
-        for (std::uint32_t i = 0; ZoPixelTypeFactory::EnumConverterTo(i, destination, source); ++i) {
-            EXPECT_GT(source, previous) << std::hex << destination;
-            previous = source;
-            if (candidates.count(source))
-                toPairs.insert({source, destination});
-        }
-    }
-    EXPECT_EQ(fromPairs, toPairs);
-    EXPECT_GE(fromPairs.size(), 680u);
+    EXPECT_EQ(Table().size(), 229u);
+    for (const ChainEntry& row : Table())
+        if (row.registers)
+            tablePairs.insert({row.source, row.destination});
+    EXPECT_EQ(chainPairs, tablePairs);
 }
 
 TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
@@ -334,15 +153,15 @@ TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
     // A registering row's chain is made of the table's stages. The first
     // stage converts the whole frame with the caller's filter and flags; the
     // second converts the requested area from there with the default filter.
-    REQUIRE_TABLE();
     const auto& t = Table();
+    ASSERT_FALSE(t.empty()) << "table of chains not found: " ZO_CHAIN_TABLE_CSV;
     ZoRGBFilter gains(16);
     gains.SetMultipliers(0.75, 1.25, 0.5, 3, 0, 7);
     std::uint32_t k = 0;
     for (const ChainEntry& row : t) {
         SCOPED_TRACE(testing::Message() << "row " << row.order);
         EXPECT_EQ(row.order, &row - t.data());
-        ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(row.source, row.destination));
+        ASSERT_NE(Registered(row.source, row.destination), nullptr);
         const auto* chain = dynamic_cast<const ZoComplexConverter*>(Registered(row.source, row.destination));
         if (!row.registers) {
             EXPECT_EQ(chain, nullptr);  // the pair was served before the chain was built
@@ -365,16 +184,72 @@ TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
             EXPECT_TRUE(IsExactly(first, row.first.cls)) << typeid(first).name() << " for " << row.first.cls;
         }
 
-        const Area area{kWidth - 4, kHeight - 2, 3, kFlagSets[k++ % 5]};
+        // An area inside the frame, and whole frames of odd heights: the
+        // line after an odd-height intermediate frame (which a replicating
+        // second stage reads) is a copy of line height - 2 (line 0 at height
+        // 1), so the last output row takes the colours of the row above.
         const auto source = SourceFrame(*chain, 1000 + row.order);
-        std::vector<unsigned char> intermediate(first.GetDestinationByteSize(kWidth * kHeight) + 256, kPoison);
-        first.Convert(gains, source.data(), kWidth, kHeight, intermediate.data(), kWidth, kHeight, kWidth, kHeight,
-                      area.flags, 0);
-        std::vector<unsigned char> byHand(DestinationBytes(*chain, kWidth, kHeight, area.padding), kPoison);
-        second.Convert(intermediate.data(), kWidth, kHeight, byHand.data(), kWidth, kHeight, area.width,
-                       area.height, area.flags, area.padding);
-        const auto chained = ConvertArea(*chain, source, area, &gains);
-        EXPECT_EQ(chained, byHand);
-        EXPECT_NE(chained, std::vector<unsigned char>(chained.size(), kPoison));
+        const std::uint32_t flags = kFlagSets[k++ % 5];
+        for (std::uint32_t h : {kHeight, 5u, 1u}) {
+            const zotest::Area area{kWidth, h, kWidth, h, kWidth - (h == kHeight ? 4 : 0),
+                                    h == kHeight ? h - 2 : h, flags, 3};
+            const std::size_t line = first.GetDestinationByteSize(kWidth);
+            std::vector<unsigned char> intermediate(line * (h + 1) + 256, kPoison);
+            first.Convert(gains, source.data(), kWidth, h, intermediate.data(), kWidth, h, kWidth, h, flags, 0);
+            std::memcpy(&intermediate[line * h], &intermediate[line * (h >= 2 ? h - 2 : 0)], line);
+            const auto chained = ConvertArea(*chain, source, area, &gains);
+            EXPECT_EQ(chained, ConvertArea(second, intermediate, area, nullptr)) << "height " << h;
+            EXPECT_NE(chained, std::vector<unsigned char>(chained.size(), kPoison));
+            // The output depends on this call's input alone: not on what an
+            // earlier, taller frame (above, or another here) left behind, on
+            // this thread or another.
+            std::vector<unsigned char> again;
+            const zotest::Area whole{kWidth, kHeight, kWidth, kHeight, kWidth, kHeight, flags, 0};
+            std::thread([&] {
+                ConvertArea(*chain, SourceFrame(*chain, row.order), whole, nullptr);
+                again = ConvertArea(*chain, source, area, &gains);
+            }).join();
+            EXPECT_EQ(again, chained) << "height " << h << " after another frame";
+        }
+    }
+}
+
+TEST(ChainFrame, SizesInSixtyFourBitsAndRefusesFramesItCannotHold)
+{
+    const struct {
+        std::uint32_t pixel, width;
+        std::uint64_t lines, bytes;  // bytes 0: does not fit
+    } sizes[] = {
+        {3, 65536, 21845, 4294901760u},       // just below 4 GiB
+        {3, 65536, 21846, 0},                 // 4 GiB + 131072: wraps to 131072 in 32 bits
+        {3, 65536, 21847, 0},                 // the frame of 21846 lines with its extra line
+        {6, 4096, 3001, 6ull * 4096 * 3001},  // an ordinary frame
+        {4, 0x40000000u, 1, 0},               // one line beyond 4 GiB
+        {1, 1, 0x100000000ull, 0},            // more lines than 32 bits count
+    };
+    for (const auto& c : sizes) {
+        std::uint64_t bytes = 12345;
+        EXPECT_EQ(zo::ChainFrameBytes(c.pixel, c.width, c.lines, &bytes), c.bytes != 0) << c.pixel << " x " << c.width;
+        EXPECT_EQ(bytes, c.bytes ? c.bytes : 12345u);
+    }
+    std::uint64_t bytes = 1;
+    EXPECT_TRUE(zo::ChainFrameBytes(0, 5, 7, &bytes));
+    EXPECT_EQ(bytes, 0u);
+
+    // A conversion that would need such a frame, or reach outside the source
+    // frame, reads and writes nothing: tiny buffers stand for the frames.
+    const ZoPixelConverter& planar = ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
+    ASSERT_NE(dynamic_cast<const ZoComplexConverter*>(&planar), nullptr);
+    std::vector<unsigned char> source(64, 7), destination(256, kPoison);
+    const std::uint32_t refused[][4] = {
+        {65536, 21846, 65536, 21846},  // a line-scan frame: 3 x 65536 x 21846 bytes in between
+        {65536, 21845, 65536, 21845},  // its extra line takes it past 4 GiB - 1
+        {4, 3, 5, 3},                  // wider than the source frame
+        {4, 3, 4, 4},                  // taller than the source frame
+    };
+    for (const auto& c : refused) {
+        EXPECT_EQ(planar.Convert(source.data(), c[0], c[1], destination.data(), c[0], c[1], c[2], c[3], 0, 0),
+                  ZO_ERR_BAD_ARGUMENT);
+        EXPECT_EQ(destination, std::vector<unsigned char>(256, kPoison));
     }
 }

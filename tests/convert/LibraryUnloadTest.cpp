@@ -18,34 +18,20 @@
 
 namespace {
 
-// The types of the functions looked up, taken from their declarations: a
-// call through a pointer of any other type (even one naming look-alike
-// handle structs) is undefined, and UndefinedBehaviorSanitizer's function
-// check stops on it.
-using HasConverterFn = decltype(&ZoPixelTypeFactory_HasConverter);
-using GetConverterFn = decltype(&ZoPixelTypeFactory_GetConverter);
-using FilterInitFn = decltype(&ZoRGBFilter_Init);
-using FilterDestroyFn = decltype(&ZoRGBFilter_Destroy);
-using FilterSetFn = decltype(&ZoRGBFilter_SetMultipliers);
-using ConvertAreaFilterFn = decltype(&ZoPixelConverter_ConvertAreaFilter);
-
-template <class F>
-F Symbol(void* library, const char* name)
-{
-    return reinterpret_cast<F>(dlsym(library, name));
-}
-
 // Whether the library's file is mapped into this process.
 bool Mapped(const std::string& path)
 {
-    const std::string name = path.substr(path.find_last_of('/') + 1);
     std::ifstream maps("/proc/self/maps");
-    std::string line;
-    while (std::getline(maps, line))
-        if (line.find(name) != std::string::npos)
+    for (std::string line; std::getline(maps, line);)
+        if (line.find(path.substr(path.find_last_of('/') + 1)) != std::string::npos)
             return true;
     return false;
 }
+
+// Looks a function up with the type of its declaration: a call through a
+// pointer of any other type (even one naming look-alike handle structs) is
+// undefined, and UndefinedBehaviorSanitizer's function check stops on it.
+#define ZO_SYMBOL(library, name) reinterpret_cast<decltype(&name)>(dlsym(library, #name))
 
 // One load: start-up registers everything, a chained conversion runs through
 // the flat functions (context records, default filters, chain buffer), and
@@ -56,24 +42,24 @@ std::uint64_t LoadConvertUnload(const char* path)
     EXPECT_NE(library, nullptr) << dlerror();
     if (!library)
         return 0;
-    auto hasConverter = Symbol<HasConverterFn>(library, "ZoPixelTypeFactory_HasConverter");
-    auto getConverter = Symbol<GetConverterFn>(library, "ZoPixelTypeFactory_GetConverter");
-    auto filterInit = Symbol<FilterInitFn>(library, "ZoRGBFilter_Init");
-    auto filterDestroy = Symbol<FilterDestroyFn>(library, "ZoRGBFilter_Destroy");
-    auto filterSet = Symbol<FilterSetFn>(library, "ZoRGBFilter_SetMultipliers");
-    auto convert = Symbol<ConvertAreaFilterFn>(library, "ZoPixelConverter_ConvertAreaFilter");
+    auto hasConverter = ZO_SYMBOL(library, ZoPixelTypeFactory_HasConverter);
+    auto getConverter = ZO_SYMBOL(library, ZoPixelTypeFactory_GetConverter);
+    auto filterInit = ZO_SYMBOL(library, ZoRGBFilter_Init);
+    auto filterDestroy = ZO_SYMBOL(library, ZoRGBFilter_Destroy);
+    auto filterSet = ZO_SYMBOL(library, ZoRGBFilter_SetMultipliers);
+    auto convert = ZO_SYMBOL(library, ZoPixelConverter_ConvertAreaFilter);
     std::uint64_t sum = 0;
     if (hasConverter && getConverter && filterInit && filterDestroy && filterSet && convert) {
         const int64_t source = ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, destination = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
         EXPECT_TRUE(hasConverter(ZO_PT_GRAY8, ZO_PT_GRAY8));
         EXPECT_TRUE(hasConverter(source, destination));
-        const ZoPixelConverter* chain = getConverter(source, destination);
         ZoRGBFilter* filter = filterInit(16);
         filterSet(filter, 0.9, 1.1, 0.7, 0, 0, 0);
         std::vector<unsigned char> in(32 * 8 * 2 + 64), out(32 * 8 * 3 + 64);
         for (std::size_t i = 0; i < in.size(); ++i)
             in[i] = static_cast<unsigned char>(i * 7);
-        EXPECT_EQ(convert(chain, filter, in.data(), 32, 8, out.data(), 32, 8, 32, 8, 0, 0), 0u);
+        EXPECT_EQ(convert(getConverter(source, destination), filter, in.data(), 32, 8, out.data(), 32, 8, 32, 8, 0, 0),
+                  0u);
         filterDestroy(filter);
         for (unsigned char b : out)
             sum = sum * 31 + b;

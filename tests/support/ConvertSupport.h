@@ -10,6 +10,8 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <fstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -141,6 +143,29 @@ std::vector<int> CountThreadMismatches(int threads, int rounds, Body body)
     for (auto& th : pool)
         th.join();
     return mismatches;
+}
+
+// The rows of a data file, `fields` fields each: lines that are empty or
+// start with '#' are skipped, the last field takes the rest of the line
+// (commas included). No rows when the file is missing.
+inline std::vector<std::vector<std::string>> CsvRows(const char* path, std::size_t fields)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::ifstream in(path);
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::vector<std::string> row;
+        std::size_t start = 0;
+        for (std::size_t comma; row.size() + 1 < fields && (comma = line.find(',', start)) != std::string::npos;
+             start = comma + 1)
+            row.push_back(line.substr(start, comma - start));
+        row.push_back(line.substr(start));
+        rows.push_back(row);
+    }
+    return rows;
 }
 
 }  // namespace zotest
