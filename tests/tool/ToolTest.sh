@@ -69,46 +69,33 @@ frame wp.raw $(repeat 24 255)
 frame red16.raw 0 248
 head -c 64 /dev/zero > z64.raw
 
-# ---- Converted bytes: input | arguments | the bytes expected (evaluated).
-# Odd heights in replicating mode give the last row the colours of the row
-# above, directly and through chains (Bayer first, or packed first). ----
-while IFS='|' read -r in args expected; do
-    rm -f x.raw
-    eval "\"\$zoimg\" convert $args $in x.raw" 2> err.txt || { fail "$args: $(cat err.txt)"; continue; }
+# ---- Converted bytes: arguments (IN and OUT last) | the bytes of OUT
+# (evaluated; "!" first: any bytes but those). Odd heights in replicating
+# mode give the last row the colours of the row above, directly and through
+# chains (Bayer first, or packed first, whose rows above are the library's). ----
+while IFS='|' read -r args expected; do
+    eval "\"\$zoimg\" convert $args" 2> err.txt || { fail "$args: $(cat err.txt)"; continue; }
     eval "expected=\"$expected\""
-    [[ $(bytes x.raw) == "$expected" ]] || fail "$args $in: $(bytes x.raw)"
+    got=$(bytes "${args##* }")
+    [[ $expected == !* && $got != "${expected#!}" || $got == "$expected" ]] || fail "$args: $got"
 done <<'END'
-gray.raw|--from "grayscale 8-BITS" --to 0x10001 --width 5 --height 3|${gray[*]}
-gray.raw|--from Gray8 --to 0x20002 --width 5 --height 3|${gray3[*]}
-b4.raw|--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg|$(repeat 16 '200 100 50')
-b4.raw|--from 0x20010 --to BGR24 --width 4 --height 4 --flags bayer-grbg|$(repeat 16 '50 100 200')
-b4.raw|--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg --gains 0.5,1,1|$(repeat 16 '100 100 50')
-b5.raw|--from BayerRGB8 --to RGB24 --width 4 --height 5 --flags bayer-grbg|$(repeat 20 '200 100 50')
-b5.raw|--from BayerRGB8 --to 0x820002 --width 4 --height 5 --flags bayer-grbg|$(repeat 20 200) $(repeat 20 100) $(repeat 20 50)
-p5.raw|--from 0x420012 --to RGB24 --width 4 --height 5 --flags bayer-grbg|$(repeat 20 '200 100 50')
-w12.raw|--from BayerRGB12 --to RGB48 --width 4 --height 4 --flags bayer-grbg|$(repeat 48 '255 15')
-red16.raw|--from 0x20001 --to RGB24 --width 1 --height 1|0 0 248
+--from "grayscale 8-BITS" --to 0x10001 --width 5 --height 3 gray.raw copy.raw|${gray[*]}
+--from Gray8 --to ZoGrayscale8 --width 5 --height 3 gray.raw copy.pgm|80 53 10 53 32 51 10 50 53 53 10 ${gray[*]}
+--from Gray8 --to 0x20002 --width 5 --height 3 gray.raw rgb.raw|${gray3[*]}
+--from Gray8 --to RGB24 --width 5 --height 3 gray.raw rgb.ppm|80 54 10 53 32 51 10 50 53 53 10 ${gray3[*]}
+--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg b4.raw grbg.raw|$(repeat 16 '200 100 50')
+--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags 0x80 b4.raw bggr.raw|!$(bytes grbg.raw)
+--from 0x20010 --to BGR24 --width 4 --height 4 --flags bayer-grbg b4.raw bgr.raw|$(repeat 16 '50 100 200')
+--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg --gains 0.5,1,1 b4.raw gain.raw|$(repeat 16 '100 100 50')
+--from BayerRGB8 --to RGB24 --width 4 --height 8 --flags bayer-rggb b8.raw rggb.raw|!$(repeat 32 '200 100 50')
+--from BayerRG8 --to RGB24 --width 4 --height 8 b8.raw pfnc.raw|$(bytes rggb.raw)
+--from BayerRGB8 --to RGB24 --width 4 --height 5 --flags bayer-grbg b5.raw odd.raw|$(repeat 20 '200 100 50')
+--from BayerRGB8 --to 0x820002 --width 4 --height 5 --flags bayer-grbg b5.raw planar.raw|$(repeat 20 200) $(repeat 20 100) $(repeat 20 50)
+--from 0x420012 --to RGB24 --width 4 --height 5 --flags bayer-grbg p5.raw podd.raw|$(repeat 20 '200 100 50')
+--from 0x420012 --to RGB24 --width 4 --height 4 --flags bayer-grbg p4.raw peven.raw|$(head -c 48 podd.raw > podd4.raw; bytes podd4.raw)
+--from BayerRGB12 --to RGB48 --width 4 --height 4 --flags bayer-grbg w12.raw w48.raw|$(repeat 48 '255 15')
+--from 0x20001 --to RGB24 --width 1 --height 1 red16.raw red24.raw|0 0 248
 END
-# Conversions that must give the same bytes (=) or different ones (!=).
-while IFS='|' read -r op a b; do
-    "$zoimg" convert $a 2> /dev/null && "$zoimg" convert $b 2> /dev/null || { fail "$a / $b"; continue; }
-    if cmp -s "${a##* }" "${b##* }"; then [[ $op == "=" ]] || fail "$a and $b: the same bytes"
-    else [[ $op == "!=" ]] || fail "$a and $b differ"; fi
-done <<'END'
-!=|--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags 0x80 b4.raw bggr.raw|--from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg b4.raw grbg.raw
-=|--from BayerRG8 --to RGB24 --width 4 --height 8 b8.raw pfnc.raw|--from BayerRGB8 --to RGB24 --width 4 --height 8 --flags bayer-rggb b8.raw rggb.raw
-END
-# The odd-height chain: the rows above the last are the library's own.
-"$zoimg" convert --from 0x420012 --to RGB24 --width 4 --height 5 --flags bayer-grbg p5.raw podd.raw 2> /dev/null
-"$zoimg" convert --from 0x420012 --to RGB24 --width 4 --height 4 --flags bayer-grbg p4.raw peven.raw 2> /dev/null
-cmp -s peven.raw <(head -c 48 podd.raw) || fail "odd-height chain: rows above the last differ from the library's"
-# Images: the PGM and PPM bytes of gray.
-"$zoimg" convert --from Gray8 --to ZoGrayscale8 --width 5 --height 3 gray.raw copy.pgm 2> /dev/null
-[[ $(head -c 11 copy.pgm | tr '\n' ' ') == "P5 5 3 255 " ]] || fail "PGM header: $(head -c 11 copy.pgm)"
-[[ $(tail -c 15 copy.pgm > pixels.raw && bytes pixels.raw) == "${gray[*]}" ]] || fail "PGM pixels"
-"$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 3 gray.raw rgb.ppm 2> /dev/null
-[[ $(tail -c 45 rgb.ppm > rgb.raw && bytes rgb.raw) == "${gray3[*]}" ]] ||
-    fail "gray to RGB24 PPM: $(bytes rgb.raw)"
 
 # ---- 16-bit images: scaled to the full range, sBIT = significant bits. ----
 while IFS='|' read -r expected args; do
@@ -127,9 +114,10 @@ done <<'END'
 16 10 1023|--from 0x410002 --to Gray10 wp.raw
 END
 
-# ---- Command lines that cannot be carried out, contradictions, bad input:
-# exit status | text on stderr | arguments. Nothing is written to x.*, and
-# no progress line goes to a stderr that is no terminal. ----
+# ---- Messages: exit status | text on stderr (!text: must not appear) |
+# arguments. Command lines that cannot be carried out, contradictions and bad
+# input write nothing to x.*; warnings and notes come with the conversion
+# done. No progress line goes to a stderr that is no terminal. ----
 frame g1.raw $(seq 0 19)
 frame g2.raw $(seq 100 119)
 frame g3.raw $(seq 200 219)
@@ -141,8 +129,9 @@ while IFS='|' read -r code text args; do
     status=0
     eval "\"\$zoimg\" $args" > out.txt 2> err.txt || status=$?
     [[ $status -eq $code ]] || fail "$args exited $status, expected $code: $(cat err.txt)"
-    grep -qF -- "$text" err.txt || fail "$args: no '$text' in: $(cat err.txt)"
-    [[ ! -e x.raw && ! -e x.jpg && ! -e x.png ]] || fail "'$args' wrote its output"
+    if [[ $text == !* ]]; then ! grep -qF -- "${text#!}" err.txt || fail "$args: said '${text#!}'"
+    else grep -qF -- "$text" err.txt || fail "$args: no '$text' in: $(cat err.txt)"; fi
+    [[ $code -eq 0 || ! -e x.raw && ! -e x.jpg && ! -e x.png ]] || fail "'$args' wrote its output"
     [[ $(tr -dc '\r' < err.txt | wc -c) -eq 0 ]] || fail "$args: a progress line on a stderr that is no terminal"
 done <<'END'
 2|unknown pixel type 'NoSuchType'|convert --from NoSuchType --to RGB24 --width 5 --height 3 gray.raw x.raw
@@ -167,27 +156,15 @@ done <<'END'
 1|0x00440003 (YUV 8-bits 4:4:4, Packed) is the source of no conversion; the nearest IDs that have converters are 0x00040003|convert --width 4 --height 8 --from 0x440003 --to RGB24 b8.raw x.raw
 1|frame of Bayer RGB 8-bits takes 32 (4 a line), so 2 frames take 64|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --frames 2 b8.raw x.raw
 1|no whole number of frames|convert --from Gray8 --to RGB24 --width 5 --height 4 - y.raw < g123b.raw
-END
-
-# ---- Warnings and notes on stderr, with the conversion carried out:
-# expected text (or !text: must not appear) | arguments. ----
-while IFS='|' read -r text args; do
-    eval "\"\$zoimg\" convert --width 4 --height 8 $args" 2> err.txt || { fail "$args: $(cat err.txt)"; continue; }
-    if [[ $text == !* ]]; then
-        if grep -qF -- "${text#!}" err.txt; then fail "$args: said '${text#!}'"; fi
-    else
-        grep -qF -- "$text" err.txt || fail "$args: no '$text' in: $(cat err.txt)"
-    fi
-done <<'END'
-reads 0x00020010 as GRBG, its default|--from BayerRGB8 --to RGB24 b8.raw x.raw
-reads 0x00020013 as RGGB, its default|--from 0x20013 --to RGB24 b8.raw x.raw
-reads 0x00020014 as GRBG|--from 0x20014 --to RGB24 z64.raw x.raw
-!no Bayer pattern given|--from BayerRGB8 --to RGB24 --flags bayer-rggb b8.raw x.raw
-!no Bayer pattern given|--from BayerRG8 --to RGB24 --flags bayer-rggb b8.raw x.raw
---gains do nothing here: ZoGrayscale8ToRGB24 applies no filter|--from Gray8 --to RGB24 --gains 2,1,1 b8.raw x.raw
-!--gains do nothing|--from BayerRGB8 --to RGB24 --flags bayer-grbg --gains 2,1,1 b8.raw x.raw
-Bayer pattern and interpolate flags do nothing|--from Gray8 --to RGB24 --flags interpolate b8.raw x.raw
-wrote x.raw: 4 x 8 RGB 24-bits in |--from BayerRGB8 --to RGB24 --flags bayer-grbg b8.raw x.raw
+0|reads 0x00020010 as GRBG, its default|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 b8.raw x.raw
+0|reads 0x00020013 as RGGB, its default|convert --width 4 --height 8 --from 0x20013 --to RGB24 b8.raw x.raw
+0|reads 0x00020014 as GRBG|convert --width 4 --height 8 --from 0x20014 --to RGB24 z64.raw x.raw
+0|!no Bayer pattern given|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-rggb b8.raw x.raw
+0|!no Bayer pattern given|convert --width 4 --height 8 --from BayerRG8 --to RGB24 --flags bayer-rggb b8.raw x.raw
+0|--gains do nothing here: ZoGrayscale8ToRGB24 applies no filter|convert --width 4 --height 8 --from Gray8 --to RGB24 --gains 2,1,1 b8.raw x.raw
+0|!--gains do nothing|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg --gains 2,1,1 b8.raw x.raw
+0|Bayer pattern and interpolate flags do nothing|convert --width 4 --height 8 --from Gray8 --to RGB24 --flags interpolate b8.raw x.raw
+0|wrote x.raw: 4 x 8 RGB 24-bits in |convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg b8.raw x.raw
 END
 
 # ---- Standard input and output, several frames, numbered images, progress ----
