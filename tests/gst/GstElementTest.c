@@ -17,15 +17,8 @@
 
 static int failures = 0, frames_compared = 0;
 
-#define CHECK(cond, ...)                                   \
-  do {                                                     \
-    if (!(cond)) {                                         \
-      fprintf (stderr, "FAIL %s:%d: ", __FILE__, __LINE__); \
-      fprintf (stderr, __VA_ARGS__);                       \
-      fprintf (stderr, "\n");                              \
-      failures++;                                          \
-    }                                                      \
-  } while (0)
+#define CHECK(cond, ...) do { if (!(cond)) { fprintf (stderr, "FAIL %s:%d: ", __FILE__, __LINE__); \
+      fprintf (stderr, __VA_ARGS__); fputc ('\n', stderr); failures++; } } while (0)
 
 /* An odd height: half of 21 lines rounds up to an odd count, and two threads
  * must still split on a line pair. At the even width the PFNC packed lines
@@ -181,16 +174,17 @@ pull (GstElement * pipeline, const char *name)
 
 /* `frames` in GStreamer's layout pushed through appsrc with caps `in`, into
  * `out`; each output compared, line by line through its own strides, with
- * `expected` (lines of `line` bytes). */
+ * `expected` (lines of `line` bytes). The element passes buffers through
+ * when the raw format stays (GRAY8 to GRAY8), and only then. */
 static void
 check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *out, guint height,
     guint8 ** expected, gsize line, const Gains * gains, guint threads, gboolean interpolate)
 {
   char description[1024];
-  GstElement *pipeline, *src;
+  GstElement *pipeline, *src, *conv;
   guint f, i;
 
-  g_snprintf (description, sizeof description, "appsrc name=src format=time caps=\"%s\" ! zoimgconvert threads=%u "
+  g_snprintf (description, sizeof description, "appsrc name=src format=time caps=\"%s\" ! zoimgconvert name=conv threads=%u "
       "interpolate=%s red-gain=%g green-gain=%g blue-gain=%g ! video/x-raw,format=%s ! appsink name=sink sync=false",
       in, threads, interpolate ? "true" : "false", gains->red, gains->green, gains->blue, out);
   if ((pipeline = launch (description)) == NULL)
@@ -228,6 +222,11 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
     gst_sample_unref (s);
   }
   finish (pipeline, description);
+  conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
+  CHECK (gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)) == g_str_has_prefix (in, "video/x-raw,format="
+          "GRAY8,") * g_str_equal (out, "GRAY8"), "%s: passthrough %d", description,
+      gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)));
+  gst_object_unref (conv);
   gst_object_unref (src);
   stop (pipeline);
 }
@@ -362,7 +361,7 @@ check_negotiation (void)
     { "video/x-raw,format=GRAY8", "BGRx RGBx BGR RGB RGB16 GRAY8 " },
     { "video/x-raw,format=GRAY16_LE", "BGRx RGBx BGR RGB RGB16 GRAY16_LE GRAY8 " },
   };
-  guint c, i, k;
+  guint c, k;
 
   for (c = 0; c < G_N_ELEMENTS (cases); c++) {
     char description[512];
@@ -381,12 +380,8 @@ check_negotiation (void)
     caps = gst_pad_query_caps (pad, NULL);
     for (k = 0; k < G_N_ELEMENTS (all); k++) {
       GstCaps *one = gst_caps_new_simple ("video/x-raw", "format", G_TYPE_STRING, all[k], NULL);
-      for (i = 0; i < gst_caps_get_size (caps); i++) {
-        if (gst_structure_can_intersect (gst_caps_get_structure (caps, i), gst_caps_get_structure (one, 0))) {
-          g_string_append_printf (names, "%s ", all[k]);
-          break;
-        }
-      }
+      if (gst_caps_can_intersect (caps, one))
+        g_string_append_printf (names, "%s ", all[k]);
       gst_caps_unref (one);
     }
     CHECK (strcmp (names->str, cases[c].formats) == 0, "%s offers '%s', expected '%s'", cases[c].caps, names->str,
@@ -396,29 +391,6 @@ check_negotiation (void)
     gst_object_unref (pad);
     gst_object_unref (conv);
     gst_object_unref (pipeline);
-  }
-}
-
-/* GRAY8 to GRAY8 puts the element in passthrough mode; GRAY16_LE to GRAY8
- * does not. */
-static void
-check_passthrough (void)
-{
-  guint f;
-  for (f = 0; f < 2; f++) {
-    const char *in = f == 0 ? "GRAY8" : "GRAY16_LE";
-    char description[512];
-    GstElement *pipeline, *conv;
-    g_snprintf (description, sizeof description, "videotestsrc num-buffers=1 ! video/x-raw,format=%s,width=%u,"
-        "height=%u ! zoimgconvert name=conv ! video/x-raw,format=GRAY8 ! fakesink", in, ODD_W, HEIGHT);
-    if ((pipeline = launch (description)) == NULL)
-      continue;
-    conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
-    finish (pipeline, description);
-    CHECK (gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)) == (f == 0), "%s to GRAY8: passthrough %d",
-        in, gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)));
-    gst_object_unref (conv);
-    stop (pipeline);
   }
 }
 
@@ -432,7 +404,6 @@ main (int argc, char **argv)
     return 1;
   }
   check_negotiation ();
-  check_passthrough ();
   for (k = 0; k < G_N_ELEMENTS (kCases); k++) {
     check_case (k, ODD_W);
     check_case (k, EVEN_W);
