@@ -10,14 +10,8 @@
 
 static int failures = 0;
 
-#define CHECK(condition)                                                   \
-    do {                                                                   \
-        if (!(condition)) {                                                \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
-                    #condition);                                           \
-            ++failures;                                                    \
-        }                                                                  \
-    } while (0)
+#define CHECK(condition) \
+    do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++failures; } } while (0)
 
 static void Names(void)
 {
@@ -91,31 +85,23 @@ static void NullHandles(void)
     unsigned char byte = 0x5A;
     int64_t id = 99;
     CHECK(ZoPixelType_GetTypeID(NULL) == 4294967295LL); /* only the low 32 bits set, not -1 */
-    CHECK(ZoPixelType_GetPixelBitSize(NULL) == 0);
-    CHECK(ZoPixelType_GetPixelByteSize(NULL) == 0);
-    CHECK(!ZoPixelType_IsBayerPattern(NULL));
-    CHECK(ZoPixelType_GetBufferSizeFor(NULL, 640, 480) == 0);
+    CHECK(ZoPixelType_GetPixelBitSize(NULL) == 0 && ZoPixelType_GetPixelByteSize(NULL) == 0);
+    CHECK(!ZoPixelType_IsBayerPattern(NULL) && ZoPixelType_GetBufferSizeFor(NULL, 640, 480) == 0);
     CHECK(ZoPixelType_Clone(NULL) == NULL);
     CHECK(!ZoPixelType_HasConverterTo(NULL, gray) && !ZoPixelType_HasConverterTo(gray, NULL));
     CHECK(!ZoPixelType_HasConverterFrom(NULL, gray) && !ZoPixelType_HasConverterFrom(gray, NULL));
     CHECK(ZoPixelType_GetConverterTo(NULL, gray) == NULL && ZoPixelType_GetConverterTo(gray, NULL) == NULL);
     CHECK(ZoPixelType_GetConverterFrom(NULL, gray) == NULL && ZoPixelType_GetConverterFrom(gray, NULL) == NULL);
     ZoPixelType_Destroy(NULL);
-    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, ZO_PT_GRAY8, NULL));
-    CHECK(!ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, NULL));
+    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, ZO_PT_GRAY8, NULL) && !ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, NULL));
     CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, 0x7700000002LL, &id) && id == 99);
     CHECK(ZoPixelTypeFactory_GetConverter(0x7700000002LL, ZO_PT_GRAY8) == NULL);
-
-    CHECK(ZoPixelConverter_GetSourceType(NULL) == 0);
-    CHECK(ZoPixelConverter_GetDestinationType(NULL) == 0);
-    CHECK(ZoPixelConverter_GetSourceByteSize(NULL, 10) == 0);
-    CHECK(ZoPixelConverter_GetDestinationByteSize(NULL, 10) == 0);
+    CHECK(ZoPixelConverter_GetSourceType(NULL) == 0 && ZoPixelConverter_GetDestinationType(NULL) == 0);
+    CHECK(ZoPixelConverter_GetSourceByteSize(NULL, 10) == 0 && ZoPixelConverter_GetDestinationByteSize(NULL, 10) == 0);
     CHECK(ZoPixelConverter_ConvertPixel(NULL, &byte, &byte) == ZO_ERR_BAD_ARGUMENT);
     CHECK(ZoPixelConverter_ConvertLine(NULL, &byte, &byte, 1) == ZO_ERR_BAD_ARGUMENT);
-    CHECK(ZoPixelConverter_ConvertArea(NULL, &byte, 1, 1, &byte, 1, 1, 1, 1, 0, 0) == 18);
-    CHECK(byte == 0x5A);
-    CHECK(ZoRGBFilter_GetBitSize(NULL) == 0);
-    CHECK(ZoRGBFilter_GetRedValue8(NULL, 3) == 0);
+    CHECK(ZoPixelConverter_ConvertArea(NULL, &byte, 1, 1, &byte, 1, 1, 1, 1, 0, 0) == 18 && byte == 0x5A);
+    CHECK(ZoRGBFilter_GetBitSize(NULL) == 0 && ZoRGBFilter_GetRedValue8(NULL, 3) == 0);
     CHECK(ZoRGBFilter_SetMultipliers(NULL, 1, 1, 1, 0, 0, 0) == 18);
     ZoRGBFilter_Destroy(NULL);
     ZoPixelType_Destroy(gray);
@@ -133,10 +119,8 @@ static void Conversions(void)
     CHECK(identity != NULL);
     CHECK(ZoPixelType_HasConverterTo(gray, gray));
     CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity && ZoPixelType_GetConverterFrom(gray, gray) == identity);
-    CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8);
-    CHECK(ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
-    CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7);
-    CHECK(ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
+    CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8 && ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
+    CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7 && ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
 
     memset(out, 0xEE, sizeof out);
     CHECK(ZoPixelConverter_ConvertLine(identity, line, out, 7) == ZO_OK);

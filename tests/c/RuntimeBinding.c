@@ -50,13 +50,8 @@ typedef uint32_t (*PfncFromPixelTypeFn)(int64_t typeId, uint32_t flags, const ch
 
 static int gFailures = 0;
 
-#define CHECK(condition)                                                                  \
-    do {                                                                                  \
-        if (!(condition)) {                                                               \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); \
-            ++gFailures;                                                                  \
-        }                                                                                 \
-    } while (0)
+#define CHECK(condition) \
+    do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++gFailures; } } while (0)
 
 static Library gLibrary;
 
