@@ -16,6 +16,7 @@ bytes() { od -An -tu1 -v "$1" | tr -s ' \n' ' ' | sed 's/^ //; s/ $//'; }
 # frame FILE BYTE...: writes the bytes to FILE.
 frame() { local f=$1; shift; printf "$(printf '\\%03o' "$@")" > "$f"; }
 repeat() { local n=$1 v=$2 out=(); for ((i = 0; i < n; i++)); do out+=("$v"); done; echo "${out[@]}"; }
+t3() { local out=(); for v; do out+=("$v" "$v" "$v"); done; echo "${out[@]}"; }  # each value three times
 img=png; [[ $probe != - ]] || img=ppm
 
 # ---- Listings: the catalogue (121 rows; spaces squeezed in types1.txt), the
@@ -55,8 +56,7 @@ END
 # 12-bit packed GRBG, groups (A, B) = (G, R) on even lines and (B, G) on odd
 # ones with G 0x640, R 0xC80, B 0x320; white 12-bit Bayer (4095) in words
 # and in the normalized layout; full-scale packed samples; RGB16 pure red. ----
-gray=(0 1 2 3 4 100 101 102 103 104 250 251 252 253 255) gray3=()
-for v in "${gray[@]}"; do gray3+=("$v" "$v" "$v"); done
+gray=(0 1 2 3 4 100 101 102 103 104 250 251 252 253 255)
 frame gray.raw "${gray[@]}"
 frame b8.raw $(repeat 4 '100 200 100 200 50 100 50 100')
 head -c 16 b8.raw > b4.raw
@@ -68,6 +68,11 @@ frame w12n.raw $(repeat 16 '240 255')
 frame wp.raw $(repeat 24 255)
 frame red16.raw 0 248
 head -c 64 /dev/zero > z64.raw
+frame g1.raw $(seq 0 19)
+frame g2.raw $(seq 100 119)
+frame g3.raw $(seq 200 219)
+cat g1.raw g2.raw g3.raw > g123.raw
+cat g123.raw z64.raw > g123b.raw
 
 # ---- Converted bytes: arguments (IN and OUT last) | the bytes of OUT
 # (evaluated; "!" first: any bytes but those). Odd heights in replicating
@@ -81,8 +86,8 @@ while IFS='|' read -r args expected; do
 done <<'END'
 --from "grayscale 8-BITS" --to 0x10001 --width 5 --height 3 gray.raw copy.raw|${gray[*]}
 --from Gray8 --to ZoGrayscale8 --width 5 --height 3 gray.raw copy.pgm|80 53 10 53 32 51 10 50 53 53 10 ${gray[*]}
---from Gray8 --to 0x20002 --width 5 --height 3 gray.raw rgb.raw|${gray3[*]}
---from Gray8 --to RGB24 --width 5 --height 3 gray.raw rgb.ppm|80 54 10 53 32 51 10 50 53 53 10 ${gray3[*]}
+--from Gray8 --to 0x20002 --width 5 --height 3 gray.raw rgb.raw|$(t3 ${gray[*]})
+--from Gray8 --to RGB24 --width 5 --height 3 gray.raw rgb.ppm|80 54 10 53 32 51 10 50 53 53 10 $(t3 ${gray[*]})
 --from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg b4.raw grbg.raw|$(repeat 16 '200 100 50')
 --from BayerRGB8 --to RGB24 --width 4 --height 4 --flags 0x80 b4.raw bggr.raw|!$(bytes grbg.raw)
 --from 0x20010 --to BGR24 --width 4 --height 4 --flags bayer-grbg b4.raw bgr.raw|$(repeat 16 '50 100 200')
@@ -95,6 +100,8 @@ done <<'END'
 --from 0x420012 --to RGB24 --width 4 --height 4 --flags bayer-grbg p4.raw peven.raw|$(head -c 48 podd.raw > podd4.raw; bytes podd4.raw)
 --from BayerRGB12 --to RGB48 --width 4 --height 4 --flags bayer-grbg w12.raw w48.raw|$(repeat 48 '255 15')
 --from 0x20001 --to RGB24 --width 1 --height 1 red16.raw red24.raw|0 0 248
+--from Gray8 --to RGB24 --width 5 --height 4 - - < g1.raw > piped.raw|$(t3 $(seq 0 19))
+< <(cat g123.raw) --from Gray8 --to RGB24 --width 5 --height 4 - multi.raw|$(t3 $(seq 0 19) $(seq 100 119) $(seq 200 219))
 END
 
 # ---- 16-bit images: scaled to the full range, sBIT = significant bits. ----
@@ -118,11 +125,6 @@ END
 # arguments. Command lines that cannot be carried out, contradictions and bad
 # input write nothing to x.*; warnings and notes come with the conversion
 # done. No progress line goes to a stderr that is no terminal. ----
-frame g1.raw $(seq 0 19)
-frame g2.raw $(seq 100 119)
-frame g3.raw $(seq 200 219)
-cat g1.raw g2.raw g3.raw > g123.raw
-cat g123.raw z64.raw > g123b.raw
 frame packed.raw 1 2 3 4 5 6
 while IFS='|' read -r code text args; do
     rm -f x.raw x.jpg x.png
@@ -165,20 +167,12 @@ done <<'END'
 0|!--gains do nothing|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg --gains 2,1,1 b8.raw x.raw
 0|Bayer pattern and interpolate flags do nothing|convert --width 4 --height 8 --from Gray8 --to RGB24 --flags interpolate b8.raw x.raw
 0|wrote x.raw: 4 x 8 RGB 24-bits in |convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg b8.raw x.raw
+0|wrote standard output: 5 x 4 RGB 24-bits in |convert --from Gray8 --to RGB24 --width 5 --height 4 - - < g1.raw
+0|wrote y.raw: 3 frames of 5 x 4 RGB 24-bits in |convert < <(cat g123.raw) --from Gray8 --to RGB24 --width 5 --height 4 - y.raw
 END
 
-# ---- Standard input and output, several frames, numbered images, progress ----
-for f in 1 2 3; do
-    "$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 g$f.raw s$f.raw 2> /dev/null
-    "$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 g$f.raw s$f.$img 2> /dev/null
-done
-cat s1.raw s2.raw s3.raw > s123.raw
-"$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 - - < g1.raw > piped.raw 2> err.txt
-cmp -s piped.raw s1.raw || fail "stdin to stdout differs from files"
-grep -q '^wrote standard output: 5 x 4 RGB 24-bits in ' err.txt || fail "stdout summary: $(cat err.txt)"
-cat g123.raw | "$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 - multi.raw 2> err.txt
-cmp -s multi.raw s123.raw || fail "three frames from a pipe as one raw stream"
-grep -q '^wrote multi.raw: 3 frames of 5 x 4 RGB 24-bits in ' err.txt || fail "multi-frame summary: $(cat err.txt)"
+# ---- Several frames as numbered images, one frame from a pipe as one image, progress ----
+for f in 1 2 3; do "$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 g$f.raw s$f.$img 2> /dev/null; done
 "$zoimg" convert --from Gray8 --to RGB24 --width 5 --height 4 --frames 3 --threads 2 g123.raw m.$img 2> err.txt
 for f in 1 2 3; do cmp -s m-000$((f - 1)).$img s$f.$img || fail "frame $f as m-000$((f - 1)).$img"; done
 grep -q "^wrote m-0000.$img ... m-0002.$img: 3 frames of " err.txt || fail "numbered images: $(cat err.txt)"
