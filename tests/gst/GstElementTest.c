@@ -75,21 +75,22 @@ next_random (void)
   return (guint8) (rng_state >> 8);
 }
 
-/* The library's conversion of a frame of tight lines (GetSourceByteSize
- * (source_width) bytes) into tight lines. Generous margins around both
+/* The library's conversion of a frame whose lines lie `stride` bytes apart,
+ * read as lines of GetSourceByteSize (source_width) bytes, into lines of
+ * GetDestinationByteSize (width) bytes. Generous margins around both
  * buffers cover every documented over-read and over-write; the line after
  * the frame, which a replicating conversion of an odd height pairs with the
- * last line, is a copy of line height - 2 (the last line of the same colour
+ * last line, is a copy of line HEIGHT - 2 (the last line of the same colour
  * row), as in the library's chained conversions. */
 static guint8 *
-library_convert (gint64 from, gint64 to, const guint8 * source, guint source_width, guint width, guint height,
+library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, guint source_width, guint width,
     guint32 flags, const Gains * gains)
 {
   const ZoPixelConverter *c = ZoPixelTypeFactory_GetConverter (from, to);
   gsize src_line, dst_line, margin = 256;
   guint8 *src, *dst, *result;
   ZoRGBFilter *filter = NULL;
-  guint32 r;
+  guint32 r, y;
 
   if (c == NULL) {
     CHECK (FALSE, "no converter 0x%llx -> 0x%llx", (long long) from, (long long) to);
@@ -97,33 +98,22 @@ library_convert (gint64 from, gint64 to, const guint8 * source, guint source_wid
   }
   src_line = ZoPixelConverter_GetSourceByteSize (c, source_width);
   dst_line = ZoPixelConverter_GetDestinationByteSize (c, width);
-  src = g_malloc0 (src_line * (height + 2) + margin);
-  memcpy (src, source, src_line * height);
-  memcpy (src + src_line * height, source + src_line * (height - 2), src_line);
-  dst = g_malloc0 (dst_line * (height + 2) + 2 * margin);
+  src = g_malloc0 (src_line * (HEIGHT + 2) + margin);
+  for (y = 0; y <= HEIGHT; y++)
+    memcpy (src + y * src_line, frame + (y < HEIGHT ? y : HEIGHT - 2) * stride, src_line);
+  dst = g_malloc0 (dst_line * (HEIGHT + 2) + 2 * margin);
   if (gains->red != 1.0 || gains->green != 1.0 || gains->blue != 1.0) {
     filter = ZoRGBFilter_Init (16);
     ZoRGBFilter_SetMultipliers (filter, gains->red, gains->green, gains->blue, 0, 0, 0);
   }
-  r = ZoPixelConverter_ConvertAreaFilter (c, filter, src, source_width, height, dst + margin, width, height, width,
-      height, flags, 0);
+  r = ZoPixelConverter_ConvertAreaFilter (c, filter, src, source_width, HEIGHT, dst + margin, width, HEIGHT, width,
+      HEIGHT, flags, 0);
   CHECK (r == 0, "direct conversion answered %u", r);
-  result = g_memdup2 (dst + margin, dst_line * height);
+  result = g_memdup2 (dst + margin, dst_line * HEIGHT);
   ZoRGBFilter_Destroy (filter);
   g_free (src);
   g_free (dst);
   return result;
-}
-
-/* Lines of `line` bytes copied out of a frame with `stride`-byte lines. */
-static guint8 *
-repack (const guint8 * frame, gsize stride, gsize line, guint height)
-{
-  guint8 *out = g_malloc0 (line * height + 1);
-  guint i;
-  for (i = 0; i < height; i++)
-    memcpy (out + i * line, frame + i * stride, line);
-  return out;
 }
 
 static GstElement *
@@ -236,6 +226,7 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
 static void
 rgb2bayer_frames (guint width, guint height, guint8 ** frames)
 {
+  const gsize size = GST_ROUND_UP_4 (width) * height;
   char description[512];
   GstElement *pipeline;
   guint f;
@@ -245,15 +236,11 @@ rgb2bayer_frames (guint width, guint height, guint8 ** frames)
   pipeline = launch (description);
   for (f = 0; f < FRAMES; f++) {
     GstSample *s = pipeline ? pull (pipeline, "sink") : NULL;
-    GstMapInfo map;
-    frames[f] = g_malloc0 (GST_ROUND_UP_4 (width) * height);
-    if (s && gst_buffer_map (gst_sample_get_buffer (s), &map, GST_MAP_READ)) {
-      CHECK (map.size == GST_ROUND_UP_4 (width) * height, "rgb2bayer gave %zu bytes", map.size);
-      memcpy (frames[f], map.data, MIN (map.size, GST_ROUND_UP_4 (width) * height));
-      gst_buffer_unmap (gst_sample_get_buffer (s), &map);
-    } else {
-      CHECK (FALSE, "rgb2bayer: frame %u missing", f);
-    }
+    GstBuffer *b = s ? gst_sample_get_buffer (s) : NULL;
+    frames[f] = g_malloc0 (size);
+    CHECK (b && gst_buffer_get_size (b) == size, "rgb2bayer: frame %u missing or not %zu bytes", f, size);
+    if (b)
+      gst_buffer_extract (b, 0, frames[f], size);
     if (s)
       gst_sample_unref (s);
   }
@@ -277,7 +264,7 @@ check_case (guint k, guint width)
   guint32 flags = kCases[k].flags, packed_flags = 0;
   char caps[256], packed_caps[256], name[32];
   guint f, g, t, i, x, y;
-  gsize line, tight;
+  gsize line;
 
   if (kCases[k].pfnc) {
     CHECK (ZoPfnc_FromName (kCases[k].pfnc, &from, &flags) == 0, "PFNC %s has no library type", kCases[k].pfnc);
@@ -286,7 +273,6 @@ check_case (guint k, guint width)
       CHECK (ZoPfnc_FromName (name, &packed_type, &packed_flags) == 0 && packed_flags == flags, "PFNC %s", name);
   }
   flags |= bayer && kCases[k].interpolate ? 0x100 : 0;
-  tight = ZoPixelConverter_GetSourceByteSize (ZoPixelTypeFactory_GetConverter (from, kCases[k].to), source_width);
   line = ZoPixelConverter_GetDestinationByteSize (ZoPixelTypeFactory_GetConverter (from, kCases[k].to), width);
   g_snprintf (caps, sizeof caps, "%s,width=%u,height=%u,framerate=30/1", kCases[k].caps, width, HEIGHT);
   g_snprintf (packed_caps, sizeof packed_caps, "%.*s12p,width=%u,height=%u,framerate=30/1",
@@ -317,11 +303,10 @@ check_case (guint k, guint width)
   }
   for (g = 0; g < kCases[k].gains; g++) {
     for (f = 0; f < FRAMES; f++) {
-      guint8 *lines = repack (frames[f], stride, tight, HEIGHT);
-      expected[f] = library_convert (from, kCases[k].to, lines, source_width, width, HEIGHT, flags, &kGains[g]);
-      g_free (lines);
+      expected[f] = library_convert (from, kCases[k].to, frames[f], stride, source_width, width, flags, &kGains[g]);
       if (kCases[k].bits == 12 && width % 2 == 0 && g == 0) {
-        guint8 *chain = library_convert (packed_type, kCases[k].to, packed[f], width, width, HEIGHT, flags, &kGains[g]);
+        guint8 *chain = library_convert (packed_type, kCases[k].to, packed[f], packed_stride, width, width, flags,
+            &kGains[g]);
         CHECK (memcmp (chain, expected[f], line * HEIGHT) == 0,
             "library: packed and word frames of the same samples convert differently");
         g_free (chain);
