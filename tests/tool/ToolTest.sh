@@ -208,12 +208,14 @@ done
 # bytes on one thread and in three bands on three threads, which must be the
 # same bytes; and written as an image (or refused with the message that the
 # destination is not one) once for each destination and source depth, which
-# alone choose the image path. Two workers share the sources. ----
-"$zoimg" converters | awk '/^0x/ { if ($1 != last) { k++; last = $1 }; print k % 2, $1, $3 }' > pairs.txt
+# alone choose the image path. One worker a processor (two at least) share
+# the sources. ----
+workers=$(nproc 2> /dev/null || echo 2); ((workers >= 2)) || workers=2
+"$zoimg" converters | awk -v n=$workers '/^0x/ { if ($1 != last) { k++; last = $1 }; print k % n, $1, $3 }' > pairs.txt
 [[ $(wc -l < pairs.txt) -eq 680 ]] || fail "zoimg converters listed $(wc -l < pairs.txt) conversions"
 head -c 65536 /dev/urandom > random.bin
 sed -nE 's/^(0x[0-9A-F]{8}) .* ([0-9]+) +[0-9]+ +(yes|no) +(yes|NONE) .*/\1 \2/p' types.txt > depths.txt
-convert_pairs() {  # WORKER: the pairs of every other source, in directory wWORKER
+convert_pairs() {  # WORKER: the pairs of its share of the sources, in directory wWORKER
     local n=0 size source destination depth lines
     declare -A sizes depths imaged
     while read -r source depth; do depths[$source]=$depth; done < depths.txt
@@ -241,10 +243,9 @@ convert_pairs() {  # WORKER: the pairs of every other source, in directory wWORK
     done < ../pairs.txt
     diff -rq one three > diff.txt || fail "--threads 3 gives other bytes than one thread: $(head -3 diff.txt)"
 }
-convert_pairs 0 & worker0=$!
-convert_pairs 1 & worker1=$!
-wait $worker0 || fail "worker 0 stopped"
-wait $worker1 || fail "worker 1 stopped"
+pids=()
+for ((w = 0; w < workers; w++)); do convert_pairs $w & pids+=($!); done
+for pid in "${pids[@]}"; do wait $pid || fail "a worker stopped"; done
 
 if [[ -e failed ]]; then echo "$(wc -l < failed) checks failed" >&2; exit 1; fi
 echo "zoimg checks passed"
