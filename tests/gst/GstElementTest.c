@@ -92,10 +92,7 @@ library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, gui
   ZoRGBFilter *filter = NULL;
   guint32 r, y;
 
-  if (c == NULL) {
-    CHECK (FALSE, "no converter 0x%llx -> 0x%llx", (long long) from, (long long) to);
-    return g_malloc0 (1);
-  }
+  CHECK (c != NULL, "no converter 0x%llx -> 0x%llx", (long long) from, (long long) to);
   src_line = ZoPixelConverter_GetSourceByteSize (c, source_width);
   dst_line = ZoPixelConverter_GetDestinationByteSize (c, width);
   src = g_malloc0 (src_line * (HEIGHT + 2) + margin);
