@@ -1,40 +1,44 @@
-/* The flat interface used from C: compiled by the C compiler and linked
- * against the shared library only. Exits with the number of failed checks. */
+/* The flat interface and its extension (ZoImgLibC.h, ZoImgLibExt.h) used
+ * from C: compiled by the C compiler as strict C99 and linked against the
+ * shared library only. Exits non-zero when a check fails. */
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 
 #include "ZoImgLibC.h"
+#include "ZoImgLibExt.h"
 
 static int failures = 0;
 
-#define CHECK(condition)                                                   \
-    do {                                                                   \
-        if (!(condition)) {                                                \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
-                    #condition);                                           \
-            ++failures;                                                    \
-        }                                                                  \
-    } while (0)
+#define CHECK(condition) \
+    do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++failures; } } while (0)
 
-static void Names(void)
+/* Names, whether the ID is a type, and buffer sizes (0: no type). */
+static void NamesAndSizes(void)
 {
     static const struct {
         int64_t id;
         const char* name;
-    } kNames[] = {
-        {0x01420011, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
-        {0x02020013, "Bayer RGGB 8-bits, Dual Left Inverted+Right Output (deprecated)"},
-        {0x00040003, "Unregistered pixel type"},
-        {0x7700000001LL, "Unregistered pixel type"},
+        uint32_t width, height, bytes;
+    } kTypes[] = {
+        {0x01420011, "Bayer RGB 10-bits, Packed, Dual Left+Right output", 0, 0, 0},
+        {0x02020013, "Bayer RGGB 8-bits, Dual Left Inverted+Right Output (deprecated)", 0, 0, 0},
+        {ZO_PT_YUV8_444, "Unregistered pixel type", 0, 0, 0}, /* registered only packed */
+        {0x7700000001LL, "Unregistered pixel type", 0, 0, 0},
+        {ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED, "Bayer RGB 12-bits, Packed", 7, 1, 12},
+        {ZO_PT_RGB24, "RGB 24-bits", 3, 1, 12}, /* unpacked 24-bit: 4 bytes a pixel */
+        {ZO_PT_YUV10, "YUV 10-bits 4:2:2", 5, 2, 40},
     };
     size_t i;
-    for (i = 0; i < sizeof kNames / sizeof kNames[0]; ++i) {
-        const char* name = ZoPixelTypeFactory_GetPixelTypeName(kNames[i].id);
-        CHECK(name != NULL && strcmp(name, kNames[i].name) == 0);
+    for (i = 0; i < sizeof kTypes / sizeof kTypes[0]; ++i) {
+        const char* name = ZoPixelTypeFactory_GetPixelTypeName(kTypes[i].id);
+        ZoPixelType* type = ZoPixelTypeFactory_CreatePixelType(kTypes[i].id);
+        const int registered = strcmp(kTypes[i].name, "Unregistered pixel type") != 0;
+        CHECK(name != NULL && strcmp(name, kTypes[i].name) == 0);
+        CHECK(ZoPixelTypeFactory_HasPixelType(kTypes[i].id) == registered && (type != NULL) == registered);
+        CHECK(kTypes[i].bytes == 0 || ZoPixelType_GetBufferSizeFor(type, kTypes[i].width, kTypes[i].height) == kTypes[i].bytes);
+        ZoPixelType_Destroy(type);
     }
-    CHECK(ZoPixelTypeFactory_HasPixelType(ZO_PT_BAYER_RGB8));
-    CHECK(!ZoPixelTypeFactory_HasPixelType(ZO_PT_YUV8_444));
 }
 
 static void AttributeSearch(void)
@@ -61,26 +65,6 @@ static void AttributeSearch(void)
     CHECK(copy != NULL && copy != type && ZoPixelType_GetTypeID(copy) == 0x04610003);
     ZoPixelType_Destroy(copy);
     ZoPixelType_Destroy(type);
-    CHECK(ZoPixelTypeFactory_CreatePixelType(ZO_PT_YUV8_444) == NULL); /* not registered */
-}
-
-static void BufferSizes(void)
-{
-    static const struct {
-        int64_t id;
-        uint32_t width, height, bytes;
-    } kSizes[] = {
-        {ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED, 7, 1, 12},
-        {ZO_PT_RGB24, 3, 1, 12}, /* unpacked 24-bit: 4 bytes a pixel */
-        {ZO_PT_YUV10, 5, 2, 40},
-    };
-    size_t i;
-    for (i = 0; i < sizeof kSizes / sizeof kSizes[0]; ++i) {
-        ZoPixelType* type = ZoPixelTypeFactory_CreatePixelType(kSizes[i].id);
-        CHECK(type != NULL);
-        CHECK(ZoPixelType_GetBufferSizeFor(type, kSizes[i].width, kSizes[i].height) == kSizes[i].bytes);
-        ZoPixelType_Destroy(type);
-    }
 }
 
 static void NullHandles(void)
@@ -89,31 +73,23 @@ static void NullHandles(void)
     unsigned char byte = 0x5A;
     int64_t id = 99;
     CHECK(ZoPixelType_GetTypeID(NULL) == 4294967295LL); /* only the low 32 bits set, not -1 */
-    CHECK(ZoPixelType_GetPixelBitSize(NULL) == 0);
-    CHECK(ZoPixelType_GetPixelByteSize(NULL) == 0);
-    CHECK(!ZoPixelType_IsBayerPattern(NULL));
-    CHECK(ZoPixelType_GetBufferSizeFor(NULL, 640, 480) == 0);
+    CHECK(ZoPixelType_GetPixelBitSize(NULL) == 0 && ZoPixelType_GetPixelByteSize(NULL) == 0);
+    CHECK(!ZoPixelType_IsBayerPattern(NULL) && ZoPixelType_GetBufferSizeFor(NULL, 640, 480) == 0);
     CHECK(ZoPixelType_Clone(NULL) == NULL);
     CHECK(!ZoPixelType_HasConverterTo(NULL, gray) && !ZoPixelType_HasConverterTo(gray, NULL));
     CHECK(!ZoPixelType_HasConverterFrom(NULL, gray) && !ZoPixelType_HasConverterFrom(gray, NULL));
     CHECK(ZoPixelType_GetConverterTo(NULL, gray) == NULL && ZoPixelType_GetConverterTo(gray, NULL) == NULL);
     CHECK(ZoPixelType_GetConverterFrom(NULL, gray) == NULL && ZoPixelType_GetConverterFrom(gray, NULL) == NULL);
     ZoPixelType_Destroy(NULL);
-    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, ZO_PT_GRAY8, NULL));
-    CHECK(!ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, NULL));
+    CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, ZO_PT_GRAY8, NULL) && !ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, NULL));
     CHECK(!ZoPixelTypeFactory_EnumConverterFrom(0, 0x7700000002LL, &id) && id == 99);
     CHECK(ZoPixelTypeFactory_GetConverter(0x7700000002LL, ZO_PT_GRAY8) == NULL);
-
-    CHECK(ZoPixelConverter_GetSourceType(NULL) == 0);
-    CHECK(ZoPixelConverter_GetDestinationType(NULL) == 0);
-    CHECK(ZoPixelConverter_GetSourceByteSize(NULL, 10) == 0);
-    CHECK(ZoPixelConverter_GetDestinationByteSize(NULL, 10) == 0);
+    CHECK(ZoPixelConverter_GetSourceType(NULL) == 0 && ZoPixelConverter_GetDestinationType(NULL) == 0);
+    CHECK(ZoPixelConverter_GetSourceByteSize(NULL, 10) == 0 && ZoPixelConverter_GetDestinationByteSize(NULL, 10) == 0);
     CHECK(ZoPixelConverter_ConvertPixel(NULL, &byte, &byte) == ZO_ERR_BAD_ARGUMENT);
     CHECK(ZoPixelConverter_ConvertLine(NULL, &byte, &byte, 1) == ZO_ERR_BAD_ARGUMENT);
-    CHECK(ZoPixelConverter_ConvertArea(NULL, &byte, 1, 1, &byte, 1, 1, 1, 1, 0, 0) == 18);
-    CHECK(byte == 0x5A);
-    CHECK(ZoRGBFilter_GetBitSize(NULL) == 0);
-    CHECK(ZoRGBFilter_GetRedValue8(NULL, 3) == 0);
+    CHECK(ZoPixelConverter_ConvertArea(NULL, &byte, 1, 1, &byte, 1, 1, 1, 1, 0, 0) == 18 && byte == 0x5A);
+    CHECK(ZoRGBFilter_GetBitSize(NULL) == 0 && ZoRGBFilter_GetRedValue8(NULL, 3) == 0);
     CHECK(ZoRGBFilter_SetMultipliers(NULL, 1, 1, 1, 0, 0, 0) == 18);
     ZoRGBFilter_Destroy(NULL);
     ZoPixelType_Destroy(gray);
@@ -131,10 +107,8 @@ static void Conversions(void)
     CHECK(identity != NULL);
     CHECK(ZoPixelType_HasConverterTo(gray, gray));
     CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity && ZoPixelType_GetConverterFrom(gray, gray) == identity);
-    CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8);
-    CHECK(ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
-    CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7);
-    CHECK(ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
+    CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8 && ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
+    CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7 && ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
 
     memset(out, 0xEE, sizeof out);
     CHECK(ZoPixelConverter_ConvertLine(identity, line, out, 7) == ZO_OK);
@@ -172,13 +146,66 @@ static void Conversions(void)
     ZoPixelType_Destroy(gray);
 }
 
+static void Version(void)
+{
+    const char* version = ZoImgLib_GetVersion();
+    CHECK(version != NULL && strcmp(version, ZO_TEST_PROJECT_VERSION) == 0);
+}
+
+/* Sizes through the C struct: a replicating Bayer frame of odd height
+ * reaches one line past it; a Left Inverted two-tap packed line of odd
+ * width writes one pixel before the destination pointer. */
+static void Sizes(void)
+{
+    const ZoPixelConverter* bayer = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_BGR32);
+    const ZoPixelConverter* packed =
+        ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY12 | ZO_PIXEL_PACKED | ZO_PIXEL_TAP_DUAL_LINV_RINV, ZO_PT_GRAY8);
+    ZoAreaBufferSizes sizes = {0, 0, 0};
+    CHECK(bayer != NULL && packed != NULL);
+    CHECK(ZoPixelConverter_GetAreaBufferSizes(bayer, 640, 481, 640, 481, 640, 481, 0, 4, &sizes) == ZO_OK);
+    CHECK(sizes.sourceBytes == 640u * 482 && sizes.destinationBytes == 481u * (4 * 640 + 4) + 4 * 640 &&
+          sizes.destinationBytesBefore == 0);
+    CHECK(ZoPixelConverter_GetAreaBufferSizes(packed, 9, 2, 9, 2, 9, 2, 0, 0, &sizes) == ZO_OK);
+    CHECK(sizes.sourceBytes == 12 + 15 && sizes.destinationBytes == 18 && sizes.destinationBytesBefore == 1);
+    CHECK(ZoPixelConverter_GetAreaBufferSizes(bayer, 4, 4, 4, 4, 4, 4, 0, 0, NULL) == ZO_ERR_BAD_ARGUMENT);
+}
+
+static void Pfnc(void)
+{
+    int64_t type = 0;
+    uint32_t flags = 0, code = 0, index = 0;
+    const char* name = NULL;
+    CHECK(ZoPfnc_FromName("BayerBG12p", &type, &flags) == ZO_OK);
+    CHECK(type == (ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED) && flags == ZO_FLAG_BAYER_BGGR);
+    CHECK(ZoPfnc_FromCode(0x010C0006, &type, &flags) == ZO_ERR_NOT_SUPPORTED); /* Mono12Packed */
+    CHECK(ZoPfnc_FromName("bayerbg12p", &type, &flags) == ZO_ERR_BAD_ARGUMENT);
+    CHECK(ZoPfnc_FromPixelType(ZO_PT_BAYER_RGGB8, 0, &name, &code) == ZO_OK);
+    CHECK(name != NULL && strcmp(name, "BayerRG8") == 0 && code == 0x01080009);
+    while (ZoPfnc_GetEntry(index, &name, &code, &type, &flags))
+        ++index;
+    CHECK(index == 64);
+}
+
+/* A chain's stages and class names; plain converters have no stages. */
+static void ClassNames(void)
+{
+    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
+    const ZoPixelConverter* second = ZoPixelConverter_GetChainStage(chain, 1);
+    CHECK(chain != NULL && strcmp(ZoPixelConverter_GetClassName(chain), "ZoComplexConverter") == 0);
+    CHECK(second != NULL && ZoPixelConverter_GetChainStage(second, 0) == NULL);
+    CHECK(ZoPixelConverter_GetClassName(NULL) == NULL);
+}
+
 int main(void)
 {
-    Names();
+    NamesAndSizes();
     AttributeSearch();
-    BufferSizes();
     NullHandles();
     Conversions();
+    Version();
+    Sizes();
+    Pfnc();
+    ClassNames();
     if (failures)
         fprintf(stderr, "%d checks failed\n", failures);
     else

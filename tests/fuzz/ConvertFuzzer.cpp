@@ -55,9 +55,8 @@ ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
     FuzzedDataProvider in(data, size);
-    const zofuzz::Pair& pair = pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)];
+    const zofuzz::Pair& pair = zofuzz::AnyPair(in);
     const std::uint32_t width = in.ConsumeIntegralInRange<std::uint32_t>(0, 64);
     const std::uint32_t height = in.ConsumeIntegralInRange<std::uint32_t>(0, 16);
     const std::uint32_t sourceWidth = width + in.ConsumeIntegralInRange<std::uint32_t>(0, 3);

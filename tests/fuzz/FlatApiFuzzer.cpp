@@ -36,10 +36,9 @@ void Check(bool ok)
 
 std::int64_t AnyId(FuzzedDataProvider& in)
 {
-    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
     switch (in.ConsumeIntegralInRange(0, 3)) {
     case 0: {
-        const zofuzz::Pair& p = pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)];
+        const zofuzz::Pair& p = zofuzz::AnyPair(in);
         return in.ConsumeBool() ? p.source : p.destination;
     }
     case 1: {
@@ -49,7 +48,7 @@ std::int64_t AnyId(FuzzedDataProvider& in)
         return in.PickValueInArray(extremes);
     }
     case 2:  // a registered ID with random attribute bits flipped
-        return pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)].source ^
+        return zofuzz::AnyPair(in).source ^
                (std::int64_t(in.ConsumeIntegral<std::uint32_t>()) & 0x1FF00000);
     default:
         return in.ConsumeIntegral<std::int64_t>();
@@ -172,7 +171,8 @@ void TypeOperation(FuzzedDataProvider& in, Handles& h)
 void RegistryOperation(FuzzedDataProvider& in)
 {
     const std::int64_t source = AnyId(in), destination = AnyId(in);
-    switch (in.ConsumeIntegralInRange(0, 3)) {
+    const int operation = in.ConsumeIntegralInRange(0, 3);
+    switch (operation) {
     case 0: {
         const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(source, destination);
         Check((c != nullptr) == ZoPixelTypeFactory_HasConverter(source, destination));
@@ -184,20 +184,15 @@ void RegistryOperation(FuzzedDataProvider& in)
         }
         break;
     }
-    case 1: {
+    case 1:    // the destinations of a source
+    case 2: {  // the sources of a destination
+        const bool from = operation == 1;
+        const auto enumerate = from ? ZoPixelTypeFactory_EnumConverterFrom : ZoPixelTypeFactory_EnumConverterTo;
         std::int64_t out = 0x5A5A;
         const std::uint32_t index = AnyCount(in);
-        if (ZoPixelTypeFactory_EnumConverterFrom(index, source, &out))
-            Check(ZoPixelTypeFactory_HasConverter(source, out));
-        Check(!ZoPixelTypeFactory_EnumConverterFrom(index, source, nullptr));
-        break;
-    }
-    case 2: {
-        std::int64_t out = 0x5A5A;
-        const std::uint32_t index = AnyCount(in);
-        if (ZoPixelTypeFactory_EnumConverterTo(index, destination, &out))
-            Check(ZoPixelTypeFactory_HasConverter(out, destination));
-        Check(!ZoPixelTypeFactory_EnumConverterTo(index, destination, nullptr));
+        if (enumerate(index, from ? source : destination, &out))
+            Check(from ? ZoPixelTypeFactory_HasConverter(source, out) : ZoPixelTypeFactory_HasConverter(out, destination));
+        Check(!enumerate(index, from ? source : destination, nullptr));
         break;
     }
     default: {
@@ -284,14 +279,13 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
 // pointers.
 void ExtensionOperation(FuzzedDataProvider& in)
 {
-    const std::vector<zofuzz::Pair>& pairs = zofuzz::RegisteredPairs();
     switch (in.ConsumeIntegralInRange(0, 4)) {
     case 0:
         Check(ZoImgLib_GetVersion() != nullptr);
         break;
     case 1: {
         const ZoPixelConverter* c =
-            in.ConsumeBool() ? nullptr : pairs[in.ConsumeIntegralInRange<std::size_t>(0, pairs.size() - 1)].converter;
+            in.ConsumeBool() ? nullptr : zofuzz::AnyPair(in).converter;
         ZoAreaBufferSizes sizes{1, 2, 3};
         const bool out = in.ConsumeBool();
         const std::uint32_t sw = AnyCount(in), sh = AnyCount(in), dw = AnyCount(in), dh = AnyCount(in);

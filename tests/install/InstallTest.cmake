@@ -3,12 +3,6 @@
 # through pkg-config. Run with
 #   cmake -DBUILD_DIR=<build> -DWORK_DIR=<scratch> -DSOURCE_DIR=<this dir>
 #         -DC_COMPILER=<cc> -DCXX_COMPILER=<c++> -P InstallTest.cmake
-foreach(var BUILD_DIR WORK_DIR SOURCE_DIR C_COMPILER CXX_COMPILER)
-  if(NOT DEFINED ${var})
-    message(FATAL_ERROR "InstallTest.cmake needs -D${var}=...")
-  endif()
-endforeach()
-
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT result EQUAL 0)
