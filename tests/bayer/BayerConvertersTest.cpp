@@ -7,9 +7,7 @@
 
 #include "ZoBayerConverters.h"
 #include "ZoImgLib.h"
-#include "bayer/BayerKernels.h"
 #include "bayer/BayerReference.h"
-#include "support/CpuLevels.h"
 
 using namespace bayer_test;
 
@@ -24,22 +22,6 @@ const std::uint32_t kPatterns[] = {0, ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GBRG, ZO
                                    ZO_FLAG_BAYER_BGGR};
 
 }  // namespace
-
-TEST(BayerRegistration, FiftyEightInstancesOfTheRightFamilies)
-{
-    const std::vector<Instance> all = AllInstances();
-    ASSERT_EQ(all.size(), 58u);
-    for (const Instance& in : all) {
-        const ZoPixelConverter* c = &Get(in);
-        ASSERT_NE(c, nullptr) << std::hex << in.source << " -> " << in.destination;
-        EXPECT_EQ(c->GetSourceByteSize(), in.sourceBytes);
-        EXPECT_EQ(c->GetDestinationByteSize(), LayoutBytes(in.layout));
-        if (in.wordFamily)
-            EXPECT_NE(dynamic_cast<const ZoBayerRGB16ToRGB*>(c), nullptr);
-        else
-            EXPECT_NE(dynamic_cast<const ZoBayerRGB8ToRGB*>(c), nullptr);
-    }
-}
 
 // Deliberately, the 16-bit family's 24-bit converters pipeline two pixels,
 // unlike the others (eight). Built on taken pairs, they do not register.
@@ -63,6 +45,7 @@ TEST(BayerRegistration, PipeliningSizes)
 // filter, destination padding and areas narrower than the source lines.
 TEST(BayerConverters, EveryInstanceMatchesTheReference)
 {
+    ASSERT_EQ(AllInstances().size(), 58u);
     std::mt19937 rng(1);
     std::vector<Case> cases;
     for (std::uint32_t w = 1; w <= 9; ++w)
@@ -267,51 +250,6 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     EXPECT_EQ(d1, d2);
-}
-
-// The vector inside of interpolating lines at every level the host runs
-// against the scalar loop, on random rows of awkward widths, every phase,
-// with guard bytes after the row.
-TEST(BayerSimd, VectorLinesMatchScalarLines)
-{
-    std::mt19937 rng(6);
-    auto check = [&](auto reader, auto out, unsigned bytes) {
-        using Src = decltype(reader);
-        using Out = decltype(out);
-        for (std::uint32_t count : {4u, 9u, 10u, 11u, 12u, 18u, 19u, 20u, 21u, 33u, 34u, 35u, 36u, 37u, 50u, 51u, 66u,
-                                    67u, 68u, 69u, 100u, 1921u})
-            for (int phase = 0; phase < 4; ++phase) {
-                std::vector<std::uint8_t> rows(3 * count * Src::kBytes);
-                for (auto& b : rows)
-                    b = std::uint8_t(rng());
-                // 16-bit rows: half of them in the 12-bit range, half full range.
-                if (Src::kBytes == 2 && (phase & 1))
-                    for (std::size_t i = 1; i < rows.size(); i += 2)
-                        rows[i] &= 0x0F;
-                const std::ptrdiff_t w = count;
-                const std::uint8_t* line = &rows[count * Src::kBytes];
-                std::vector<std::uint8_t> scalar(count * bytes + 16, 0xC3);
-                zo::InterpolateLine<Src, Out, false>(line, scalar.data(), count, phase, -w, w, true, true, out);
-                for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
-                    const zotest::CpuCeilingScope ceiling(level);
-                    std::vector<std::uint8_t> vector(scalar.size(), 0xC3);
-                    zo::InterpolateLine<Src, Out>(line, vector.data(), count, phase, -w, w, true, true, out);
-                    ASSERT_EQ(vector, scalar) << zo::simd::CpuLevelName(level) << ", count " << count << " phase "
-                                              << phase << " bytes " << bytes;
-                }
-            }
-    };
-    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB24, false>{0}, 3);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR24, false>{0}, 3);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB32, false>{0}, 4);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR32, false>{0}, 4);
-    for (unsigned shift : {0u, 2u, 4u, 7u}) {
-        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB24, true>{shift}, 3);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR24, true>{shift}, 3);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB32, true>{shift}, 4);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR32, true>{shift}, 4);
-    }
-    check(zo::Samples16{}, zo::Identity48{}, 6);
 }
 
 // Lines per line call follow the calling thread's current flags: 2 when

@@ -1,6 +1,7 @@
 // Every registered pair at every instruction-set level the host runs,
-// against the scalar level: awkward widths, an identity and a white-balance
-// filter, every Bayer mode, destinations poisoned twice (two poison values,
+// against the scalar level: awkward widths, padded destination lines, the
+// default, an 8-bit and a 16-bit white-balance filter, every Bayer mode, both
+// field orders of interlaced sources, destinations poisoned twice (two poison values,
 // so that a byte one level writes and the other leaves shows whatever value
 // it gets) with guard bytes after the frame.
 #include <gtest/gtest.h>
@@ -52,12 +53,14 @@ bool IsBayer(std::int64_t id)
 Bytes Convert(const ZoPixelConverter& c, const Bytes& source, std::uint32_t width, std::uint32_t flags,
               const ZoRGBFilter* filter, unsigned char poison)
 {
-    Bytes d(std::size_t(c.GetDestinationByteSize(width)) * (kHeight + 1) + 3 * width * kHeight + 2 * kGuard, poison);
+    const std::uint32_t padding = width % 4;
+    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (kHeight + 1) + 3 * width * kHeight +
+                2 * kGuard, poison);
     unsigned char* frame = d.data() + kGuard;
     if (filter)
-        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
     else
-        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
     return d;
 }
 
@@ -70,13 +73,14 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
     RecordProperty("levels", ran);
     std::cout << "levels compared with scalar: " << ran << "\n";
 
-    ZoRGBFilter gains(16);
+    ZoRGBFilter gains(16), gains8(8);
     ASSERT_EQ(gains.SetMultipliers(1.8, 1.0, 1.4, 3, 0, 7), ZO_OK);
-    const ZoRGBFilter* const filters[] = {nullptr, &gains};
+    ASSERT_EQ(gains8.SetMultipliers(0.6, 1.3, 1.7, 9, 3, 40), ZO_OK);
+    const ZoRGBFilter* const filters[] = {nullptr, &gains, &gains8};
     const std::vector<std::uint32_t> bayerFlags = {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_BGGR,
                                                    ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
                                                    ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE};
-    const std::vector<std::uint32_t> plainFlags = {0};
+    const std::vector<std::uint32_t> plainFlags = {0}, fieldFlags = {0, ZO_FLAG_INVERT_DEINTERLACER};
 
     const auto pairs = zotest::RegisteredBuiltInPairs();
     ASSERT_EQ(pairs.size(), 680u);
@@ -88,7 +92,8 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
             Bytes source(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64);
             for (auto& b : source)
                 b = static_cast<unsigned char>(rng());
-            for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : plainFlags)
+            const bool interlaced = (pair.first & ZO_PIXEL_INTERLACED) != 0;
+            for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : interlaced ? fieldFlags : plainFlags)
                 for (const ZoRGBFilter* filter : filters) {
                     Bytes scalar[2];
                     {
@@ -103,7 +108,7 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
                         for (int p = 0; p < 2; ++p)
                             ASSERT_TRUE(zotest::SameBytes(Convert(c, source, width, flags, filter, kPoisons[p]), scalar[p]))
                                 << zo::simd::CpuLevelName(level) << ", width " << std::dec << width << ", flags "
-                                << std::hex << flags << (filter ? ", white balance" : "") << ", poison "
+                                << std::hex << flags << (filter ? filter == &gains8 ? ", 8-bit gains" : ", 16-bit gains" : "") << ", poison "
                                 << int(kPoisons[p]);
                     }
                 }
