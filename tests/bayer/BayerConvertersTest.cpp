@@ -39,10 +39,11 @@ TEST(BayerRegistration, PipeliningSizes)
     EXPECT_EQ(Probe8x32().GetPipeliningSize(), 8u);
 }
 
-// Every instance, pattern (none, each one, and several at once, where the
-// first in order wins) and mode against the reference, every byte of exactly
-// sized buffers: sizes 1..9 x 1..9 and a few wider ones, then a non-identity
-// filter, destination padding and areas narrower than the source lines.
+// Every instance, pattern (none: the 8-bit family's registered default, GRBG
+// for the 16-bit family; each one; several at once, where the first in order
+// wins) and mode against the reference, every byte of exactly sized buffers:
+// sizes 1..9 x 1..9 and a few wider ones, then a non-identity filter,
+// destination padding and areas narrower than the source lines.
 TEST(BayerConverters, EveryInstanceMatchesTheReference)
 {
     ASSERT_EQ(AllInstances().size(), 58u);
@@ -71,31 +72,6 @@ TEST(BayerConverters, EveryInstanceMatchesTheReference)
                     ASSERT_EQ(o.result, ZO_OK);
                     ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
                 }
-}
-
-// Without a pattern flag the 8-bit family uses its registered default, the
-// 16-bit family GRBG whatever its default.
-TEST(BayerConverters, PatternDefaultsOfDeprecatedTypes)
-{
-    std::mt19937 rng(4);
-    std::vector<std::uint8_t> source8(8 * 6), source16(8 * 6 * 2);
-    for (auto& b : source8)
-        b = std::uint8_t(rng());
-    for (auto& b : source16)
-        b = std::uint8_t(rng());
-    auto convert = [](const ZoPixelConverter& c, const std::vector<std::uint8_t>& s, std::uint32_t flags) {
-        std::vector<std::uint8_t> d(8 * 6 * 3);
-        c.Convert(s.data(), 8, 6, d.data(), 8, 6, 8, 6, flags, 0);
-        return d;
-    };
-    for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
-        const ZoPixelConverter& rggb8 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB8, ZO_PT_RGB24);
-        EXPECT_EQ(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_RGGB));
-        EXPECT_NE(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_GRBG));
-        const ZoPixelConverter& rggb12 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB12, ZO_PT_RGB24);
-        EXPECT_EQ(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_GRBG));
-        EXPECT_NE(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_RGGB));
-    }
 }
 
 // Each colour plane constant: the output is that colour everywhere, edges

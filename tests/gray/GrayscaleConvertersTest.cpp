@@ -125,8 +125,11 @@ TEST(GrayscaleConverters, EveryRegisteredInstanceMatchesTheReference)
     }
 }
 
-TEST(GrayscaleConverters, DocumentedValues)
+// Hand-worked pixels, the deliberate quirks among them.
+TEST(GrayscaleConverters, HandWorkedPixels)
 {
+    ZoRGBFilter filter(8);
+    ASSERT_EQ(filter.SetMultipliers(0.5, 2.0, 0.25), ZO_OK);
     CheckExamples({
         {ZO_PT_GRAY10, ZO_PT_RGB16, {0xFF, 0x03}, kPixel, {0xFF, 0xFF}},
         {ZO_PT_GRAY10, ZO_PT_RGB16, {0x00, 0x02}, 1, {0x10, 0x84}},
@@ -142,22 +145,15 @@ TEST(GrayscaleConverters, DocumentedValues)
         {ZO_PT_GRAY10, ZO_PT_RGB16, {0x00, 0x04}, 1, {0, 0}},
         {ZO_PT_GRAY12, ZO_PT_RGB32, {0x01, 0x10}, kPixel, {0, 0, 0, 0}},
         {ZO_PT_GRAY14, ZO_PT_RGB16, {0x00, 0x41}, 1, {0x20, 0x00}},
-    });
-}
-
-// The byte-taking classes: the line form reads the last byte of a pixel, the
-// single-pixel form the first.
-TEST(GrayscaleConverters, ByteChoiceOfSingleVersusLineForm)
-{
-    const std::uint32_t rgb16 = RGB16Of(0x34);
-    CheckExamples({
+        // The byte-taking classes: the line form reads the last byte of a
+        // pixel, the single-pixel form the first (0x34: RGB16 0x31A6).
         {ZO_PT_GRAY12 | ZO_PIXEL_NORMALIZED, ZO_PT_RGB24, {0x34, 0x12}, 1, {0x12, 0x12, 0x12}},
         {ZO_PT_GRAY12 | ZO_PIXEL_NORMALIZED, ZO_PT_RGB24, {0x34, 0x12}, kPixel, {0x34, 0x34, 0x34}},
         {ZO_PT_GRAY16, ZO_PT_BGR32, {0x34, 0x12}, kPixel, {0x34, 0x34, 0x34, 0}},
-        {ZO_PT_GRAY16, ZO_PT_RGB16, {0x34, 0x12}, kPixel,
-         {static_cast<unsigned char>(rgb16), static_cast<unsigned char>(rgb16 >> 8)}},
-        // With one-byte pixels both forms agree.
-        {ZO_PT_GRAY8, ZO_PT_RGB24, {0x34, 0x12}, kPixel, {0x34, 0x34, 0x34}},
+        {ZO_PT_GRAY16, ZO_PT_RGB16, {0x34, 0x12}, kPixel, {0xA6, 0x31}},
+        {ZO_PT_GRAY8, ZO_PT_RGB24, {0x34, 0x12}, kPixel, {0x34, 0x34, 0x34}},  // one-byte pixels: alike
+        // Grayscale expansion ignores the area conversion's filter.
+        {ZO_PT_GRAY8, ZO_PT_RGB24, {10, 100, 200}, 3, {10, 10, 10, 100, 100, 100, 200, 200, 200, kPoison}, &filter},
     });
 }
 
@@ -179,16 +175,5 @@ TEST(GrayscaleConverters, OnlyShiftsTwoFourSixWriteRGB16AndRGB32)
     EXPECT_EQ(d, Bytes(32, kPoison));
     EXPECT_EQ(to24.Convert(s, d.data(), 2), ZO_OK);
     EXPECT_EQ(Bytes(d.begin(), d.begin() + 6), (Bytes{0xFF, 0xFF, 0xFF, 0x20, 0x20, 0x20}));
-}
-
-// Grayscale expansion ignores the area conversion's filter.
-TEST(GrayscaleConverters, FilterDoesNotApply)
-{
-    ZoRGBFilter filter(8);
-    ASSERT_EQ(filter.SetMultipliers(0.5, 2.0, 0.25), ZO_OK);
-    const unsigned char s[3] = {10, 100, 200};
-    Bytes d(12, kPoison);
-    ASSERT_EQ(Registered(ZO_PT_GRAY8, ZO_PT_RGB24)->Convert(filter, s, 3, 1, d.data(), 3, 1, 3, 1, 0, 0), ZO_OK);
-    EXPECT_EQ(Bytes(d.begin(), d.begin() + 9), (Bytes{10, 10, 10, 100, 100, 100, 200, 200, 200}));
 }
 

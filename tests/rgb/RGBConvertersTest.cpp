@@ -178,8 +178,15 @@ TEST(RGBConverters, EveryRegisteredInstanceMatchesTheReference)
     }
 }
 
-TEST(RGBConverters, DocumentedValues)
+// Hand-worked pixels, the deliberate quirks among them.
+TEST(RGBConverters, HandWorkedPixels)
 {
+    ZoRGBFilter entry0(16), f8(8), f16(16);
+    ASSERT_EQ(entry0.SetRedValue(0, 5), ZO_OK);     // E5[5] = 40 after expansion
+    ASSERT_EQ(entry0.SetBlueValue(0, 100), ZO_OK);  // 100 & 31 = 4: E5[4] = 32
+    ASSERT_EQ(f8.SetMultipliers(1.5, 1.0, 0.5), ZO_OK);
+    ASSERT_EQ(f16.SetMultipliers(1.5, 1.0, 0.5), ZO_OK);
+    const std::int64_t S16 = ZO_PT_RGB16, skip1 = ZO_PT_RGB64_10BITS | N, skip1x3 = ZO_PT_RGB48_12BITS | N;
     CheckExamples({
         {ZO_PT_RGB24 | P, ZO_PT_RGB16, {255, 255, 255}, 1, {0xFF, 0xFF}},
         {ZO_PT_RGB24 | P, ZO_PT_RGB16, {255, 0, 0}, 1, {0x00, 0xF8}},
@@ -192,78 +199,41 @@ TEST(RGBConverters, DocumentedValues)
         {ZO_PT_RGB24 | P, ZO_PT_BGR32, {1, 2, 3}, kPixel, {3, 2, 1, 0}},
         // Direct line calls outside an area conversion use the identity filter.
         {ZO_PT_RGB24 | P, ZO_PT_RGB32, {9, 8, 7, 6, 5, 4}, 2, {9, 8, 7, 0, 6, 5, 4, 0}},
-    });
-}
-
-// Red and blue of an RGB16 source come from the filter's entry 0, not from
-// the word (the 24-bit line form takes blue from the word's bits 15..11).
-TEST(RGBConverters, RGB16SourceRedAndBlueFromFilterEntryZero)
-{
-    ZoRGBFilter filter(16);
-    ASSERT_EQ(filter.SetRedValue(0, 5), ZO_OK);     // E5[5] = 40 after expansion
-    ASSERT_EQ(filter.SetBlueValue(0, 100), ZO_OK);  // 100 & 31 = 4: E5[4] = 32
-    const std::int64_t S = ZO_PT_RGB16;
-    CheckExamples({
-        // Identity filter: red and blue 0 whatever the word.
-        {S, ZO_PT_RGB32, {0xFF, 0xFF, 0xFF, 0xFF}, 2, {0, 0xFC, 0, 0, 0, 0xFC, 0, 0}},
-        {S, ZO_PT_RGB24, {0xFF, 0xFF, 0xFF, 0xFF}, 2, {0, 0xFC, 0xF8, 0, 0xFC, 0xF8}},
+        // Five pixels: the groups-of-four classes write eight, the others five.
+        {ZO_PT_RGB24 | P, ZO_PT_RGB24, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, 5,
+         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 0, 0, 0, 0, 0, 0, 0, 0, 0, kPoison}},
+        {ZO_PT_RGB24 | P, ZO_PT_BGR32, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}, 5,
+         {3, 2, 1, 0, 6, 5, 4, 0, 9, 8, 7, 0, 12, 11, 10, 0, 15, 14, 13, 0, kPoison}},
+        // An RGB16 source's red and blue come from the filter's entry 0, not
+        // from the word: identity filter, red and blue 0 whatever the word.
+        {S16, ZO_PT_RGB32, {0xFF, 0xFF, 0xFF, 0xFF}, 2, {0, 0xFC, 0, 0, 0, 0xFC, 0, 0}},
+        {S16, ZO_PT_RGB24, {0xFF, 0xFF, 0xFF, 0xFF}, 2, {0, 0xFC, 0xF8, 0, 0xFC, 0xF8}},
         // Through the filter: 32-bit, filter then expansion of entry 0.
-        {S, ZO_PT_BGR32, {0xFF, 0xFF}, 1, {32, 0xFC, 40, 0}, &filter},
-        // 24-bit line form: red is the filter's entry 0 itself, blue TB[E5[31]].
-        {S, ZO_PT_RGB24, {0xFF, 0xFF}, 1, {5, 0xFC, 0xF8}, &filter},
-        // Blue of the 24-bit line form indexes the expansion table with bits 15..11.
-        {S, ZO_PT_RGB24, {0x01, 0x80}, 1, {0, 0, 0x80}},
+        {S16, ZO_PT_BGR32, {0xFF, 0xFF}, 1, {32, 0xFC, 40, 0}, &entry0},
+        // 24-bit line form: red is the filter's entry 0 itself, blue TB[E5[31]]
+        // (the expansion table indexed with bits 15..11).
+        {S16, ZO_PT_RGB24, {0xFF, 0xFF}, 1, {5, 0xFC, 0xF8}, &entry0},
+        {S16, ZO_PT_RGB24, {0x01, 0x80}, 1, {0, 0, 0x80}},
         // 24-bit single-pixel form: as the 32-bit forms.
-        {S, ZO_PT_RGB24, {0xFF, 0xFF}, kPixel, {0, 0xFC, 0}},
-    });
-}
-
-// Five pixels: the groups-of-four classes write eight, the others five.
-TEST(RGBConverters, GroupOfFourOverrun)
-{
-    const unsigned char s[8 * 4 * 2] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24};
-    const struct {
-        std::int64_t source, destination;
-        bool wholeGroups;
-    } cases[] = {
-        {ZO_PT_RGB24 | P, ZO_PT_RGB24, true},      {ZO_PT_RGB24 | P, ZO_PT_RGB32, false},
-        {ZO_PT_RGB32, ZO_PT_RGB24, true},          {ZO_PT_RGB32, ZO_PT_RGB32, true},
-        {ZO_PT_RGB32, ZO_PT_RGB16, false},         {ZO_PT_RGB48_10BITS, ZO_PT_BGR24, true},
-        {ZO_PT_RGB64_12BITS, ZO_PT_RGB24, true},   {ZO_PT_RGB48_10BITS, ZO_PT_RGB32, false},
-    };
-    for (const auto& c : cases) {
-        const ZoPixelConverter* conv = Registered(c.source, c.destination);
-        ASSERT_NE(conv, nullptr);
-        const std::uint32_t dp = conv->GetDestinationByteSize();
-        for (std::uint32_t count : {0u, 1u, 4u, 5u}) {
-            Bytes d(64, kPoison);
-            ASSERT_EQ(conv->Convert(s, d.data(), count), ZO_OK);
-            const std::uint32_t expected = c.wholeGroups ? (count + 3) / 4 * 4 : count;
-            const auto last = std::find_if(d.rbegin(), d.rend(), [](unsigned char b) { return b != kPoison; });
-            const std::size_t written = d.rend() - last;
-            // Every pixel up to `expected` written, none after it.
-            EXPECT_LE(written, expected * dp) << c.destination << " count " << count;
-            if (expected) {
-                EXPECT_GT(written, (expected - 1) * dp) << c.destination << " count " << count;
-            }
-        }
-    }
-}
-
-// ZoRGB32ToRGB32 copies the fourth byte (the line form from the last byte of
-// the fourth channel, the single-pixel form from byte 3); every other 32-bit
-// output writes 0 there.
-TEST(RGBConverters, FourthByteOfRGB32ToRGB32)
-{
-    const std::int64_t skip1 = ZO_PT_RGB64_10BITS | N;
-    CheckExamples({
+        {S16, ZO_PT_RGB24, {0xFF, 0xFF}, kPixel, {0, 0xFC, 0}},
+        // ZoRGB32ToRGB32 copies the fourth byte (the line form from the last
+        // byte of the fourth channel, the single-pixel form from byte 3);
+        // every other 32-bit output writes 0 there.
         {ZO_PT_RGB32, ZO_PT_BGR32, {10, 20, 30, 40, 11, 21, 31, 41}, 2, {30, 20, 10, 40, 31, 21, 11, 41}},
         {ZO_PT_RGB32, ZO_PT_RGB32, {10, 20, 30, 40}, kPixel, {10, 20, 30, 40}},
-        // Skip 1: line form from byte 7, single pixel from byte 3.
         {skip1, ZO_PT_RGB32, {1, 10, 2, 20, 3, 30, 4, 40}, 1, {10, 20, 30, 40}},
         {skip1, ZO_PT_RGB32, {1, 10, 2, 20, 3, 30, 4, 40}, kPixel, {1, 2, 3, 20}},
-        // Other 32-bit outputs write 0, whatever the source's fourth channel.
         {ZO_PT_RGB64_10BITS, ZO_PT_RGB32, {4, 0, 8, 0, 12, 0, 0xFF, 0xFF}, 1, {1, 2, 3, 0}},
+        // Skip-1 sources: the line form (and so the area conversion) takes the
+        // second byte of each channel, the single-pixel form the first.
+        {skip1x3, ZO_PT_RGB24, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, 1, {0xA1, 0xB1, 0xC1}},
+        {skip1x3, ZO_PT_RGB24, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, kPixel, {0xA0, 0xB0, 0xC0}},
+        {skip1x3, ZO_PT_RGB16, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, kPixel, {0x98, 0xA5}},  // 0xA598
+        // White balance: 8-bit tables for byte channels, 16-bit tables then the
+        // shift for words (10-bit 400, 1000, 1023: 600 >> 2, 1000 >> 2, 511 >> 2).
+        {ZO_PT_RGB24 | P, ZO_PT_BGR32, {100, 200, 201, 180, 3, 7}, 2, {100, 200, 150, 0, 3, 3, 255, 0}, &f8},
+        {ZO_PT_RGB48_10BITS, ZO_PT_RGB24, {400 & 0xFF, 400 >> 8, 1000 & 0xFF, 1000 >> 8, 0xFF, 0x03}, 1,
+         {150, 250, 127}, &f16},
     });
 }
 
@@ -285,33 +255,5 @@ TEST(RGBConverters, PlanarLineSize)
             for (std::size_t p = 0; p < 3; ++p)
                 e[p * 12 + y * 3 + x] = s[y * 9 + x * 3 + p];
     EXPECT_TRUE(SameBytes(d, e));
-}
-
-// Skip-1 sources: the line form (and so the area conversion) takes the second
-// byte of each channel, the single-pixel form the first.
-TEST(RGBConverters, ByteChoiceOfSkipOneSources)
-{
-    const std::int64_t S = ZO_PT_RGB48_12BITS | N;
-    CheckExamples({
-        {S, ZO_PT_RGB24, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, 1, {0xA1, 0xB1, 0xC1}},
-        {S, ZO_PT_RGB24, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, kPixel, {0xA0, 0xB0, 0xC0}},
-        // RGB16 of (0xA0, 0xB0, 0xC0): 0xA598.
-        {S, ZO_PT_RGB16, {0xA0, 0xA1, 0xB0, 0xB1, 0xC0, 0xC1}, kPixel, {0x98, 0xA5}},
-    });
-}
-
-// A white-balance filter changes each channel exactly as its tables say:
-// 8-bit tables for byte channels, 16-bit tables then the shift for words.
-TEST(RGBConverters, WhiteBalanceFilterFollowsItsTables)
-{
-    ZoRGBFilter f8(8), f16(16);
-    ASSERT_EQ(f8.SetMultipliers(1.5, 1.0, 0.5), ZO_OK);
-    ASSERT_EQ(f16.SetMultipliers(1.5, 1.0, 0.5), ZO_OK);
-    CheckExamples({
-        {ZO_PT_RGB24 | P, ZO_PT_BGR32, {100, 200, 201, 180, 3, 7}, 2, {100, 200, 150, 0, 3, 3, 255, 0}, &f8},
-        // 10-bit words 400, 1000, 1023: red 600 >> 2 = 150, green 250, blue 511 >> 2 = 127.
-        {ZO_PT_RGB48_10BITS, ZO_PT_RGB24, {400 & 0xFF, 400 >> 8, 1000 & 0xFF, 1000 >> 8, 0xFF, 0x03}, 1,
-         {150, 250, 127}, &f16},
-    });
 }
 
