@@ -130,27 +130,6 @@ TEST(BayerConverters, RedSamplingQuirk)
         }
 }
 
-TEST(BayerConverters, NormalizedTenBitFlatFieldGives255)
-{
-    const std::uint16_t word = 0x3FF << 6;
-    for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32, ZO_PT_RGB16}) {
-        const ZoPixelConverter& conv =
-            ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB10 | ZO_PIXEL_NORMALIZED, destination);
-        const unsigned out = conv.GetDestinationByteSize();
-        for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
-            std::vector<std::uint8_t> source(10 * 6 * 2), dest(10 * 6 * out, 0);
-            for (std::size_t i = 0; i < source.size(); i += 2) {
-                source[i] = std::uint8_t(word & 0xFF);
-                source[i + 1] = std::uint8_t(word >> 8);
-            }
-            conv.Convert(source.data(), 10, 6, dest.data(), 10, 6, 10, 6, mode, 0);
-            for (std::size_t p = 0; p < 60; ++p)
-                for (unsigned b = 0; b < std::min(out, 3u); ++b)
-                    ASSERT_EQ(dest[p * out + b], 0xFF) << destination << " pixel " << p;
-        }
-    }
-}
-
 TEST(BayerConverters, LineAndPixelFormsOutsideAnArea)
 {
     std::vector<std::uint8_t> source(64, 7), dest(64 * 6, 0x5A);
