@@ -39,12 +39,7 @@ constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
 
 bool IsBayer(std::int64_t id)
 {
-    const std::int64_t base = id & (ZO_PIXEL_COLORSPACE_MASK | ZO_PIXEL_FORMAT_MASK);
-    for (std::int64_t bayer : {ZO_PT_BAYER_RGB8, ZO_PT_BAYER_RGB10, ZO_PT_BAYER_RGB12, ZO_PT_BAYER_RGGB8,
-                               ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12})
-        if (base == bayer)
-            return true;
-    return false;
+    return ZoPixelTypeFactory::HasPixelType(id) && ZoPixelTypeFactory::GetPixelType(id).IsBayerPattern();
 }
 
 // One area conversion of a width x kHeight frame into a buffer filled with
