@@ -9,7 +9,6 @@ list(APPEND ZO_LIB_SOURCES
 zo_add_simd_source(${_dir}/BayerSse2.cpp SSE2)
 zo_add_simd_source(${_dir}/BayerAvx2.cpp AVX2)
 list(APPEND ZO_TEST_SOURCES
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerConvertersTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerConcurrencyTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/bayer/BayerConvertersTest.cpp)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/bayer_bench.cpp)

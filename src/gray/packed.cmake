@@ -11,7 +11,6 @@ zo_add_simd_source(${_dir}/PackedSse2.cpp SSE2)
 zo_add_simd_source(${_dir}/PackedAvx2.cpp AVX2)
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/PackedTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/PackedKernelsTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/gray/DualTapTest.cpp)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/packed_bench.cpp)

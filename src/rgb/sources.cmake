@@ -9,5 +9,4 @@ zo_add_simd_source(${_dir}/RGBAvx2.cpp AVX2)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/rgb_bench.cpp)
 list(APPEND ZO_TEST_SOURCES
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConvertersTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConcurrencyTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/rgb/RGBConvertersTest.cpp)

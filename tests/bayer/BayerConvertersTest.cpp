@@ -7,9 +7,7 @@
 
 #include "ZoBayerConverters.h"
 #include "ZoImgLib.h"
-#include "bayer/BayerKernels.h"
 #include "bayer/BayerReference.h"
-#include "support/CpuLevels.h"
 
 using namespace bayer_test;
 
@@ -24,22 +22,6 @@ const std::uint32_t kPatterns[] = {0, ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GBRG, ZO
                                    ZO_FLAG_BAYER_BGGR};
 
 }  // namespace
-
-TEST(BayerRegistration, FiftyEightInstancesOfTheRightFamilies)
-{
-    const std::vector<Instance> all = AllInstances();
-    ASSERT_EQ(all.size(), 58u);
-    for (const Instance& in : all) {
-        const ZoPixelConverter* c = &Get(in);
-        ASSERT_NE(c, nullptr) << std::hex << in.source << " -> " << in.destination;
-        EXPECT_EQ(c->GetSourceByteSize(), in.sourceBytes);
-        EXPECT_EQ(c->GetDestinationByteSize(), LayoutBytes(in.layout));
-        if (in.wordFamily)
-            EXPECT_NE(dynamic_cast<const ZoBayerRGB16ToRGB*>(c), nullptr);
-        else
-            EXPECT_NE(dynamic_cast<const ZoBayerRGB8ToRGB*>(c), nullptr);
-    }
-}
 
 // Deliberately, the 16-bit family's 24-bit converters pipeline two pixels,
 // unlike the others (eight). Built on taken pairs, they do not register.
@@ -57,12 +39,14 @@ TEST(BayerRegistration, PipeliningSizes)
     EXPECT_EQ(Probe8x32().GetPipeliningSize(), 8u);
 }
 
-// Every instance, pattern (none, each one, and several at once, where the
-// first in order wins) and mode against the reference, every byte of exactly
-// sized buffers: sizes 1..9 x 1..9 and a few wider ones, then a non-identity
-// filter, destination padding and areas narrower than the source lines.
+// Every instance, pattern (none: the 8-bit family's registered default, GRBG
+// for the 16-bit family; each one; several at once, where the first in order
+// wins) and mode against the reference, every byte of exactly sized buffers:
+// sizes 1..9 x 1..9 and a few wider ones, then a non-identity filter,
+// destination padding and areas narrower than the source lines.
 TEST(BayerConverters, EveryInstanceMatchesTheReference)
 {
+    ASSERT_EQ(AllInstances().size(), 58u);
     std::mt19937 rng(1);
     std::vector<Case> cases;
     for (std::uint32_t w = 1; w <= 9; ++w)
@@ -88,31 +72,6 @@ TEST(BayerConverters, EveryInstanceMatchesTheReference)
                     ASSERT_EQ(o.result, ZO_OK);
                     ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
                 }
-}
-
-// Without a pattern flag the 8-bit family uses its registered default, the
-// 16-bit family GRBG whatever its default.
-TEST(BayerConverters, PatternDefaultsOfDeprecatedTypes)
-{
-    std::mt19937 rng(4);
-    std::vector<std::uint8_t> source8(8 * 6), source16(8 * 6 * 2);
-    for (auto& b : source8)
-        b = std::uint8_t(rng());
-    for (auto& b : source16)
-        b = std::uint8_t(rng());
-    auto convert = [](const ZoPixelConverter& c, const std::vector<std::uint8_t>& s, std::uint32_t flags) {
-        std::vector<std::uint8_t> d(8 * 6 * 3);
-        c.Convert(s.data(), 8, 6, d.data(), 8, 6, 8, 6, flags, 0);
-        return d;
-    };
-    for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
-        const ZoPixelConverter& rggb8 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB8, ZO_PT_RGB24);
-        EXPECT_EQ(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_RGGB));
-        EXPECT_NE(convert(rggb8, source8, mode), convert(rggb8, source8, mode | ZO_FLAG_BAYER_GRBG));
-        const ZoPixelConverter& rggb12 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGGB12, ZO_PT_RGB24);
-        EXPECT_EQ(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_GRBG));
-        EXPECT_NE(convert(rggb12, source16, mode), convert(rggb12, source16, mode | ZO_FLAG_BAYER_RGGB));
-    }
 }
 
 // Each colour plane constant: the output is that colour everywhere, edges
@@ -169,27 +128,6 @@ TEST(BayerConverters, RedSamplingQuirk)
             const unsigned word = (red >> 3) << 11 | (0x40 >> 2) << 5 | (0x08 >> 3);
             EXPECT_EQ(dest[(y * w + x) * 2] | dest[(y * w + x) * 2 + 1] << 8, int(word)) << x << "," << y;
         }
-}
-
-TEST(BayerConverters, NormalizedTenBitFlatFieldGives255)
-{
-    const std::uint16_t word = 0x3FF << 6;
-    for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32, ZO_PT_RGB16}) {
-        const ZoPixelConverter& conv =
-            ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB10 | ZO_PIXEL_NORMALIZED, destination);
-        const unsigned out = conv.GetDestinationByteSize();
-        for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE}) {
-            std::vector<std::uint8_t> source(10 * 6 * 2), dest(10 * 6 * out, 0);
-            for (std::size_t i = 0; i < source.size(); i += 2) {
-                source[i] = std::uint8_t(word & 0xFF);
-                source[i + 1] = std::uint8_t(word >> 8);
-            }
-            conv.Convert(source.data(), 10, 6, dest.data(), 10, 6, 10, 6, mode, 0);
-            for (std::size_t p = 0; p < 60; ++p)
-                for (unsigned b = 0; b < std::min(out, 3u); ++b)
-                    ASSERT_EQ(dest[p * out + b], 0xFF) << destination << " pixel " << p;
-        }
-    }
 }
 
 TEST(BayerConverters, LineAndPixelFormsOutsideAnArea)
@@ -267,51 +205,6 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
     EXPECT_EQ(d1, d2);
-}
-
-// The vector inside of interpolating lines at every level the host runs
-// against the scalar loop, on random rows of awkward widths, every phase,
-// with guard bytes after the row.
-TEST(BayerSimd, VectorLinesMatchScalarLines)
-{
-    std::mt19937 rng(6);
-    auto check = [&](auto reader, auto out, unsigned bytes) {
-        using Src = decltype(reader);
-        using Out = decltype(out);
-        for (std::uint32_t count : {4u, 9u, 10u, 11u, 12u, 18u, 19u, 20u, 21u, 33u, 34u, 35u, 36u, 37u, 50u, 51u, 66u,
-                                    67u, 68u, 69u, 100u, 1921u})
-            for (int phase = 0; phase < 4; ++phase) {
-                std::vector<std::uint8_t> rows(3 * count * Src::kBytes);
-                for (auto& b : rows)
-                    b = std::uint8_t(rng());
-                // 16-bit rows: half of them in the 12-bit range, half full range.
-                if (Src::kBytes == 2 && (phase & 1))
-                    for (std::size_t i = 1; i < rows.size(); i += 2)
-                        rows[i] &= 0x0F;
-                const std::ptrdiff_t w = count;
-                const std::uint8_t* line = &rows[count * Src::kBytes];
-                std::vector<std::uint8_t> scalar(count * bytes + 16, 0xC3);
-                zo::InterpolateLine<Src, Out, false>(line, scalar.data(), count, phase, -w, w, true, true, out);
-                for (zo::simd::CpuLevel level : zotest::HostCpuLevels()) {
-                    const zotest::CpuCeilingScope ceiling(level);
-                    std::vector<std::uint8_t> vector(scalar.size(), 0xC3);
-                    zo::InterpolateLine<Src, Out>(line, vector.data(), count, phase, -w, w, true, true, out);
-                    ASSERT_EQ(vector, scalar) << zo::simd::CpuLevelName(level) << ", count " << count << " phase "
-                                              << phase << " bytes " << bytes;
-                }
-            }
-    };
-    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB24, false>{0}, 3);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR24, false>{0}, 3);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteRGB32, false>{0}, 4);
-    check(zo::Samples8{}, zo::Identity8<zo::WriteBGR32, false>{0}, 4);
-    for (unsigned shift : {0u, 2u, 4u, 7u}) {
-        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB24, true>{shift}, 3);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR24, true>{shift}, 3);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteRGB32, true>{shift}, 4);
-        check(zo::Samples16{}, zo::Identity8<zo::WriteBGR32, true>{shift}, 4);
-    }
-    check(zo::Samples16{}, zo::Identity48{}, 6);
 }
 
 // Lines per line call follow the calling thread's current flags: 2 when

@@ -1,5 +1,5 @@
-// A plain per-pixel Bayer demosaicer written from the rules, and a
-// description of every registered Bayer converter, for the Bayer tests.
+// A plain per-pixel Bayer demosaicer written from the rules, and every
+// registered Bayer converter as it reads and writes, for the Bayer tests.
 #ifndef ZO_TESTS_BAYER_REFERENCE_H
 #define ZO_TESTS_BAYER_REFERENCE_H
 
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ZoImgLib.h"
+#include "support/FamilyTables.h"
 
 namespace bayer_test {
 
@@ -37,36 +38,20 @@ struct Instance {
     std::uint32_t noFlagPattern;  // the pattern used by an area call without pattern flag
 };
 
-// The 58 registered instances, derived from the rules (not from the library).
+// The 58 registered instances (tests/data/registry.csv). The 16-bit family
+// ignores its default pattern: always GRBG without a pattern flag.
 inline std::vector<Instance> AllInstances()
 {
-    const std::int64_t N = ZO_PIXEL_NORMALIZED;
-    struct Dst { std::int64_t id; Layout layout; };
-    const Dst eight[] = {{ZO_PT_RGB16, Layout::RGB16}, {ZO_PT_RGB24, Layout::RGB24}, {ZO_PT_BGR24, Layout::BGR24},
-                         {ZO_PT_RGB32, Layout::RGB32}, {ZO_PT_BGR32, Layout::BGR32}};
+    const std::int64_t layouts[] = {ZO_PT_RGB16, ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32};
     std::vector<Instance> all;
-    // 10- and 12-bit: 16-bit family, which ignores its default (always GRBG).
-    const std::pair<std::int64_t, unsigned> words[] = {
-        {ZO_PT_BAYER_RGB10, 2}, {ZO_PT_BAYER_RGGB10, 2}, {ZO_PT_BAYER_RGB12, 4}, {ZO_PT_BAYER_RGGB12, 4}};
-    for (const auto& s : words) {
-        for (const Dst& d : eight)
-            all.push_back({s.first, d.id, d.layout, true, 2, s.second, ZO_FLAG_BAYER_GRBG});
-        all.push_back({s.first, ZO_PT_RGB48, Layout::RGB48, true, 2, 0, ZO_FLAG_BAYER_GRBG});
+    for (const zotest::RegistryRow& r : zotest::RegistryTable()) {
+        if (!r.Is("ZoBayerRGB"))
+            continue;
+        const bool words = r.Is("ZoBayerRGB16To");
+        const Layout layout = Layout(std::find(layouts, std::end(layouts), r.destination) - layouts);
+        all.push_back({r.source, r.destination, layout, words, words ? 2u : unsigned(r.Param("extra")) + 1,
+                       unsigned(r.Param("shift")), words ? ZO_FLAG_BAYER_GRBG : std::uint32_t(r.Param("pattern"))});
     }
-    // "Normalized": upper byte through the 8-bit family, whole words to RGB48 Normalized.
-    const std::pair<std::int64_t, std::uint32_t> normalized[] = {
-        {ZO_PT_BAYER_RGB10 | N, ZO_FLAG_BAYER_GRBG}, {ZO_PT_BAYER_RGGB10 | N, ZO_FLAG_BAYER_GRBG},
-        {ZO_PT_BAYER_RGB12 | N, ZO_FLAG_BAYER_GRBG}, {ZO_PT_BAYER_RGGB12 | N, ZO_FLAG_BAYER_RGGB}};
-    for (const auto& s : normalized) {
-        for (const Dst& d : eight)
-            all.push_back({s.first, d.id, d.layout, false, 2, 0, s.second});
-        all.push_back({s.first, ZO_PT_RGB48 | N, Layout::RGB48, true, 2, 0, ZO_FLAG_BAYER_GRBG});
-    }
-    const std::pair<std::int64_t, std::uint32_t> bytes[] = {{ZO_PT_BAYER_RGB8, ZO_FLAG_BAYER_GRBG},
-                                                            {ZO_PT_BAYER_RGGB8, ZO_FLAG_BAYER_RGGB}};
-    for (const auto& s : bytes)
-        for (const Dst& d : eight)
-            all.push_back({s.first, d.id, d.layout, false, 1, 0, s.second});
     return all;
 }
 

@@ -1,7 +1,10 @@
-// Several threads converting through one converter and one chain at once,
-// each with its own filter, flags and frame, get exactly what a serial run
-// gives: test converters, test chains and built-in chains behind a
-// deinterlacer, an unpacker, a recombiner, a Bayer converter and another chain.
+// Threads converting through shared converters and chains at once, each with
+// its own frame size, flags, padding and filter, get exactly what a serial
+// run gives. The filter and the Bayer layout travel in each call's context,
+// the dual-lines parity in each thread's record: nothing may leak between
+// threads. One table of jobs: test converters and test chains, built-in
+// chains behind a deinterlacer, an unpacker, a recombiner and a Bayer
+// converter, and one converter of each family.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -16,53 +19,39 @@ using zotest::FreshTestId;
 namespace {
 
 constexpr int kThreads = 4;
-constexpr int kRounds = 12;
+constexpr int kRounds = 6;
 
+// One conversion: a converter and the arguments of one thread's frame.
 struct Job {
+    const ZoPixelConverter* converter;
     std::uint32_t width, height, padding, flags;
-    std::vector<unsigned char> source;
-    ZoRGBFilter filter{16};
+    const ZoRGBFilter* filter;  // null: the default
+    const std::vector<unsigned char>* source;
 };
-
-std::vector<Job> MakeJobs()
-{
-    std::vector<Job> jobs(kThreads);
-    std::mt19937 rng(99);
-    for (int t = 0; t < kThreads; ++t) {
-        Job& j = jobs[t];
-        j.width = 17 + 6 * t;  // odd: packed stages write past the line inside the chain's buffer
-        j.height = 10 + 2 * t;  // even: the field split falls on a line
-        j.padding = t;
-        const std::uint32_t flags[] = {0, ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_INTERPOLATE,
-                                       ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
-                                       ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_BGGR};
-        j.flags = flags[t];
-        j.source.resize(j.width * (j.height + 1) * 8 + 64);  // room for the widest source pixels
-        for (auto& b : j.source)
-            b = static_cast<unsigned char>(rng());
-        j.filter.SetMultipliers(0.3 + 0.4 * t, 1.0, 1.5 - 0.2 * t, static_cast<std::uint16_t>(t * 5), 0, 0);
-    }
-    return jobs;
-}
 
 // One filtered area conversion into a fresh poisoned buffer (with room for
 // planar destinations and converters that write past the last pixel).
-std::vector<unsigned char> ConvertFrame(const ZoPixelConverter& c, const Job& j)
+std::vector<unsigned char> ConvertFrame(const Job& j)
 {
+    const ZoPixelConverter& c = *j.converter;
     const std::uint32_t stride = c.GetDestinationByteSize(j.width) + j.padding;
     std::vector<unsigned char> d(stride * (j.height + 1) + 3 * j.width * j.height + 64, 0xA5);
-    c.Convert(j.filter, j.source.data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height,
-              j.flags, j.padding);
+    if (j.filter)
+        c.Convert(*j.filter, j.source->data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height,
+                  j.flags, j.padding);
+    else
+        c.Convert(j.source->data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height, j.flags,
+                  j.padding);
     return d;
 }
 
 }  // namespace
 
-TEST(ConvertConcurrency, ConvertersAndChainsShared)
+TEST(ConvertConcurrency, EveryJobMatchesTheSerialRun)
 {
     // A filter-applying converter, a chain of two of them (the caller's
     // filter on the first stage only) and a chain behind the deinterlacing
-    // identity, all converted through by every thread at once.
+    // identity.
     const std::int64_t x = FreshTestId(), y = FreshTestId(), z = FreshTestId();
     static FilterStage single(FreshTestId(), FreshTestId(), 3, 0x0D);
     static FilterStage a(x, y, 1, 0x11), b(y, z, 2, 0x05);
@@ -72,28 +61,62 @@ TEST(ConvertConcurrency, ConvertersAndChainsShared)
     ASSERT_NE(deinterlace, nullptr);
     static FilterStage after(ZO_PT_GRAY8, FreshTestId(), 2, 0x21);
     static ZoComplexConverter fieldChain(deinterlace, &after);
-    std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain, deinterlace};
+    std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain};
     const std::pair<std::int64_t, std::int64_t> builtIn[] = {
+        // Chains.
         {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24},
         {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
         {ZO_PT_GRAY10 | ZO_PIXEL_PACKED, ZO_PT_GRAY14},
         {ZO_PT_BAYER_RGB8 | ZO_PIXEL_TAP_DUAL_LR, ZO_PT_RGB32},
-        {ZO_PT_BAYER_RGGB12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR}};
+        {ZO_PT_BAYER_RGGB12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
+        // Single converters of each family.
+        {ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8},
+        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32},
+        {ZO_PT_RGB48_12BITS, ZO_PT_RGB24},
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB24},
+        {ZO_PT_BAYER_RGB12, ZO_PT_RGB48},
+        {ZO_PT_YUV8, ZO_PT_RGB24},
+        {ZO_PT_YUV10 | ZO_PIXEL_INTERLACED, ZO_PT_BGR32},
+        {ZO_PT_YCRCB, ZO_PT_RGB16},
+        {ZO_PT_GRAY12 | ZO_PIXEL_TAP_DUAL_LR_INV | ZO_PIXEL_PACKED, ZO_PT_GRAY16},
+        {ZO_PT_GRAY8 | ZO_PIXEL_TAP_DUAL_LINES, ZO_PT_GRAY8},
+        {ZO_PT_GRAY14, ZO_PT_RGB32}};
     for (const auto& p : builtIn) {
-        converters.push_back(
-            dynamic_cast<const ZoComplexConverter*>(&ZoPixelTypeFactory::GetConverter(p.first, p.second)));
-        ASSERT_NE(converters.back(), nullptr) << std::hex << p.first << "->" << p.second;
+        ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(p.first, p.second)) << std::hex << p.first << "->" << p.second;
+        converters.push_back(&ZoPixelTypeFactory::GetConverter(p.first, p.second));
     }
 
-    const std::vector<Job> jobs = MakeJobs();
-    std::vector<std::vector<std::vector<unsigned char>>> serial(converters.size());
-    for (std::size_t c = 0; c < converters.size(); ++c)
-        for (const Job& j : jobs)
-            serial[c].push_back(ConvertFrame(*converters[c], j));
+    // Four variants per converter, next to each other in the table: threads
+    // walk it from different starts, so one converter serves several variants
+    // at the same moment.
+    const std::uint32_t flags[kThreads] = {0, ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_INTERPOLATE,
+                                           ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+                                           ZO_FLAG_INVERT_DEINTERLACER | ZO_FLAG_BAYER_BGGR};
+    std::vector<ZoRGBFilter> filters;
+    std::vector<std::vector<unsigned char>> sources(kThreads);
+    std::mt19937 rng(99);
+    for (int v = 0; v < kThreads; ++v) {
+        filters.emplace_back(v % 2 ? 16 : 8);
+        filters.back().SetMultipliers(0.3 + 0.4 * v, 1.0, 1.5 - 0.2 * v, static_cast<std::uint16_t>(v * 5), 0, 0);
+        sources[v].resize((17 + 6 * v) * (11 + 2 * v) * 8 + 64);  // room for the widest source pixels
+        for (auto& byte : sources[v])
+            byte = static_cast<unsigned char>(rng());
+    }
+    std::vector<Job> jobs;
+    for (const ZoPixelConverter* c : converters)
+        for (int v = 0; v < kThreads; ++v)  // odd widths: packed stages write past the line in a chain's buffer;
+            // even heights: the field split falls on a line
+            jobs.push_back({c, 17u + 6 * v, 10u + 2 * v, std::uint32_t(v), flags[v],
+                            v == 3 ? nullptr : &filters[v], &sources[v]});
+    std::vector<std::vector<unsigned char>> serial;
+    for (const Job& j : jobs)
+        serial.push_back(ConvertFrame(j));
     const auto mismatches = zotest::CountThreadMismatches(kThreads, kRounds, [&](int t) {
         int bad = 0;
-        for (std::size_t c = 0; c < converters.size(); ++c)
-            bad += ConvertFrame(*converters[c], jobs[t]) != serial[c][t];
+        for (std::size_t i = 0; i < jobs.size(); ++i) {
+            const std::size_t k = (i + t) % jobs.size();
+            bad += ConvertFrame(jobs[k]) != serial[k];
+        }
         return bad != 0;
     });
     EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
@@ -104,25 +127,23 @@ TEST(ConvertConcurrency, DirectLineCallsWhileOthersConvertAreas)
     // Threads mixing direct line calls (no filter: the default) with
     // filtered area conversions keep their records apart.
     static FilterStage stage(FreshTestId(), FreshTestId(), 2, 0x07);
-    const std::vector<Job> jobs = MakeJobs();
-    const std::uint8_t* identity = ZoPixelConverter::DefaultFilter(1).RedTable8();
-    std::vector<std::vector<unsigned char>> expected;
-    for (int t = 0; t < kThreads; ++t) {
-        const Job& j = jobs[t];
-        if (t & 1) {
-            expected.emplace_back(j.width * 2);
-            FilterStage::Apply(identity, 0, 0x07, 2, j.source.data(), expected.back().data(), j.width);
-        } else {
-            expected.push_back(ConvertFrame(stage, j));
-        }
-    }
-    const auto mismatches = zotest::CountThreadMismatches(kThreads, kRounds * 4, [&](int t) {
-        const Job& j = jobs[t];
+    ZoRGBFilter filter(8);
+    filter.SetMultipliers(0.5, 1.0, 1.0);
+    std::mt19937 rng(98);
+    std::vector<unsigned char> source(40 * 9);
+    for (auto& byte : source)
+        byte = static_cast<unsigned char>(rng());
+    const Job area{&stage, 40, 8, 3, 0, &filter, &source};
+    const std::vector<unsigned char> expectedArea = ConvertFrame(area);
+    std::vector<unsigned char> expectedLine(2 * 40);
+    FilterStage::Apply(ZoPixelConverter::DefaultFilter(1).RedTable8(), 0, 0x07, 2, source.data(),
+                       expectedLine.data(), 40);
+    const auto mismatches = zotest::CountThreadMismatches(kThreads, kRounds * 8, [&](int t) {
         if (!(t & 1))
-            return ConvertFrame(stage, j) != expected[t];
-        std::vector<unsigned char> line(j.width * 2);
-        stage.Convert(j.source.data(), line.data(), j.width);
-        return line != expected[t];
+            return ConvertFrame(area) != expectedArea;
+        std::vector<unsigned char> line(2 * 40);
+        stage.Convert(source.data(), line.data(), 40);
+        return line != expectedLine;
     });
     EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
 }

@@ -1,13 +1,19 @@
 // The built-in catalogue: every type with its exact name and sizes, nothing
-// else registered, and the searches by attributes over it.
+// else registered, the searches by attributes over it, and the golden table
+// of registered converters.
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <set>
+#include <string>
 #include <typeinfo>
 #include <vector>
 
+#include "ZoBayerConverters.h"
+#include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
+#include "support/BuiltInPairs.h"
+#include "support/FamilyTables.h"
 
 namespace {
 
@@ -15,141 +21,29 @@ struct CatalogueRow {
     std::int64_t id;
     std::uint16_t bits, bytes;
     bool bayer;
-    const char* name;
+    std::string name;
 };
 
-// The catalogue as published, group by group.
-const CatalogueRow kCatalogue[] = {
-    {0x00010001, 8, 1, false, "Grayscale 8-bits"},
-    {0x00010002, 10, 2, false, "Grayscale 10-bits"},
-    {0x00010003, 12, 2, false, "Grayscale 12-bits"},
-    {0x00010004, 14, 2, false, "Grayscale 14-bits"},
-    {0x00010005, 16, 2, false, "Grayscale 16-bits"},
-    {0x00110002, 10, 2, false, "Grayscale 10-bits, Normalized"},
-    {0x00110003, 12, 2, false, "Grayscale 12-bits, Normalized"},
-    {0x00110004, 14, 2, false, "Grayscale 14-bits, Normalized"},
-    {0x00110005, 16, 2, false, "Grayscale 16-bits, Normalized"},
-    {0x00210001, 8, 1, false, "Grayscale 8-bits, Interlaced"},
-    {0x00210002, 10, 2, false, "Grayscale 10-bits, Interlaced"},
-    {0x00210003, 12, 2, false, "Grayscale 12-bits, Interlaced"},
-    {0x00210004, 14, 2, false, "Grayscale 14-bits, Interlaced"},
-    {0x00210005, 16, 2, false, "Grayscale 16-bits, Interlaced"},
-    {0x00310002, 10, 2, false, "Grayscale 10-bits, Normalized, Interlaced"},
-    {0x00310003, 12, 2, false, "Grayscale 12-bits, Normalized, Interlaced"},
-    {0x00310004, 14, 2, false, "Grayscale 14-bits, Normalized, Interlaced"},
-    {0x00310005, 16, 2, false, "Grayscale 16-bits, Normalized, Interlaced"},
-    {0x00410002, 10, 2, false, "Grayscale 10-bits, Packed"},
-    {0x00410003, 12, 2, false, "Grayscale 12-bits, Packed"},
-    {0x00610002, 10, 2, false, "Grayscale 10-bits, Interlaced, Packed"},
-    {0x00610003, 12, 2, false, "Grayscale 12-bits, Interlaced, Packed"},
-    {0x01010001, 8, 1, false, "Grayscale 8-bits, Dual Left+Right output"},
-    {0x01410002, 10, 2, false, "Grayscale 10-bits, Packed, Dual Left+Right output"},
-    {0x01410003, 12, 2, false, "Grayscale 12-bits, Packed, Dual Left+Right output"},
-    {0x01610002, 10, 2, false, "Grayscale 10-bits, Interlaced, Packed, Dual Left+Right output"},
-    {0x01610003, 12, 2, false, "Grayscale 12-bits, Interlaced, Packed, Dual Left+Right output"},
-    {0x02010001, 8, 1, false, "Grayscale 8-bits, Dual Left+Right Inverted output"},
-    {0x02410002, 10, 2, false, "Grayscale 10-bits, Packed, Dual Left+Right Inverted output"},
-    {0x02410003, 12, 2, false, "Grayscale 12-bits, Packed, Dual Left+Right Inverted output"},
-    {0x02610002, 10, 2, false, "Grayscale 10-bits, Interlaced, Packed, Dual Left+Right Inverted output"},
-    {0x02610003, 12, 2, false, "Grayscale 12-bits, Interlaced, Packed, Dual Left+Right Inverted output"},
-    {0x04010001, 8, 1, false, "Grayscale 8-bits, Dual Left Inverted+Right output"},
-    {0x04410002, 10, 2, false, "Grayscale 10-bits, Packed, Dual Left Inverted+Right output"},
-    {0x04410003, 12, 2, false, "Grayscale 12-bits, Packed, Dual Left Inverted+Right output"},
-    {0x04610002, 10, 2, false, "Grayscale 10-bits, Interlaced, Packed, Dual Left Inverted+Right output"},
-    {0x04610003, 12, 2, false, "Grayscale 12-bits, Interlaced, Packed, Dual Left Inverted+Right output"},
-    {0x08010001, 8, 1, false, "Grayscale 8-bits, Dual Left Inverted+Right Inverted output"},
-    {0x08410002, 10, 2, false, "Grayscale 10-bits, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x08410003, 12, 2, false, "Grayscale 12-bits, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x08610002, 10, 2, false, "Grayscale 10-bits, Interlaced, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x08610003, 12, 2, false, "Grayscale 12-bits, Interlaced, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x10010001, 8, 1, false, "Grayscale 8-bits, Dual Lines output"},
-    {0x00020001, 16, 2, false, "RGB 16-bits"},
-    {0x00020002, 24, 3, false, "RGB 24-bits"},
-    {0x00020003, 32, 4, false, "RGB 32-bits"},
-    {0x00020004, 48, 6, false, "RGB 48-bits"},
-    {0x00020005, 64, 8, false, "RGB 64-bits"},
-    {0x00020006, 24, 3, false, "BGR 24-bits"},
-    {0x00020007, 32, 4, false, "RGB 32-bits"},
-    {0x00020008, 10, 6, false, "RGB 48-bits (3 x 10 bits)"},
-    {0x00020009, 10, 8, false, "RGB 64-bits (4 x 10 bits)"},
-    {0x0002000A, 8, 3, false, "RGB 24-bits (3 X 8-bits)"},
-    {0x0002000B, 8, 4, false, "RGB 32-bits (4 X 8-bits)"},
-    {0x0002000C, 12, 6, false, "RGB 48-bits (3 x 12 bits)"},
-    {0x0002000D, 12, 8, false, "RGB 64-bits (4 x 12 bits)"},
-    {0x00120004, 48, 6, false, "RGB 48-bits, Normalized"},
-    {0x00120005, 64, 8, false, "RGB 64-bits, Normalized"},
-    {0x00120008, 10, 6, false, "RGB 48-bits (3 x 10 bits), Normalized"},
-    {0x00120009, 10, 8, false, "RGB 64-bits (4 x 10 bits), Normalized"},
-    {0x0012000C, 12, 6, false, "RGB 48-bits (3 x 12 bits), Normalized"},
-    {0x0012000D, 12, 8, false, "RGB 64-bits (4 x 12 bits), Normalized"},
-    {0x00420002, 24, 3, false, "RGB 24-bits, Packed"},
-    {0x00420006, 24, 3, false, "BGR 24-bits, Packed"},
-    {0x0042000A, 8, 3, false, "RGB 24-bits (3 X 8-bits), Packed"},
-    {0x0042000B, 8, 4, false, "RGB 32-bits (4 X 8-bits), Packed"},
-    {0x00820002, 24, 3, false, "RGB 24-bits, Planar"},
-    {0x0082000A, 8, 3, false, "RGB 24-bits (3 X 8-bits), Planar"},
-    {0x0082000B, 8, 4, false, "RGB 32-bits (4 X 8-bits), Planar"},
-    {0x00020010, 8, 1, true, "Bayer RGB 8-bits"},
-    {0x00020011, 10, 2, true, "Bayer RGB 10-bits"},
-    {0x00020012, 12, 2, true, "Bayer RGB 12-bits"},
-    {0x00120011, 10, 2, true, "Bayer RGB 10-bits, Normalized"},
-    {0x00120012, 12, 2, true, "Bayer RGB 12-bits, Normalized"},
-    {0x00220011, 10, 2, true, "Bayer RGB 10-bits, Interlaced"},
-    {0x00320011, 10, 2, true, "Bayer RGB 10-bits, Normalized, Interlaced"},
-    {0x00420011, 10, 2, true, "Bayer RGB 10-bits, Packed"},
-    {0x00420012, 12, 2, true, "Bayer RGB 12-bits, Packed"},
-    {0x01020010, 8, 1, true, "Bayer RGB 8-bits, Dual Left+Right output"},
-    {0x01420011, 10, 2, true, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
-    {0x01420012, 12, 2, true, "Bayer RGB 12-bits, Packed, Dual Left+Right output"},
-    {0x02020010, 8, 1, true, "Bayer RGB 8-bits, Dual Left+Right Inverted output"},
-    {0x02420011, 10, 2, true, "Bayer RGB 10-bits, Packed, Dual Left+Right Inverted output"},
-    {0x02420012, 12, 2, true, "Bayer RGB 12-bits, Packed, Dual Left+Right Inverted output"},
-    {0x04020010, 8, 1, true, "Bayer RGB 8-bits, Dual Left Inverted+Right output"},
-    {0x04420011, 10, 2, true, "Bayer RGB 10-bits, Packed, Dual Left Inverted+Right output"},
-    {0x04420012, 12, 2, true, "Bayer RGB 12-bits, Packed, Dual Left Inverted+Right output"},
-    {0x08020010, 8, 1, true, "Bayer RGB 8-bits, Dual Left Inverted+Right Inverted output"},
-    {0x08420011, 10, 2, true, "Bayer RGB 10-bits, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x08420012, 12, 2, true, "Bayer RGB 12-bits, Packed, Dual Left Inverted+Right Inverted output"},
-    {0x00020013, 8, 1, true, "Bayer RGGB 8-bits (deprecated)"},
-    {0x00020014, 10, 2, true, "Bayer RGGB, 10-bits (deprecated)"},
-    {0x00020015, 12, 2, true, "Bayer RGGB, 12-bits (deprecated)"},
-    {0x00120014, 10, 2, true, "Bayer RGGB 10-bits, Normalized (deprecated)"},
-    {0x00120015, 12, 2, true, "Bayer RGGB 12-bits, Normalized (deprecated)"},
-    {0x00220014, 10, 2, true, "Bayer RGGB 10-bits, Interlaced (deprecated)"},
-    {0x00320014, 10, 2, true, "Bayer RGGB 10-bits, Normalized, Interlaced (deprecated)"},
-    {0x00420014, 10, 2, true, "Bayer RGGB 10-bits, Packed (deprecated)"},
-    {0x00420015, 12, 2, true, "Bayer RGGB 12-bits, Packed (deprecated)"},
-    {0x01020013, 8, 1, true, "Bayer RGGB, 8-bits, Dual Left+Right Output (deprecated)"},
-    {0x01420014, 10, 2, true, "Bayer RGGB, 10-bits, Packed, Dual Left+Right Output (deprecated)"},
-    {0x01420015, 12, 2, true, "Bayer RGGB, 12-bits, Packed, Dual Left+Right Output (deprecated)"},
-    {0x02020013, 8, 1, true, "Bayer RGGB 8-bits, Dual Left Inverted+Right Output (deprecated)"},
-    {0x02420014, 10, 2, true, "Bayer RGGB, 10-bits, Packed, Dual Left+Right Inverted Output (deprecated)"},
-    {0x02420015, 12, 2, true, "Bayer RGGB, 12-bits, Packed, Dual Left+Right Inverted Output (deprecated)"},
-    {0x04020013, 8, 1, true, "Bayer RGGB 8-bits, Dual Left+Right Inverted Output (deprecated)"},
-    {0x04420014, 10, 2, true, "Bayer RGGB, 10-bits, Packed, Dual Left Inverted+Right Output (deprecated)"},
-    {0x04420015, 12, 2, true, "Bayer RGGB, 12-bits, Packed, Dual Left Inverted+Right Output (deprecated)"},
-    {0x08020013, 8, 1, true, "Bayer RGGB 8-bits, Dual Left Inverted+Right Inverted Output (deprecated)"},
-    {0x08420014, 10, 2, true, "Bayer RGGB, 10-bits, Packed, Dual Left Inverted+Right Inverted Output (deprecated)"},
-    {0x08420015, 12, 2, true, "Bayer RGGB, 12-bits, Packed, Dual Left Inverted+Right Inverted Output (deprecated)"},
-    {0x00040001, 16, 2, false, "YUV 8-bits 4:2:2"},
-    {0x00040002, 20, 4, false, "YUV 10-bits 4:2:2"},
-    {0x00140002, 20, 4, false, "YUV 10-bits 4:2:2, Normalized"},
-    {0x00240001, 16, 2, false, "YUV 8-bits 4:2:2, Interlaced"},
-    {0x00240002, 20, 4, false, "YUV 10-bits 4:2:2, Interlaced"},
-    {0x00340002, 20, 4, false, "YUV 10-bits 4:2:2, Normalized, Interlaced"},
-    {0x00440003, 24, 3, false, "YUV 8-bits 4:4:4, Packed"},
-    {0x00440005, 24, 3, false, "YCrCb 8-bits 4:4:4, Packed"},
-    {0x00640003, 24, 3, false, "YUV 8-bits 4:4:4, Packed, Interlaced"},
-    {0x00640005, 24, 3, false, "YCrCb 8-bits 4:4:4, Packed, Interlaced"},
-};
+// The catalogue as published (tests/data/catalogue.csv), group by group.
+const std::vector<CatalogueRow>& Catalogue()
+{
+    static const std::vector<CatalogueRow> rows = [] {
+        std::vector<CatalogueRow> v;
+        for (const zotest::TableRow& r : zotest::ReadTable("catalogue.csv", 5))
+            v.push_back({zotest::Number(r[0]), std::uint16_t(zotest::Number(r[1])), std::uint16_t(zotest::Number(r[2])),
+                         r[3] == "1", r[4]});
+        return v;
+    }();
+    return rows;
+}
 
 TEST(Catalogue, HoldsEveryTypeWithItsNameAndSizes)
 {
-    ASSERT_EQ(std::size(kCatalogue), 121u);
-    for (const CatalogueRow& row : kCatalogue) {
+    ASSERT_EQ(Catalogue().size(), 121u);
+    for (const CatalogueRow& row : Catalogue()) {
         SCOPED_TRACE(::testing::Message() << std::hex << row.id);
         ASSERT_TRUE(ZoPixelTypeFactory::HasPixelType(row.id));
-        EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(row.id), row.name);
+        EXPECT_EQ(ZoPixelTypeFactory::GetPixelTypeName(row.id), row.name);
         const ZoPixelType& type = ZoPixelTypeFactory::GetPixelType(row.id);
         EXPECT_EQ(type.GetTypeID(), row.id);
         EXPECT_EQ(type.GetPixelBitSize(), row.bits);
@@ -186,7 +80,7 @@ TEST(Catalogue, RegistersNothingElse)
 {
     const std::vector<std::int64_t> found = EverySearchableType();
     std::set<std::int64_t> expected;
-    for (const CatalogueRow& row : kCatalogue)
+    for (const CatalogueRow& row : Catalogue())
         expected.insert(row.id);
     EXPECT_EQ(found.size(), 121u);
     EXPECT_EQ(std::set<std::int64_t>(found.begin(), found.end()), expected);
@@ -252,6 +146,36 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
                 EXPECT_EQ(typeid(*t), typeid(ZoPixelType));
                 EXPECT_EQ(t->IsBayerPattern(), s.bayer);
             }
+        }
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// The golden registry table that the family tests read their instances
+// from: every registered pair exactly once, of the tabled class, with its
+// sizes and, where the class shows it, its default Bayer pattern.
+TEST(Catalogue, RegistryTableHoldsEveryRegisteredPairOnce)
+{
+    const auto& table = zotest::RegistryTable();
+    const auto pairs = zotest::RegisteredBuiltInPairs();
+    ASSERT_EQ(table.size(), 680u);
+    ASSERT_EQ(pairs.size(), 680u);
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const zotest::RegistryRow& row = table[i];
+        SCOPED_TRACE(::testing::Message() << std::hex << row.source << " -> " << row.destination);
+        ASSERT_EQ(pairs[i], std::make_pair(row.source, row.destination));  // same order: each pair once
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(row.source, row.destination);
+        EXPECT_EQ(ZoPixelConverter_GetClassName(&c), row.className);
+        EXPECT_EQ(c.GetSourceByteSize(), row.sourceBytes);
+        EXPECT_EQ(c.GetDestinationByteSize(), row.destinationBytes);
+        if (const auto* b8 = dynamic_cast<const ZoBayerRGB8ToRGB*>(&c)) {
+            EXPECT_EQ(b8->GetDefaultPattern(), row.Param("pattern"));
+        }
+        if (const auto* b16 = dynamic_cast<const ZoBayerRGB16ToRGB*>(&c)) {
+            EXPECT_EQ(b16->GetDefaultPattern(), row.Param("pattern"));
         }
     }
 }

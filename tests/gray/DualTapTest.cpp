@@ -1,23 +1,23 @@
-// 8-bit dual-tap recombination: every instance and mode against a plain
-// per-pixel reference, the area override's width, and dual lines over areas.
+// 8-bit dual-tap recombination: every registered instance against a plain
+// per-pixel reference, hand-worked lines, the area override's width, and
+// dual lines over areas.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <random>
-#include <thread>
 #include <vector>
 
 #include "ZoDualTapConverters.h"
 #include "ZoPixelTypeFactory.h"
 #include "support/AreaSupport.h"
-#include "core/StaticConverters.h"
+#include "support/FamilyTables.h"
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
+using zotest::kPoison;
 constexpr std::size_t kGuard = 8;
-constexpr unsigned char kPoison = 0xCD;
 
 // Tap bits 0x1000000, 0x2000000, 0x4000000, 0x8000000: modes 1 to 4.
 int ModeOf(std::int64_t source)
@@ -39,93 +39,70 @@ void ReferenceLine(int mode, const unsigned char* src, unsigned char* line, std:
     }
 }
 
-const std::int64_t kTaps[] = {0x1000000, 0x2000000, 0x4000000, 0x8000000};
-const std::int64_t kTypes[] = {0x10001, 0x20010, 0x20013};
-
-class DualTapInstances : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { ZoAddDualTapConverters(sStore); }
-    static void TearDownTestSuite() { sStore.Clear(); }
-    static ZoStaticConverters sStore;
-};
-ZoStaticConverters DualTapInstances::sStore;
-
-// Exactly the tabled instances, registered as constructed; every left/right
-// instance matches the reference.
-TEST_F(DualTapInstances, ExactlyTheTabledInstancesMatchTheReference)
+TEST(DualTapConverters, EveryRegisteredInstanceMatchesTheReference)
 {
-    using zotest::IsA;
-    ASSERT_EQ(sStore.Items().size(), 13u);
-    const ZoPixelConverter* lines = sStore.Find(0x10010001, 0x10001);
-    ASSERT_NE(lines, nullptr);
-    EXPECT_TRUE(IsA<ZoDualLinesGrayscale8ToGrayscale8>(lines));
-    EXPECT_TRUE(IsA<ZoDualLinesGrayscale8ToGrayscale8>(&ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001)));
     std::mt19937 rng(3);
-    for (std::int64_t type : kTypes) {
-        for (std::int64_t tap : kTaps) {
-            const ZoPixelConverter* c = sStore.Find(type | tap, type);
-            ASSERT_NE(c, nullptr) << std::hex << (type | tap);
-            EXPECT_TRUE(IsA<ZoDualGrayscale8ToGrayscale8>(c));
-            EXPECT_TRUE(IsA<ZoDualGrayscale8ToGrayscale8>(&ZoPixelTypeFactory::GetConverter(type | tap, type)));
-            for (std::uint32_t n : {0u, 1u, 2u, 3u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 64u, 1001u, 1920u}) {
-                const Bytes src = zotest::RandomBytes(n + 1 + kGuard, rng);
-                Bytes got(n + 2 * kGuard, kPoison), want(got);
-                EXPECT_EQ(c->Convert(src.data(), got.data() + kGuard, n), 0u);
-                ReferenceLine(ModeOf(type | tap), src.data(), want.data() + kGuard, n);
-                ASSERT_EQ(got, want) << std::hex << (type | tap) << std::dec << " n=" << n;
-            }
+    int instances = 0;
+    for (const zotest::RegistryRow& r : zotest::RegistryTable()) {
+        if (r.className != "ZoDualGrayscale8ToGrayscale8")
+            continue;
+        ++instances;
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(r.source, r.destination);
+        for (std::uint32_t n : {0u, 1u, 2u, 3u, 7u, 8u, 9u, 15u, 16u, 17u, 33u, 64u, 1001u, 1920u}) {
+            const Bytes src = zotest::RandomBytes(n + 1 + kGuard, rng);
+            Bytes got(n + 2 * kGuard, kPoison), want(got);
+            EXPECT_EQ(c.Convert(src.data(), got.data() + kGuard, n), 0u);
+            ReferenceLine(ModeOf(r.source), src.data(), want.data() + kGuard, n);
+            ASSERT_EQ(got, want) << std::hex << r.source << std::dec << " n=" << n;
         }
     }
+    EXPECT_EQ(instances, 12);
 }
 
-TEST(DualTapModes, EightPixels)
+// Pairs A_i, B_i in every mode; the dual-lines line form (an even line)
+// takes every other byte.
+TEST(DualTapConverters, HandWorkedLines)
 {
-    const Bytes src{0xA0, 0xB0, 0xA1, 0xB1, 0xA2, 0xB2, 0xA3, 0xB3};
-    const struct {
-        std::int64_t tap;
-        Bytes expected;
-    } cases[] = {
-        {0x1000000, {0xA0, 0xA1, 0xA2, 0xA3, 0xB0, 0xB1, 0xB2, 0xB3}},
-        {0x2000000, {0xA0, 0xA1, 0xA2, 0xA3, 0xB3, 0xB2, 0xB1, 0xB0}},
-        {0x4000000, {0xA3, 0xA2, 0xA1, 0xA0, 0xB0, 0xB1, 0xB2, 0xB3}},
-        {0x8000000, {0xA3, 0xA2, 0xA1, 0xA0, 0xB3, 0xB2, 0xB1, 0xB0}},
+    const unsigned char pairs[32] = {0xA0, 0xB0, 0xA1, 0xB1, 0xA2, 0xB2, 0xA3, 0xB3};
+    std::vector<zotest::Example> examples = {
+        {0x1010001, 0x10001, {}, 8, {0xA0, 0xA1, 0xA2, 0xA3, 0xB0, 0xB1, 0xB2, 0xB3}},
+        {0x2010001, 0x10001, {}, 8, {0xA0, 0xA1, 0xA2, 0xA3, 0xB3, 0xB2, 0xB1, 0xB0}},
+        {0x4010001, 0x10001, {}, 8, {0xA3, 0xA2, 0xA1, 0xA0, 0xB0, 0xB1, 0xB2, 0xB3}},
+        {0x8010001, 0x10001, {}, 8, {0xA3, 0xA2, 0xA1, 0xA0, 0xB3, 0xB2, 0xB1, 0xB0}},
+        {0x10010001, 0x10001, {}, 4, {0xA0, 0xA1, 0xA2, 0xA3, kPoison}},
     };
-    for (const auto& c : cases) {
-        Bytes dst(8, kPoison);
-        ZoPixelTypeFactory::GetConverter(0x10001 | c.tap, 0x10001).Convert(src.data(), dst.data(), 8);
-        EXPECT_EQ(dst, c.expected) << std::hex << c.tap;
-    }
-    // Mode 0 (a source without left/right bits) copies the line unchanged. This
-    // pair is served by the dual-lines converter already, so this object is
-    // not registered.
+    for (zotest::Example& e : examples)
+        std::copy(pairs, pairs + 32, e.in);
+    zotest::CheckExamples(examples);
+    // Mode 0 (a source without left/right bits) copies the line unchanged.
+    // The pair is served by the dual-lines converter: this one is not registered.
     const ZoDualGrayscale8ToGrayscale8 copy(0x10010001, 0x10001);
     Bytes dst(8, kPoison);
-    copy.Convert(src.data(), dst.data(), 8);
-    EXPECT_EQ(dst, src);
+    copy.Convert(pairs, dst.data(), 8);
+    EXPECT_EQ(dst, Bytes(pairs, pairs + 8));
 }
 
 // With a left/right layout the area conversion converts sourceWidth pixels a
-// line whatever `width` says; without one it keeps `width`.
-TEST(DualTapArea, LineWidthIsTheSourceWidth)
+// line whatever `width` says (filtered or not); without one it keeps `width`.
+TEST(DualTapConverters, AreaLineWidthIsTheSourceWidth)
 {
     const std::uint32_t sw = 16, height = 3;
     std::mt19937 rng(5);
     const Bytes src = zotest::RandomBytes(sw * height, rng);
     const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x2010001, 0x10001);
-    Bytes got(sw * height, kPoison), want(got);
-    EXPECT_EQ(c.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0), 0u);
+    Bytes want(sw * height, kPoison);
     for (std::uint32_t y = 0; y < height; ++y)
         ReferenceLine(2, src.data() + y * sw, want.data() + y * sw, sw);
-    EXPECT_EQ(got, want);
-
-    // The same through the filtered form.
-    ZoRGBFilter filter(8);
-    got.assign(got.size(), kPoison);
-    EXPECT_EQ(c.Convert(filter, src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0), 0u);
-    EXPECT_EQ(got, want);
-
+    const ZoRGBFilter filter(8);
+    for (const ZoRGBFilter* f : {static_cast<const ZoRGBFilter*>(nullptr), &filter}) {
+        Bytes got(sw * height, kPoison);
+        EXPECT_EQ(f ? c.Convert(*f, src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0)
+                    : c.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0),
+                  0u);
+        EXPECT_EQ(got, want);
+    }
     const ZoDualGrayscale8ToGrayscale8 copy(0x10010001, 0x10001);  // mode 0, not registered
-    got.assign(got.size(), kPoison);
+    Bytes got(sw * height, kPoison);
     copy.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0);
     want.assign(want.size(), kPoison);
     for (std::uint32_t y = 0; y < height; ++y)
@@ -135,71 +112,28 @@ TEST(DualTapArea, LineWidthIsTheSourceWidth)
 
 // Dual lines: destination line y takes the even bytes of source line y when
 // y is even, the odd bytes of source line y - 1 when y is odd.
-Bytes DualLinesReference(const Bytes& src, std::uint32_t sourceStride, std::uint32_t width, std::uint32_t height,
-                         std::uint32_t destinationStride, Bytes dst)
-{
-    for (std::uint32_t y = 0; y < height; ++y) {
-        const std::size_t from = (y % 2 == 0) ? y * sourceStride : (y - 1) * sourceStride + 1;
-        for (std::uint32_t k = 0; k < width; ++k)
-            dst[y * destinationStride + k] = src[from + 2 * k];
-    }
-    return dst;
-}
-
-void CheckDualLinesArea(std::uint32_t width, std::uint32_t sourceWidth, std::uint32_t height,
-                        std::uint32_t padding, std::uint32_t seed)
+TEST(DualTapConverters, DualLinesAreas)
 {
     const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001);
-    std::mt19937 rng(seed);
-    const Bytes src = zotest::RandomBytes(sourceWidth * height + 2 * width, rng);
-    const std::uint32_t stride = width + padding;
-    Bytes got(stride * height + kGuard, kPoison);
-    const Bytes want = DualLinesReference(src, sourceWidth, width, height, stride, got);
-    EXPECT_EQ(c.Convert(src.data(), sourceWidth, height, got.data(), width, height, width, height, 0, padding), 0u);
-    ASSERT_EQ(got, want) << "width " << width << " source width " << sourceWidth << " height " << height;
-}
-
-TEST(DualLines, AreaOfSeveralLines)
-{
-    CheckDualLinesArea(8, 8, 6, 0, 1);     // interleaved pairs of lines, frame as large as the result
-    CheckDualLinesArea(13, 13, 5, 3, 2);   // odd width and height, padded destination
-    CheckDualLinesArea(10, 20, 4, 0, 3);   // each pair of lines in one source line of 2n bytes
-    CheckDualLinesArea(33, 40, 7, 1, 4);
-}
-
-TEST(DualLines, DirectLineCallIsAnEvenLine)
-{
-    const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001);
-    const Bytes src{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
-    Bytes dst(8, kPoison);
-    EXPECT_EQ(c.Convert(src.data(), dst.data() + 1, 6), 0u);
-    EXPECT_EQ(dst, (Bytes{kPoison, 1, 3, 5, 7, 9, 11, kPoison}));
-}
-
-// Each thread's parity comes from its own context record.
-TEST(DualTapConcurrency, DualLinesAreasOnSeveralThreads)
-{
-    auto worker = [](std::uint32_t seed, bool* ok) {
-        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x10010001, 0x10001);
-        const std::uint32_t width = 24 + seed, height = 9;
-        std::mt19937 rng(seed);
-        const Bytes src = zotest::RandomBytes(width * height + 2 * width, rng);
-        Bytes got(width * height, 0);
-        const Bytes want = DualLinesReference(src, width, width, height, width, got);
-        *ok = true;
-        for (int round = 0; round < 300 && *ok; ++round) {
-            c.Convert(src.data(), width, height, got.data(), width, height, width, height, 0, 0);
-            *ok = got == want;
+    const std::uint32_t cases[][4] = {
+        // width, source width, height, padding
+        {8, 8, 6, 0},    // interleaved pairs of lines, frame as large as the result
+        {13, 13, 5, 3},  // odd width and height, padded destination
+        {10, 20, 4, 0},  // each pair of lines in one source line of 2n bytes
+        {33, 40, 7, 1}};
+    std::mt19937 rng(1);
+    for (const auto& k : cases) {
+        const std::uint32_t width = k[0], sourceWidth = k[1], height = k[2], stride = width + k[3];
+        const Bytes src = zotest::RandomBytes(sourceWidth * height + 2 * width, rng);
+        Bytes got(stride * height + kGuard, kPoison), want(got);
+        for (std::uint32_t y = 0; y < height; ++y) {
+            const std::size_t from = (y % 2 == 0) ? y * sourceWidth : (y - 1) * sourceWidth + 1;
+            for (std::uint32_t x = 0; x < width; ++x)
+                want[y * stride + x] = src[from + 2 * x];
         }
-    };
-    bool ok[4] = {};
-    std::vector<std::thread> threads;
-    for (std::uint32_t t = 0; t < 4; ++t)
-        threads.emplace_back(worker, t + 1, &ok[t]);
-    for (auto& t : threads)
-        t.join();
-    for (bool b : ok)
-        EXPECT_TRUE(b);
+        EXPECT_EQ(c.Convert(src.data(), sourceWidth, height, got.data(), width, height, width, height, 0, k[3]), 0u);
+        ASSERT_EQ(got, want) << "width " << width << " source width " << sourceWidth << " height " << height;
+    }
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
 // Every registered pair at every instruction-set level the host runs,
-// against the scalar level: awkward widths, an identity and a white-balance
-// filter, every Bayer mode, destinations poisoned twice (two poison values,
-// so that a byte one level writes and the other leaves shows whatever value
-// it gets) with guard bytes after the frame.
+// against the scalar level: awkward widths, padded destination lines, two of
+// the default, an 8-bit and a 16-bit white-balance filter per width, every
+// Bayer mode, both field orders of interlaced sources, destinations poisoned
+// twice (two poison values, so that a byte one level writes and the other
+// leaves shows whatever value it gets) with guard bytes after the frame.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -38,12 +39,7 @@ constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
 
 bool IsBayer(std::int64_t id)
 {
-    const std::int64_t base = id & (ZO_PIXEL_COLORSPACE_MASK | ZO_PIXEL_FORMAT_MASK);
-    for (std::int64_t bayer : {ZO_PT_BAYER_RGB8, ZO_PT_BAYER_RGB10, ZO_PT_BAYER_RGB12, ZO_PT_BAYER_RGGB8,
-                               ZO_PT_BAYER_RGGB10, ZO_PT_BAYER_RGGB12})
-        if (base == bayer)
-            return true;
-    return false;
+    return ZoPixelTypeFactory::HasPixelType(id) && ZoPixelTypeFactory::GetPixelType(id).IsBayerPattern();
 }
 
 // One area conversion of a width x kHeight frame into a buffer filled with
@@ -52,12 +48,14 @@ bool IsBayer(std::int64_t id)
 Bytes Convert(const ZoPixelConverter& c, const Bytes& source, std::uint32_t width, std::uint32_t flags,
               const ZoRGBFilter* filter, unsigned char poison)
 {
-    Bytes d(std::size_t(c.GetDestinationByteSize(width)) * (kHeight + 1) + 3 * width * kHeight + 2 * kGuard, poison);
+    const std::uint32_t padding = width % 4;
+    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (kHeight + 1) + 3 * width * kHeight +
+                2 * kGuard, poison);
     unsigned char* frame = d.data() + kGuard;
     if (filter)
-        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
     else
-        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, 0);
+        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
     return d;
 }
 
@@ -70,9 +68,10 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
     RecordProperty("levels", ran);
     std::cout << "levels compared with scalar: " << ran << "\n";
 
-    ZoRGBFilter gains(16);
+    ZoRGBFilter gains(16), gains8(8);
     ASSERT_EQ(gains.SetMultipliers(1.8, 1.0, 1.4, 3, 0, 7), ZO_OK);
-    const ZoRGBFilter* const filters[] = {nullptr, &gains};
+    ASSERT_EQ(gains8.SetMultipliers(0.6, 1.3, 1.7, 9, 3, 40), ZO_OK);
+    const ZoRGBFilter* const filters[] = {nullptr, &gains, &gains8};
     const std::vector<std::uint32_t> bayerFlags = {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_BGGR,
                                                    ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
                                                    ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE};
@@ -84,12 +83,17 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
     for (const auto& pair : pairs) {
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
         SCOPED_TRACE(testing::Message() << std::hex << pair.first << " -> " << pair.second);
-        for (std::uint32_t width : kWidths) {
+        const bool interlaced = (pair.first & ZO_PIXEL_INTERLACED) != 0;
+        for (std::size_t w = 0; w < std::size(kWidths); ++w) {
+            const std::uint32_t width = kWidths[w];
             Bytes source(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64);
             for (auto& b : source)
                 b = static_cast<unsigned char>(rng());
+            // Both field orders, and two of the three filters, in turn.
+            const std::uint32_t field = interlaced && w % 2 ? ZO_FLAG_INVERT_DEINTERLACER : 0;
             for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : plainFlags)
-                for (const ZoRGBFilter* filter : filters) {
+                for (const ZoRGBFilter* filter : {filters[w % 3], filters[(w + 1) % 3]}) {
+                    flags |= field;
                     Bytes scalar[2];
                     {
                         const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
@@ -103,8 +107,8 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
                         for (int p = 0; p < 2; ++p)
                             ASSERT_TRUE(zotest::SameBytes(Convert(c, source, width, flags, filter, kPoisons[p]), scalar[p]))
                                 << zo::simd::CpuLevelName(level) << ", width " << std::dec << width << ", flags "
-                                << std::hex << flags << (filter ? ", white balance" : "") << ", poison "
-                                << int(kPoisons[p]);
+                                << std::hex << flags << (!filter ? "" : filter == &gains8 ? ", 8-bit gains" : ", 16-bit gains")
+                                << ", poison " << int(kPoisons[p]);
                     }
                 }
         }

@@ -5,8 +5,9 @@
 
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <vector>
+
+#include "support/FamilyTables.h"
 
 namespace yuvref {
 
@@ -130,43 +131,17 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
     }
 }
 
-// The 50 registered instances, in registration order.
+// The 50 registered instances (tests/data/registry.csv): the class gives the family.
 inline std::vector<Instance> RegisteredInstances()
 {
-    const std::int64_t dests[5] = {0x20001, 0x20002, 0x20006, 0x20003, 0x20007};
-    struct Row {
-        std::int64_t source;
-        Family family;
-        unsigned param;
-    };
-    const Row rows[] = {
-        {0x40001, Family::YUV8, 0},  {0x240001, Family::YUV8, 0}, {0x140002, Family::YUV8, 1},
-        {0x340002, Family::YUV8, 1}, {0x40002, Family::YUV10, 2}, {0x240002, Family::YUV10, 2},
-        {0x40003, Family::YUV444, 0}, {0x240003, Family::YUV444, 0}, {0x40005, Family::YUV444, 0},
-        {0x240005, Family::YUV444, 0},
-    };
     std::vector<Instance> out;
-    for (const Row& r : rows)
-        for (std::int64_t d : dests) {
-            Instance in{r.source, d, r.family, r.param, 0, 1, 2};
-            if ((r.source & 0xFFFF) == 5) {  // YCrCb
-                if (d == 0x20001) {
-                    in.y = 2; in.u = 1; in.v = 2;
-                } else {
-                    in.y = 0; in.u = 2; in.v = 1;
-                }
-            }
-            out.push_back(in);
-        }
+    for (const zotest::RegistryRow& r : zotest::RegistryTable()) {
+        const Family family = r.Is("ZoYUV8444To") ? Family::YUV444 : r.Is("ZoYUV10To") ? Family::YUV10 : Family::YUV8;
+        if (r.Is("ZoYUV"))
+            out.push_back({r.source, r.destination, family, unsigned(r.Param("extra") + r.Param("shift")),
+                           unsigned(r.Param("y", 0)), unsigned(r.Param("u", 1)), unsigned(r.Param("v", 2))});
+    }
     return out;
-}
-
-inline std::vector<unsigned char> RandomBytes(std::size_t n, std::mt19937& rng)
-{
-    std::vector<unsigned char> v(n);
-    for (auto& b : v)
-        b = static_cast<unsigned char>(rng());
-    return v;
 }
 
 }  // namespace yuvref

@@ -1,5 +1,5 @@
 // The BT.601 transform (scalar and 16-bit split form) over its whole domain,
-// and every vector path of the YUV kernels against the scalar kernels.
+// directly and through the converters, and the vector paths' coverage.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -66,91 +66,6 @@ TEST(YUVTransform, EveryTripleThroughConverters)
             }
             EXPECT_EQ(mismatches, 0) << std::hex << dest << (is444 ? " 4:4:4" : " 4:2:2");
         }
-}
-
-// --- vector paths against the scalar kernels --------------------------------
-
-const unsigned kAwkwardCounts[] = {0, 1, 2, 3, 7, 15, 16, 17, 31, 32, 33, 47, 48, 49, 63, 64, 65, 100, 255, 1000};
-
-template <class Writer>
-void CheckPaths422(const zo::YUVVectorPaths& path, std::mt19937& rng)
-{
-    const zo::YUVChannelTables identity{nullptr, nullptr, nullptr, true};
-    for (unsigned count : kAwkwardCounts) {
-        const std::uint32_t pairs = zo::YUV422PairCount(count);
-        for (std::uint32_t sampleBytes : {1u, 2u, 3u}) {
-            SCOPED_TRACE(std::string(path.name) + " 8-bit sample bytes " + std::to_string(sampleBytes) + " count " +
-                         std::to_string(count) + " layout " + std::to_string(Writer::kBytes));
-            const auto src = yuvref::RandomBytes(pairs * 4 * sampleBytes + 64, rng);
-            std::vector<unsigned char> want(pairs * 2 * Writer::kBytes + 64, 0xA5), got = want;
-            const zo::YUV8PairReader reader{sampleBytes};
-            zo::YUV422PairsToRGB<Writer, false>(src.data(), want.data(), 0, pairs, reader, identity);
-            const std::uint32_t done = path.pairs8(src.data(), got.data(), pairs, sampleBytes, Writer::kBytes,
-                                                   zo::WriterShape<Writer>::kRedIndex);
-            ASSERT_LE(done, pairs);
-            zo::YUV422PairsToRGB<Writer, false>(src.data(), got.data(), done, pairs, reader, identity);
-            ASSERT_EQ(got, want);
-        }
-        for (std::uint32_t shift : {0u, 1u, 2u, 4u, 6u, 8u}) {
-            SCOPED_TRACE(std::string(path.name) + " 10-bit shift " + std::to_string(shift) + " count " +
-                         std::to_string(count) + " layout " + std::to_string(Writer::kBytes));
-            const auto src = yuvref::RandomBytes(pairs * 8 + 64, rng);
-            std::vector<unsigned char> want(pairs * 2 * Writer::kBytes + 64, 0xA5), got = want;
-            const zo::YUV10PairReader reader{shift};
-            zo::YUV422PairsToRGB<Writer, false>(src.data(), want.data(), 0, pairs, reader, identity);
-            const std::uint32_t done =
-                path.pairs10(src.data(), got.data(), pairs, shift, Writer::kBytes, zo::WriterShape<Writer>::kRedIndex);
-            ASSERT_LE(done, pairs);
-            zo::YUV422PairsToRGB<Writer, false>(src.data(), got.data(), done, pairs, reader, identity);
-            ASSERT_EQ(got, want);
-        }
-    }
-}
-
-template <class Writer>
-void CheckPaths444(const zo::YUVVectorPaths& path, std::mt19937& rng)
-{
-    const zo::YUVChannelTables identity{nullptr, nullptr, nullptr, true};
-    struct Shape {
-        std::uint32_t pixelBytes, y, u, v;
-    };
-    const Shape shapes[] = {{3, 0, 1, 2}, {3, 0, 2, 1}, {3, 2, 1, 2}, {6, 1, 3, 5}, {4, 3, 0, 1}};
-    for (unsigned count : kAwkwardCounts)
-        for (const Shape& s : shapes) {
-            SCOPED_TRACE(std::string(path.name) + " 4:4:4 pixel bytes " + std::to_string(s.pixelBytes) + " count " +
-                         std::to_string(count) + " layout " + std::to_string(Writer::kBytes));
-            const auto src = yuvref::RandomBytes(count * s.pixelBytes + 64, rng);
-            std::vector<unsigned char> want(count * Writer::kBytes + 64, 0xA5), got = want;
-            zo::YUV444PixelsToRGB<Writer, false>(src.data(), want.data(), 0, count, s.pixelBytes, 0, s.y, s.u, s.v,
-                                                 identity);
-            const std::uint32_t done = path.pixels444(src.data(), got.data(), count, s.pixelBytes, s.y, s.u, s.v,
-                                                      Writer::kBytes, zo::WriterShape<Writer>::kRedIndex);
-            ASSERT_LE(done, count);
-            zo::YUV444PixelsToRGB<Writer, false>(src.data(), got.data(), done, count, s.pixelBytes, 0, s.y, s.u, s.v,
-                                                 identity);
-            ASSERT_EQ(got, want);
-        }
-}
-
-template <class Writer>
-void CheckAll(const zo::YUVVectorPaths& path, std::mt19937& rng)
-{
-    CheckPaths422<Writer>(path, rng);
-    CheckPaths444<Writer>(path, rng);
-}
-
-TEST(YUVVectorPaths, MatchScalarKernelsOnAwkwardWidths)
-{
-    std::uint32_t n = 0;
-    const zo::YUVVectorPaths* const* paths = zo::YUVAvailableVectorPaths(n);
-    std::mt19937 rng(3);
-    for (std::uint32_t i = 0; i < n; ++i) {
-        CheckAll<zo::WriteRGB16>(*paths[i], rng);
-        CheckAll<zo::WriteRGB24>(*paths[i], rng);
-        CheckAll<zo::WriteBGR24>(*paths[i], rng);
-        CheckAll<zo::WriteRGB32>(*paths[i], rng);
-        CheckAll<zo::WriteBGR32>(*paths[i], rng);
-    }
 }
 
 // The vector paths cover the registered shapes (so the speed-critical forms
