@@ -13,7 +13,8 @@ static int failures = 0;
 #define CHECK(condition) \
     do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++failures; } } while (0)
 
-/* Names, whether the ID is a type, and buffer sizes (0: no type). */
+/* Names, whether the ID is a type, and buffer sizes (0: no type), from C;
+ * every type's name and size: CatalogueTest and PixelTypeTest. */
 static void NamesAndSizes(void)
 {
     static const struct {
@@ -22,12 +23,10 @@ static void NamesAndSizes(void)
         uint32_t width, height, bytes;
     } kTypes[] = {
         {0x01420011, "Bayer RGB 10-bits, Packed, Dual Left+Right output", 0, 0, 0},
-        {0x02020013, "Bayer RGGB 8-bits, Dual Left Inverted+Right Output (deprecated)", 0, 0, 0},
         {ZO_PT_YUV8_444, "Unregistered pixel type", 0, 0, 0}, /* registered only packed */
         {0x7700000001LL, "Unregistered pixel type", 0, 0, 0},
         {ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED, "Bayer RGB 12-bits, Packed", 7, 1, 12},
         {ZO_PT_RGB24, "RGB 24-bits", 3, 1, 12}, /* unpacked 24-bit: 4 bytes a pixel */
-        {ZO_PT_YUV10, "YUV 10-bits 4:2:2", 5, 2, 40},
     };
     size_t i;
     for (i = 0; i < sizeof kTypes / sizeof kTypes[0]; ++i) {
