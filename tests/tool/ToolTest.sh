@@ -86,7 +86,6 @@ while IFS='|' read -r args expected; do
 done <<'END'
 --from "grayscale 8-BITS" --to 0x10001 --width 5 --height 3 gray.raw copy.raw|${gray[*]}
 --from Gray8 --to ZoGrayscale8 --width 5 --height 3 gray.raw copy.pgm|80 53 10 53 32 51 10 50 53 53 10 ${gray[*]}
---from Gray8 --to 0x20002 --width 5 --height 3 gray.raw rgb.raw|$(t3 ${gray[*]})
 --from Gray8 --to RGB24 --width 5 --height 3 gray.raw rgb.ppm|80 54 10 53 32 51 10 50 53 53 10 $(t3 ${gray[*]})
 --from BayerRGB8 --to RGB24 --width 4 --height 4 --flags bayer-grbg b4.raw grbg.raw|$(repeat 16 '200 100 50')
 --from BayerRGB8 --to RGB24 --width 4 --height 4 --flags 0x80 b4.raw bggr.raw|!$(bytes grbg.raw)
@@ -137,8 +136,7 @@ while IFS='|' read -r code text args; do
     [[ $(tr -dc '\r' < err.txt | wc -c) -eq 0 ]] || fail "$args: a progress line on a stderr that is no terminal"
 done <<'END'
 2|unknown pixel type 'NoSuchType'|convert --from NoSuchType --to RGB24 --width 5 --height 3 gray.raw x.raw
-2|ambiguous|convert --from Gray8 --to "RGB 32-bits" --width 5 --height 3 gray.raw x.raw
-2|class RGB32) and 0x00020007 (class BGR32)|convert --from Gray8 --to 'RGB 32-bits' --width 4 --height 8 b8.raw x.raw
+2|is ambiguous, it names 0x00020003 (class RGB32) and 0x00020007 (class BGR32)|convert --from Gray8 --to 'RGB 32-bits' --width 4 --height 8 b8.raw x.raw
 1|no converter from 0x00010001|convert --from Gray8 --to YUV8 --width 5 --height 3 gray.raw x.raw
 1|has 15 bytes, but a 5 x 4 frame|convert --from Gray8 --to Gray8 --width 5 --height 4 gray.raw x.raw
 1|cannot open 'missing.raw'|convert --from Gray8 --to Gray8 --width 5 --height 3 missing.raw x.raw
