@@ -4,17 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <tuple>
 
 #include "ZoImgLibC.h"
 #include "ZoImgLibExt.h"
 #include "support/ConvertSupport.h"
-
-namespace {
-
-constexpr std::int64_t kGray8Interlaced = ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED;
-constexpr std::int64_t kRGB24Planar = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
-
-}  // namespace
 
 TEST(BufferSizes, HandWorkedCases)
 {
@@ -34,16 +28,15 @@ TEST(BufferSizes, HandWorkedCases)
                                                       std::uint32_t(v[5]), std::uint32_t(v[6]), std::uint32_t(v[7]),
                                                       std::uint32_t(v[8]), std::uint32_t(v[9]), &sizes),
                   ZO_OK);
-        EXPECT_EQ(sizes.sourceBytes, v[10]);
-        EXPECT_EQ(sizes.destinationBytes, v[11]);
-        EXPECT_EQ(sizes.destinationBytesBefore, v[12]);
+        EXPECT_EQ(std::make_tuple(sizes.sourceBytes, sizes.destinationBytes, sizes.destinationBytesBefore),
+                  std::make_tuple(v[10], v[11], v[12]));
     }
 }
 
 TEST(BufferSizes, RefusesNullArgumentsAndAreasBeyondTheThirtyTwoBitWalk)
 {
     const ZoPixelConverter* rgb = ZoPixelTypeFactory_GetConverter(ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32);
-    const ZoPixelConverter* interlaced = ZoPixelTypeFactory_GetConverter(kGray8Interlaced, ZO_PT_GRAY8);
+    const ZoPixelConverter* interlaced = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
     const ZoPixelConverter* bayer = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB32);
     ASSERT_TRUE(rgb && interlaced && bayer);
     ZoAreaBufferSizes sizes{7, 7, 7};
@@ -61,7 +54,7 @@ TEST(BufferSizes, RefusesNullArgumentsAndAreasBeyondTheThirtyTwoBitWalk)
     // A chain's area beyond its source frame, and its intermediate frame
     // (RGB24 lines, one more than the source's) beyond 4 GiB - 1:
     // 3 x 65536 x 21846 bytes.
-    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, kRGB24Planar);
+    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
     ASSERT_NE(chain, nullptr);
     EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 4, 4, 4, 5, 4, 5, 0, 0, &sizes), ZO_ERR_BAD_ARGUMENT);
     EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 1u << 16, 21845, 4, 4, 4, 4, 0, 0, &sizes),
