@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <numeric>
 #include <random>
 #include <thread>
 #include <vector>
@@ -20,11 +21,10 @@ using zotest::kPoison;
 constexpr std::size_t kFront = 64;  // room for writes before the destination pointer
 constexpr int kRounds = 4;          // random areas per pair
 
+// Bayer IDs: RGB colour space, formats 0x10 to 0x15.
 bool IsBayer(std::int64_t id)
 {
-    const std::uint32_t format = static_cast<std::uint32_t>(id) & ZO_PIXEL_FORMAT_MASK;
-    return (static_cast<std::uint32_t>(id) & ZO_PIXEL_COLORSPACE_MASK) == ZO_PIXEL_COLORSPACE_RGB &&
-           format >= 0x10 && format <= 0x15;
+    return (id & ZO_PIXEL_COLORSPACE_MASK) == ZO_PIXEL_COLORSPACE_RGB && std::uint32_t(id & ZO_PIXEL_FORMAT_MASK) - 0x10u < 6;
 }
 
 // A random area (or one of size x size pixels) with random flags, padding,
@@ -102,9 +102,8 @@ std::vector<std::uint32_t> RandomCuts(const Case& c, std::mt19937& rng)
 std::vector<unsigned char> ConvertInBands(const Case& c, const std::vector<std::uint32_t>& cuts, std::mt19937& rng)
 {
     std::vector<unsigned char> out = c.Fresh();
-    std::vector<std::size_t> order;
-    for (std::size_t i = 0; i + 1 < cuts.size(); ++i)
-        order.push_back(i);
+    std::vector<std::size_t> order(cuts.size() - 1);
+    std::iota(order.begin(), order.end(), 0);
     std::shuffle(order.begin(), order.end(), rng);
     std::atomic<std::size_t> next{0};
     std::atomic<int> failures{0};
@@ -168,8 +167,6 @@ TEST(BandConvert, RefusedBandsWriteNothing)
         EXPECT_EQ(c.Band(out, r.first, r.count), r.result) << std::hex << r.source;
         EXPECT_EQ(out, c.Fresh());
     }
-    EXPECT_EQ(ZoPixelConverter_ConvertBand(nullptr, nullptr, nullptr, 1, 1, nullptr, 1, 1, 1, 1, 0, 0, 0, 1),
-              ZO_ERR_BAD_ARGUMENT);
 }
 
 }  // namespace
