@@ -190,7 +190,7 @@ TEST_P(GuardPageSweep, EveryPairStaysInsideTheCountedBytesAndWritesTheLastOne)
                                           ZO_OK);
                                 firstKept = firstKept && total && block[0] == poison;
                                 lastKept = lastKept && total && block[total - 1] == poison;
-                                if (!firstKept && !lastKept)
+                                if (!againstEnd || (!firstKept && !lastKept))
                                     break;
                             }
                             // Frames the size of the area: the last counted byte is the
