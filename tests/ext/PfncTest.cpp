@@ -168,8 +168,6 @@ struct Pixel {
 };
 using Image = std::vector<Pixel>;  // kWidth x kHeight
 
-int Word(const std::vector<unsigned char>& f, std::size_t i) { return f[2 * i] | f[2 * i + 1] << 8; }
-
 // "2 pixels in 3 bytes b0 b1 b2; p0 = b0 | (b1 & 0x0F) << 8; p1 = (b1 >> 4) | b2 << 4"
 std::vector<int> Decode12p(const std::vector<unsigned char>& f)
 {
@@ -242,7 +240,7 @@ Image Decode(const std::string& name, const std::vector<unsigned char>& f)
         v = Decode12p(f);
     else
         for (std::size_t i = 0; i < f.size() / (bits == 8 ? 1 : 2); ++i)
-            v.push_back(bits == 8 ? f[i] : Word(f, i));
+            v.push_back(bits == 8 ? f[i] : int(zotest::Word(&f[2 * i])));
     for (int& x : v)
         x >>= bits - 8;
     if (bayer)
@@ -301,7 +299,7 @@ TEST(Pfnc, MappedFormatsDecodeAsTheLibraryConverts)
                 const auto words = Convert(frame, row.typeId, ZO_PT_GRAY12, 0, 2 * kPixels);
                 std::vector<int> got;
                 for (std::uint32_t i = 0; i < kPixels; ++i)
-                    got.push_back(Word(words, i));
+                    got.push_back(int(zotest::Word(&words[2 * i])));
                 EXPECT_EQ(got, Decode12p(frame));
             }
         } else {
