@@ -24,7 +24,8 @@ constexpr int kRounds = 4;          // random areas per pair
 // Bayer IDs: RGB colour space, formats 0x10 to 0x15.
 bool IsBayer(std::int64_t id)
 {
-    return (id & ZO_PIXEL_COLORSPACE_MASK) == ZO_PIXEL_COLORSPACE_RGB && std::uint32_t(id & ZO_PIXEL_FORMAT_MASK) - 0x10u < 6;
+    const std::int64_t format = id & ZO_PIXEL_FORMAT_MASK;  // the six Bayer formats are 0x10 to 0x15
+    return (id & ZO_PIXEL_COLORSPACE_MASK) == ZO_PIXEL_COLORSPACE_RGB && format >= 0x10 && format < 0x16;
 }
 
 // A random area (or one of size x size pixels) with random flags, padding,
@@ -43,7 +44,8 @@ struct Case {
         paired = IsBayer(s) && !IsBayer(d) && !planar;
         stride = planar ? a.sourceWidth : converter->GetDestinationByteSize(a.destinationWidth) + a.padding;
         const std::size_t lines = h + 2;
-        bytes = kFront + std::max<std::size_t>(std::size_t{stride} * lines, 3u * std::size_t{a.destinationWidth} * lines) + 64;
+        bytes = kFront + 64 +
+                std::max<std::size_t>(std::size_t{stride} * lines, 3u * std::size_t{a.destinationWidth} * lines);
         input = zotest::RandomBytes(kFront + std::size_t{converter->GetSourceByteSize(w) + 8} * lines + 64, rng);
     }
     // A demosaic that replicates 2 x 2 cells converts lines in pairs.

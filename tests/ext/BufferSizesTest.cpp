@@ -37,7 +37,8 @@ TEST(BufferSizes, HandWorkedCases)
 TEST(BufferSizes, RefusesAreasBeyondTheThirtyTwoBitWalk)
 {
     const ZoPixelConverter* rgb = ZoPixelTypeFactory_GetConverter(ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32);
-    const ZoPixelConverter* interlaced = ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
+    const ZoPixelConverter* interlaced =
+        ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
     const ZoPixelConverter* bayer = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB32);
     ASSERT_TRUE(rgb && interlaced && bayer);
     ZoAreaBufferSizes sizes{7, 7, 7};

@@ -54,7 +54,10 @@ public:
     unsigned char* Start() const { return mBase + mPage; }
     // `size` bytes ending at the guard after the data, or starting at the
     // guard before it.
-    unsigned char* Place(std::uint64_t size, bool againstEnd) const { return againstEnd ? Start() + mData - size : Start(); }
+    unsigned char* Place(std::uint64_t size, bool againstEnd) const
+    {
+        return againstEnd ? Start() + mData - size : Start();
+    }
 
 private:
     std::size_t mPage, mData = 0;

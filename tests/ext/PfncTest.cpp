@@ -84,8 +84,8 @@ TEST(Pfnc, TableFollowsThePfncListAndItsDocumentationAndAnswersEveryLookUp)
         }
         std::vector<std::string> docCells = Split(docLine, '|');  // docCells[0] is empty
         docCells.resize(5);
-        EXPECT_EQ(docCells, (std::vector<std::string>{"", "`" + row.name + "`", Hex(row.code, 8),
-                                                      row.typeId == ZO_NO_PIXEL_TYPE_ID ? "-" : Hex(std::uint64_t(row.typeId), 8),
+        const std::string typeId = row.typeId == ZO_NO_PIXEL_TYPE_ID ? "-" : Hex(std::uint64_t(row.typeId), 8);
+        EXPECT_EQ(docCells, (std::vector<std::string>{"", "`" + row.name + "`", Hex(row.code, 8), typeId,
                                                       PatternName(row.flags)}));
 
         // Unmapped names write nothing (and imply no pattern).
