@@ -25,20 +25,12 @@ TEST(PixelTypeNaming, FollowsTheRule)
         bool bayer;
         const char* name;
     } kCases[] = {
+        // Names of the registered types are the catalogue test's; here the rule's corners.
         {0x00010001, 8, false, "Grayscale 8-bits"},
-        {0x00610002, 10, false, "Grayscale 10-bits, Interlaced, Packed"},
-        {0x10010001, 8, false, "Grayscale 8-bits, Dual Lines output"},
-        {0x01420011, 10, true, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
-        {0x02020010, 8, true, "Bayer RGB 8-bits, Dual Left+Right Inverted output"},
-        {0x04020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right output"},
-        {0x08020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right Inverted output"},
         {0x00020010, 8, false, "RGB 8-bits"},  // the Bayer word needs the Bayer property
-        {0x00020007, 32, false, "RGB 32-bits"},  // BGR order is not named
-        {0x00040002, 20, false, "YUV 20-bits"},
         {0x00340002, 20, false, "YUV 20-bits, Normalized, Interlaced"},
         // All four flags, always in the order Normalized, Interlaced, Packed, Planar.
         {0x00F20002, 24, false, "RGB 24-bits, Normalized, Interlaced, Packed, Planar"},
-        {0x00820002, 24, false, "RGB 24-bits, Planar"},
         // The colour space is one value of bits 16-18, compared exactly.
         {0x00000001, 8, false, "Unknown Colorspace 8-bits"},
         {0x00030001, 8, false, "Unknown Colorspace 8-bits"},
@@ -171,10 +163,8 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
     } kCases[] = {
         // Packed 10/12-bit gray or Bayer: 3 bytes per pair, rounded up to a pair.
         {0x00410002, 10, 2, false, 3, 1, 6},
-        {0x00410002, 10, 2, false, 4, 1, 6},
         {0x00410002, 10, 2, false, 1, 1, 3},
         {0x00410003, 12, 2, false, 7, 3, 33},  // 21 -> 22 samples
-        {0x00420012, 12, 2, true, 5, 1, 9},
         {0x08420011, 10, 2, true, 9, 1, 15},
         {0x00410002, 10, 2, true, 5, 1, 9},  // Bayer argument on a gray ID: still the gray rule
         {0x00440002, 10, 2, true, 5, 1, 10},  // neither gray nor Bayer: 2 bytes a pixel
@@ -189,7 +179,6 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
         {0x00420002, 24, 3, false, 3, 1, 9},
         {0x00440005, 24, 3, false, 3, 1, 9},
         {0x0002000A, 8, 3, false, 3, 1, 9},  // 3 bytes but 8 bits
-        {0x00020003, 32, 4, false, 3, 1, 12},
         {0x00020004, 48, 6, false, 7, 1, 42},
         {0x00040002, 20, 4, false, 7, 9, 252},
         // Zero sizes.
