@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <typeinfo>
 
 #include "ZoPixelType.h"
 #include "core/PixelTypeId.h"
@@ -95,18 +94,17 @@ TEST(PixelTypeMatch, ComparesEveryAttributeExactly)
     }
 }
 
-// The 28 classes: default ID, sizes and Bayer property, kept by Clone.
-TEST(PixelTypeClasses, HaveTheirDefaultsAndKeepThemForAnyId)
+// The 28 classes: default ID, sizes and Bayer property. (Built with other
+// IDs and cloned, as the registry stores them, the catalogue test checks them.)
+TEST(PixelTypeClasses, HaveTheirDefaults)
 {
     struct Row {
-        std::unique_ptr<ZoPixelType> byDefault, withId;
+        std::unique_ptr<ZoPixelType> byDefault;
         std::int64_t id;
         std::uint16_t bits, bytes;
         bool bayer;
     };
-    const std::int64_t other = 0x00A20000;  // RGB space, so the Bayer property survives
-#define ROW(Class, id, bits, bytes, bayer) \
-    Row{std::unique_ptr<ZoPixelType>(new Class()), std::unique_ptr<ZoPixelType>(new Class(other)), id, bits, bytes, bayer}
+#define ROW(Class, id, bits, bytes, bayer) Row{std::unique_ptr<ZoPixelType>(new Class()), id, bits, bytes, bayer}
     Row rows[] = {
         ROW(ZoGrayscale8, 0x00010001, 8, 1, false),       ROW(ZoGrayscale10, 0x00010002, 10, 2, false),
         ROW(ZoGrayscale12, 0x00010003, 12, 2, false),     ROW(ZoGrayscale14, 0x00010004, 14, 2, false),
@@ -125,22 +123,10 @@ TEST(PixelTypeClasses, HaveTheirDefaultsAndKeepThemForAnyId)
     };
 #undef ROW
     for (const Row& r : rows) {
-        SCOPED_TRACE(::testing::Message() << std::hex << r.id);
         EXPECT_EQ(r.byDefault->GetTypeID(), r.id);
-        EXPECT_EQ(r.withId->GetTypeID(), other);
-        for (const ZoPixelType* t : {r.byDefault.get(), r.withId.get()}) {
-            // A clone is a plain type with the same properties.
-            std::unique_ptr<ZoPixelType> copy(t->Clone());
-            ASSERT_NE(copy, nullptr);
-            EXPECT_EQ(typeid(*copy), typeid(ZoPixelType));
-            EXPECT_EQ(copy->GetTypeID(), t->GetTypeID());
-            EXPECT_EQ(copy->GetBufferSizeFor(7, 3), t->GetBufferSizeFor(7, 3));
-            for (const ZoPixelType* u : {t, static_cast<const ZoPixelType*>(copy.get())}) {
-                EXPECT_EQ(u->GetPixelBitSize(), r.bits);
-                EXPECT_EQ(u->GetPixelByteSize(), r.bytes);
-                EXPECT_EQ(u->IsBayerPattern(), r.bayer);
-            }
-        }
+        EXPECT_EQ(r.byDefault->GetPixelBitSize(), r.bits) << std::hex << r.id;
+        EXPECT_EQ(r.byDefault->GetPixelByteSize(), r.bytes) << std::hex << r.id;
+        EXPECT_EQ(r.byDefault->IsBayerPattern(), r.bayer) << std::hex << r.id;
     }
 }
 
