@@ -1,7 +1,6 @@
 // The Bayer families against the reference demosaicer of BayerReference.h.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <random>
 
@@ -17,9 +16,6 @@ const ZoPixelConverter& Get(const Instance& in)
 {
     return ZoPixelTypeFactory::GetConverter(in.source, in.destination);
 }
-
-const std::uint32_t kPatterns[] = {0, ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB,
-                                   ZO_FLAG_BAYER_BGGR};
 
 }  // namespace
 
@@ -72,41 +68,6 @@ TEST(BayerConverters, EveryInstanceMatchesTheReference)
                     ASSERT_EQ(o.result, ZO_OK);
                     ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
                 }
-}
-
-// Each colour plane constant: the output is that colour everywhere, edges
-// included, in both modes. (The GRBG RGB16 replicating routine reads a green
-// site for red; see RedSamplingQuirk.)
-TEST(BayerConverters, FlatFieldPerPattern)
-{
-    for (const Instance& in : AllInstances()) {
-        const ZoPixelConverter& conv = Get(in);
-        const std::uint32_t plane[3] = {in.wordFamily ? 0x2F1u : 0xC8u, in.wordFamily ? 0x155u : 0x41u,
-                                        in.wordFamily ? 0x0A7u : 0x17u};
-        std::uint8_t pixel[6];
-        PutPixel(in, IdentityFilter(), plane, pixel);
-        const unsigned outBytes = LayoutBytes(in.layout);
-        for (std::uint32_t pattern : kPatterns)
-            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
-                for (std::uint32_t w : {2u, 3u, 9u, 17u})
-                    for (std::uint32_t h : {2u, 4u, 7u}) {
-                        const std::uint32_t used = pattern ? pattern : in.noFlagPattern;
-                        if (mode == 0 && IsQuirkRoutine(in, used) && w >= 8)
-                            continue;
-                        const std::uint32_t lines = mode ? h : (h + 1) & ~1u;
-                        std::vector<std::uint8_t> source(std::size_t(w) * lines * in.sourceBytes);
-                        for (std::uint32_t y = 0; y < lines; ++y)
-                            for (std::uint32_t x = 0; x < w; ++x)
-                                PutSample(in, plane[ColourAt(used, x, y)], 0x3C,
-                                          &source[(std::size_t(y) * w + x) * in.sourceBytes]);
-                        std::vector<std::uint8_t> dest(std::size_t(w) * lines * outBytes, 0xEE);
-                        conv.Convert(source.data(), w, lines, dest.data(), w, lines, w, h, pattern | mode, 0);
-                        for (std::size_t p = 0; p < std::size_t(w) * lines; ++p)
-                            ASSERT_EQ(0, std::memcmp(&dest[p * outBytes], pixel, outBytes))
-                                << std::hex << in.source << " -> " << in.destination << " pattern " << pattern
-                                << " mode " << mode << std::dec << " " << w << "x" << h << " pixel " << p;
-                    }
-    }
 }
 
 // Deliberate: replicating GRBG to RGB16 (8-bit family) takes the red of

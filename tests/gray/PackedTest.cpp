@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <random>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -253,35 +252,6 @@ TEST(PackedConverters, SourceSizesAndSinglePixelForm)
         EXPECT_EQ(c.Convert(src, dst), ZO_ERR_NOT_SUPPORTED);
     }
     EXPECT_EQ(Bytes(dst, dst + 8), Bytes(8, 0));
-}
-
-// Every 24-bit group pattern through each distinct unpacking rule.
-TEST(PackedConverters, EveryGroupPatternOfEachRule)
-{
-    const std::uint32_t groupsPerLine = 4096, n = 2 * groupsPerLine;
-    std::set<std::vector<long>> seen;
-    std::vector<unsigned char> src(groupsPerLine * 3), got, want;
-    for (const Instance& in : RegisteredInstances()) {
-        if (ModeOf(in.source) != 0 || (in.kind != Kind::Gray16 && in.kind != Kind::Gray8))
-            continue;
-        if (!seen.insert({static_cast<long>(in.kind), in.bShift, static_cast<long>(in.mask), in.aShift}).second)
-            continue;
-        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(in.source, in.destination);
-        got.assign(static_cast<std::size_t>(n) * BytesPerPixel(in.kind), 0);
-        want = got;
-        for (std::uint32_t start = 0; start < (1u << 24); start += groupsPerLine) {
-            for (std::uint32_t i = 0; i < groupsPerLine; ++i) {
-                const std::uint32_t g = start + i;
-                src[3 * i] = static_cast<unsigned char>(g);
-                src[3 * i + 1] = static_cast<unsigned char>(g >> 8);
-                src[3 * i + 2] = static_cast<unsigned char>(g >> 16);
-            }
-            c.Convert(src.data(), got.data(), n);
-            ReferenceLine(in, src.data(), want.data(), n);
-            ASSERT_EQ(got, want) << std::hex << in.source << " -> " << in.destination << " from group " << start;
-        }
-    }
-    EXPECT_EQ(seen.size(), 9u);
 }
 
 }  // namespace

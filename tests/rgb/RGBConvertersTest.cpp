@@ -237,23 +237,3 @@ TEST(RGBConverters, HandWorkedPixels)
     });
 }
 
-// A planar destination's lines are sourceWidth bytes apart, whatever the
-// destination width and padding; planes are destinationWidth x
-// destinationHeight bytes apart.
-TEST(RGBConverters, PlanarLineSize)
-{
-    const ZoPixelConverter* c = Registered(ZO_PT_RGB24 | P, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
-    // 2x2 area of a 3-pixel-wide source into a 4x3 planar frame, padding 7.
-    std::vector<unsigned char> s(3 * 3 * 2);
-    for (std::size_t i = 0; i < s.size(); ++i)
-        s[i] = static_cast<unsigned char>(i + 1);
-    std::vector<unsigned char> d(3 * 12 + 8, kPoison);
-    ASSERT_EQ(c->Convert(s.data(), 3, 2, d.data(), 4, 3, 2, 2, 0, 7), ZO_OK);
-    std::vector<unsigned char> e(d.size(), kPoison);
-    for (std::size_t y = 0; y < 2; ++y)
-        for (std::size_t x = 0; x < 2; ++x)
-            for (std::size_t p = 0; p < 3; ++p)
-                e[p * 12 + y * 3 + x] = s[y * 9 + x * 3 + p];
-    EXPECT_TRUE(SameBytes(d, e));
-}
-

@@ -6,9 +6,10 @@
 #define ZO_TEST_FAMILY_TABLES_H
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <vector>
+
+#include "support/ConvertSupport.h"
 
 namespace zotest {
 
@@ -17,24 +18,8 @@ using TableRow = std::vector<std::string>;
 // The rows of tests/data/<name>, `fields` fields each (none: the file is missing).
 inline std::vector<TableRow> ReadTable(const std::string& name, std::size_t fields)
 {
-    std::string path = __FILE__;
-    path = path.substr(0, path.find_last_of("/\\") + 1) + "../data/" + name;
-    std::ifstream in(path);
-    std::vector<TableRow> rows;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#')
-            continue;
-        TableRow row;
-        std::size_t start = 0;
-        while (row.size() + 1 < fields && line.find(',', start) != std::string::npos) {
-            const std::size_t comma = line.find(',', start);
-            row.push_back(line.substr(start, comma - start));
-            start = comma + 1;
-        }
-        row.push_back(line.substr(start));
-        rows.push_back(row);
-    }
-    return rows;
+    const std::string path = __FILE__;
+    return CsvRows((path.substr(0, path.find_last_of("/\\") + 1) + "../data/" + name).c_str(), fields);
 }
 
 inline std::int64_t Number(const std::string& field) { return std::stoll(field, nullptr, 0); }

@@ -2,7 +2,6 @@
 // per-pixel reference of YUVReference.h, and hand-worked pixels.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -29,10 +28,7 @@ const ZoPixelConverter& Registered(const Instance& in)
 
 std::string Describe(const Instance& in)
 {
-    char text[64];
-    std::snprintf(text, sizeof text, "0x%llx -> 0x%llx", static_cast<unsigned long long>(in.source),
-                  static_cast<unsigned long long>(in.dest));
-    return text;
+    return (testing::Message() << std::hex << in.source << " -> " << in.dest).GetString();
 }
 
 // A filter with random (non-identity) 8-bit tables.

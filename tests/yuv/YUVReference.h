@@ -15,22 +15,13 @@ struct RGB {
     int r, g, b;
 };
 
-// floor(a / 256) for any sign.
-inline int FloorDiv256(int a)
-{
-    int q = a / 256;
-    if (a % 256 != 0 && a < 0)
-        --q;
-    return q;
-}
-
 inline int Clamp(int v) { return v < 0 ? 0 : (v > 255 ? 255 : v); }
 
 inline RGB Unclamped(int y, int u, int v)
 {
     const int c = y - 16, d = u - 128, e = v - 128;
-    return RGB{FloorDiv256(298 * c + 409 * e + 128), FloorDiv256(298 * c - 100 * d - 208 * e + 128),
-               FloorDiv256(298 * c + 516 * d + 128)};
+    // Arithmetic shifts: floor(x / 256) for either sign.
+    return RGB{(298 * c + 409 * e + 128) >> 8, (298 * c - 100 * d - 208 * e + 128) >> 8, (298 * c + 516 * d + 128) >> 8};
 }
 
 inline RGB Convert(int y, int u, int v)
