@@ -31,12 +31,18 @@ struct RGBPaths {
     std::uint32_t (*swapThree)(const unsigned char* s, unsigned char* d, std::uint32_t n);
     // r g b x -> b g r x.
     std::uint32_t (*swapFour)(const unsigned char* s, unsigned char* d, std::uint32_t n);
+    // threeToFour and bytesToRGB16 writing with streaming stores where the
+    // destination allows (core/StreamGroups.h); a level without such a path
+    // has the ordinary one here.
+    std::uint32_t (*threeToFourStream)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+    std::uint32_t (*bytesToRGB16Stream)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step;
 // RGBAvx2.cpp: its own RGB16 path (sixteen pixels a step, then the SSSE3
 // one), the SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
