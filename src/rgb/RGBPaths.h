@@ -52,9 +52,11 @@ std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
+extern const RGBPaths kRGBPathsAVX512;  // RGBAvx512.cpp: its own RGB16 paths, 32 pixels a step
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
-// returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 from AVX2 on.
+// returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 at AVX2, AVX-512 at AVX-512
+// where the CPU has VBMI (AVX2 otherwise).
 const RGBPaths& RGBActivePaths();
 
 }  // namespace simd

@@ -23,6 +23,8 @@ const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, No
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
 #if ZO_SIMD_X86
+    if (level >= CpuLevel::kAVX512 && HostCpuFeatures().avx512vbmi)
+        return &kRGBPathsAVX512;
     if (level >= CpuLevel::kAVX2)
         return &kRGBPathsAVX2;
     if (level >= CpuLevel::kSSSE3)
