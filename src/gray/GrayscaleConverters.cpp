@@ -57,6 +57,20 @@ void LastByteLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std
         g::GrayLine<Writer>(s, d, n, g::ReadLastByteOf{pixelBytes});
 }
 
+// Whether a line of n pixels is written with streaming stores
+// (core/StreamStores.h), through the converter's context holder `Hold`.
+// Lines shorter than this never are, and their direct calls skip the
+// context look-up.
+constexpr std::uint32_t kStreamMinPixels = 256;
+template <class Hold, class Converter>
+bool StreamLine(const Converter& converter, std::uint32_t n)
+{
+    if (n < kStreamMinPixels)
+        return false;
+    const Hold hold(converter);
+    return zo::StreamDestination(hold.Context());
+}
+
 // The single-pixel form of the byte-taking classes reads the FIRST byte of
 // the pixel, where the line form reads the last: for 16-bit sources the low
 // byte instead of the high one. The asymmetry is deliberate and kept.
@@ -155,10 +169,8 @@ std::uint32_t ZoGrayscale16ToGrayscale8::Convert(const unsigned char* s, unsigne
 {
     std::uint32_t done = 0;
     if (mShift < 16) {
-        const ContextHold hold(*this);
         const g::GrayPaths& paths = g::GrayActivePaths();
-        done = zo::StreamDestination(hold.Context()) ? paths.wordsToGray8Stream(s, d, n, mShift)
-                                                     : paths.wordsToGray8(s, d, n, mShift);
+        done = StreamLine<ContextHold>(*this, n) ? paths.wordsToGray8Stream(s, d, n, mShift) : paths.wordsToGray8(s, d, n, mShift);
     }
     ShiftedWordsLine<g::PutGray8>(s + 2 * std::size_t(done), d + done, n - done, mShift);
     return ZO_OK;
@@ -221,9 +233,8 @@ std::uint32_t ZoGrayscale8ToRGB16::Convert(const unsigned char* s, unsigned char
     // One-byte pixels: the vector path first, the scalar kernel for the rest.
     std::uint32_t done = 0;
     if (mSourcePixelBytes == 1) {
-        const ContextHold hold(*this);
         const g::GrayPaths& paths = g::GrayActivePaths();
-        done = zo::StreamDestination(hold.Context()) ? paths.bytesToRGB16Stream(s, d, n) : paths.bytesToRGB16(s, d, n);
+        done = StreamLine<ContextHold>(*this, n) ? paths.bytesToRGB16Stream(s, d, n) : paths.bytesToRGB16(s, d, n);
     }
     LastByteLine<g::PutRGB16>(s + mSourcePixelBytes * std::size_t(done), d + 2 * std::size_t(done), n - done,
                               mSourcePixelBytes);
@@ -258,9 +269,8 @@ std::uint32_t ZoGrayscale8ToRGB32::Convert(const unsigned char* s, unsigned char
     // One-byte pixels: the vector path first, the scalar kernel for the rest.
     std::uint32_t done = 0;
     if (mSourcePixelBytes == 1) {
-        const ContextHold hold(*this);
         const g::GrayPaths& paths = g::GrayActivePaths();
-        done = zo::StreamDestination(hold.Context()) ? paths.bytesToRGB32Stream(s, d, n) : paths.bytesToRGB32(s, d, n);
+        done = StreamLine<ContextHold>(*this, n) ? paths.bytesToRGB32Stream(s, d, n) : paths.bytesToRGB32(s, d, n);
     }
     LastByteLine<g::PutRGB32>(s + done, d + std::size_t(done) * 4, n - done, mSourcePixelBytes);
     return ZO_OK;
