@@ -10,7 +10,6 @@
 #if defined(__AVX2__)
 #include <immintrin.h>
 
-#include "core/StreamGroups.h"
 #include "yuv/YUVSimdTransform.h"
 
 namespace zo {
@@ -46,8 +45,6 @@ struct V256 {
 
 inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
 inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
-inline void Store(unsigned char* d, __m256i v, OrdinaryStores) { Store(d, v); }
-inline void Store(unsigned char* d, __m256i v, StreamingStores) { _mm256_stream_si256(reinterpret_cast<__m256i*>(d), v); }
 
 // Thirty-two pixels as clamped bytes, quarters in natural or packed order.
 struct Bytes32 {
@@ -257,17 +254,14 @@ inline void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
 // results. The source's 8-byte quarters (four pixels each) are first put in
 // the order 0, 2 | 1, 3, so that after packing (first, third) and (green, 0)
 // two rounds of in-lane unpacking give pixels 0-7 and 8-15 in order.
-// `stream`: streaming stores where the destination allows.
 template <unsigned RedIndex, class Reader>
-std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
-                           bool stream = false)
+std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
 {
     const __m256i zero = _mm256_setzero_si256();
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
-        unsigned char* d = dst + std::size_t(i) * 8;
+    const std::uint32_t groups = pairs / 16;
+    for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 128) {
         __m256i x[2];
-        reader.Load2(src + std::size_t(i) * (Reader::kGroupBytes / 16), x[0], x[1]);
+        reader.Load2(src, x[0], x[1]);
         for (int k = 0; k < 2; ++k) {
             __m256i r, g, b;
             Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
@@ -275,11 +269,11 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
             const __m256i middle = _mm256_packus_epi16(g, zero);
             const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
             const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
-            Store(d + 64 * k, _mm256_unpacklo_epi16(lo, hi), streaming);       // pixels 0-7
-            Store(d + 64 * k + 32, _mm256_unpackhi_epi16(lo, hi), streaming);  // pixels 8-15
+            Store(dst + 64 * k, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
+            Store(dst + 64 * k + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
         }
-    };
-    return RunGroups<16, 8>(dst, stream, fits, step);
+    }
+    return groups * 16;
 }
 
 template <class Reader>
@@ -306,16 +300,6 @@ std::uint32_t Pairs8AVX2(const unsigned char* src, unsigned char* dst, std::uint
     if (sampleBytes == 2)
         return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadHighByte{0});
     return 0;
-}
-
-// 8-bit samples to 32-bit pixels with streaming stores; the rest as Pairs8AVX2.
-std::uint32_t Pairs8StreamAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    if (sampleBytes == 1 && dstBytes == 4)
-        return redIndex ? Pairs422To32<2>(src, dst, pairs, Read8Bit{0}, true)
-                        : Pairs422To32<0>(src, dst, pairs, Read8Bit{0}, true);
-    return Pairs8AVX2(src, dst, pairs, sampleBytes, dstBytes, redIndex);
 }
 
 std::uint32_t Pairs10AVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
@@ -404,7 +388,7 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2, Pairs8StreamAVX2};
+const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2};
 
 }  // namespace zo
 

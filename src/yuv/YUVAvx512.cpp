@@ -12,7 +12,6 @@
 #if defined(__AVX512BW__) && defined(__AVX512VBMI__)
 #include <immintrin.h>
 
-#include "core/StreamGroups.h"
 #include "yuv/YUVTransform.h"
 
 namespace zo {
@@ -91,43 +90,30 @@ inline void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g, __m
     b = _mm512_add_epi16(bw, _mm512_srai_epi16(bs, kFractionBits));
 }
 
-inline void Store(unsigned char* d, __m512i v, OrdinaryStores) { _mm512_storeu_si512(d, v); }
-inline void Store(unsigned char* d, __m512i v, StreamingStores) { _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v); }
-
-// `stream`: streaming stores where the destination allows.
 template <unsigned RedIndex>
-std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, bool stream)
+std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs)
 {
     static const Tables kTables;
     const Tables t = kTables;
     const __m512i zero = _mm512_setzero_si512();
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
+    const std::uint32_t groups = pairs / 16;
+    for (std::uint32_t i = 0; i < groups; ++i, src += 64, dst += 128) {
         __m512i r, g, b;
-        Transform422(_mm512_loadu_si512(src + std::size_t(i) * 4), t, r, g, b);
+        Transform422(_mm512_loadu_si512(src), t, r, g, b);
         const __m512i ends = RedIndex == 0 ? _mm512_packus_epi16(r, b) : _mm512_packus_epi16(b, r);
         const __m512i middle = _mm512_packus_epi16(g, zero);
-        unsigned char* d = dst + std::size_t(i) * 8;
-        Store(d, _mm512_permutex2var_epi8(ends, t.out[0], middle), streaming);
-        Store(d + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle), streaming);
-    };
-    return RunGroups<16, 8>(dst, stream, fits, step);
+        _mm512_storeu_si512(dst, _mm512_permutex2var_epi8(ends, t.out[0], middle));
+        _mm512_storeu_si512(dst + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle));
+    }
+    return groups * 16;
 }
 
 std::uint32_t Pairs8AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
                            std::uint32_t dstBytes, std::uint32_t redIndex)
 {
     if (sampleBytes == 1 && dstBytes == 4)
-        return redIndex ? Pairs8To32<2>(src, dst, pairs, false) : Pairs8To32<0>(src, dst, pairs, false);
+        return redIndex ? Pairs8To32<2>(src, dst, pairs) : Pairs8To32<0>(src, dst, pairs);
     return kYUVPathsAVX2.pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
-}
-
-std::uint32_t Pairs8StreamAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                 std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    if (sampleBytes == 1 && dstBytes == 4)
-        return redIndex ? Pairs8To32<2>(src, dst, pairs, true) : Pairs8To32<0>(src, dst, pairs, true);
-    return kYUVPathsAVX2.pairs8Stream(src, dst, pairs, sampleBytes, dstBytes, redIndex);
 }
 
 std::uint32_t Pairs10AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
@@ -145,7 +131,7 @@ std::uint32_t Pixels444AVX512(const unsigned char* src, unsigned char* dst, std:
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512, Pairs8StreamAVX512};
+const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512};
 
 }  // namespace zo
 

@@ -2,7 +2,6 @@
 // and hands the line to a kernel of YUVKernels.h.
 #include "ZoYUVConverters.h"
 
-#include "core/StreamStores.h"
 #include "yuv/YUVKernels.h"
 
 namespace {
@@ -97,9 +96,8 @@ std::uint32_t ZoYUV8ToRGB32::Convert(const unsigned char* source, unsigned char*
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV8PairReader reader{mSampleBytes};
-    const bool stream = zo::StreamDestination(hold.Context());
     zo::ByChannelOrder<zo::Write32>(mBGR, [&](auto writer) {
-        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true, stream);
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
     });
     return ZO_OK;
 }

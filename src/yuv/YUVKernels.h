@@ -100,10 +100,6 @@ inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (
 // path applies.
 std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
-// The same with streaming stores where the active level has such a path
-// (core/StreamStores.h).
-std::uint32_t YUV8PairsToRGBVectorStream(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                         std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                     std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex);
 std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
@@ -130,24 +126,20 @@ struct WriterShape<Write32<R>> {
 // `vector` allows the vector paths (with a filter, through a small buffer).
 // Pairs are independent, so converting in vector groups and then pair by
 // pair gives what blocks of four pairs followed by single pairs give.
-// `stream`: an identity line may write with streaming stores.
 template <class Writer, class Reader>
 void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
-                     const YUVChannelTables& t, bool vector, bool stream = false);
+                     const YUVChannelTables& t, bool vector);
 
 template <class Writer>
 inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                  const YUV8PairReader& r, bool stream = false)
+                                  const YUV8PairReader& r)
 {
-    return stream ? YUV8PairsToRGBVectorStream(src, dst, pairs, r.sampleBytes, Writer::kBytes,
-                                               WriterShape<Writer>::kRedIndex)
-                  : YUV8PairsToRGBVector(src, dst, pairs, r.sampleBytes, Writer::kBytes,
-                                         WriterShape<Writer>::kRedIndex);
+    return YUV8PairsToRGBVector(src, dst, pairs, r.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex);
 }
 
 template <class Writer>
 inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                  const YUV10PairReader& r, bool = false)
+                                  const YUV10PairReader& r)
 {
     return YUV10PairsToRGBVector(src, dst, pairs, r.shift, Writer::kBytes, WriterShape<Writer>::kRedIndex);
 }
@@ -191,12 +183,12 @@ inline void FilterRGB32(const unsigned char* rgb32, unsigned char* dst, std::uin
 
 template <class Writer, class Reader>
 void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
-                     const YUVChannelTables& t, bool vector, bool stream)
+                     const YUVChannelTables& t, bool vector)
 {
     const std::uint32_t pairs = YUV422PairCount(count);
     std::uint32_t done = 0;
     if (vector && t.identity) {
-        done = YUV422Vector<Writer>(src, dst, pairs, reader, stream);
+        done = YUV422Vector<Writer>(src, dst, pairs, reader);
     } else if (vector && UseYUVTablePass<Writer>()) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
         YUVTablePass<Writer>(dst, 2 * done, t);

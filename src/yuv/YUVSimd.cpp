@@ -24,7 +24,7 @@ std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, s
     return 0;
 }
 
-const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, NoPairs8};
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444};
 
 const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
@@ -70,12 +70,6 @@ std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
 {
     return YUVActivePaths().pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
-}
-
-std::uint32_t YUV8PairsToRGBVectorStream(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                         std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
-{
-    return YUVActivePaths().pairs8Stream(src, dst, pairs, sampleBytes, dstBytes, redIndex);
 }
 
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,

@@ -20,11 +20,6 @@ struct YUVVectorPaths {
     std::uint32_t (*pixels444)(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
-    // pairs8 writing with streaming stores where the destination allows
-    // (core/StreamGroups.h); the same as pairs8 for the shapes, and at the
-    // levels, that have no such path.
-    std::uint32_t (*pairs8Stream)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                  std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
 };
 
 // Every path this build and this CPU can run, best last (for tests).
