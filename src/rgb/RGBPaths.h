@@ -38,9 +38,11 @@ struct RGBPaths {
     std::uint32_t (*bytesToRGB16Stream)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
 };
 
-// RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step;
-// RGBAvx2.cpp: its own RGB16 path (sixteen pixels a step, then the SSSE3
-// one), the SSSE3 paths for the rest.
+// RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
+// three- to four-byte pixels with streaming stores too; RGBAvx2.cpp: its own
+// RGB16 paths (sixteen pixels a step, then the SSSE3 one), the SSSE3 paths
+// for the rest; RGBAvx512.cpp: its own RGB16 paths (thirty-two pixels a
+// step, then the AVX2 one), the SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
@@ -52,7 +54,7 @@ std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
-extern const RGBPaths kRGBPathsAVX512;  // RGBAvx512.cpp: its own RGB16 paths, 32 pixels a step
+extern const RGBPaths kRGBPathsAVX512;
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
 // returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 at AVX2, AVX-512 at AVX-512

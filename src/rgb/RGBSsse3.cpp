@@ -34,14 +34,12 @@ std::uint32_t Shuffle(const unsigned char* s, unsigned char* d, std::uint32_t n,
     return i;
 }
 
-}  // namespace
-
-namespace {
 __m128i ThreeToFourMask(bool blueFirst)
 {
     return blueFirst ? _mm_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z)
                      : _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
 }
+
 }  // namespace
 
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
@@ -54,7 +52,7 @@ std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::ui
 std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     const __m128i mask = ThreeToFourMask(blueFirst);
-    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 16 <= std::uint64_t(n) * 3 && i + 4 <= n; };
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 16 <= std::uint64_t(n) * 3; };
     auto step = [&](std::uint32_t i, auto streaming) {
         const __m128i v = _mm_shuffle_epi8(Load(s + std::size_t(i) * 3), mask);
         if constexpr (decltype(streaming)::value)
