@@ -2,6 +2,7 @@
 // context once and hands the line to a kernel of RGBKernels.h.
 #include "ZoRGBConverters.h"
 
+#include "core/StreamStores.h"
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
 #include "simd/Lut.h"
@@ -56,8 +57,11 @@ struct TablePassLayout<zo::Write32<R>> {
 // two-byte channels take the identity line (its bytes are the channel bytes
 // the filtered kernel indexes with; the fourth byte is 0 either way) and then
 // the pass over it; without one, the filtered kernel's own lookups are faster.
+// `stream`: the identity line of one-byte channels may write with streaming
+// stores (core/StreamStores.h).
 template <class Writer, unsigned Group>
-void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f)
+void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
+               bool stream = false)
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses) {
@@ -72,7 +76,7 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     }
     if (f.IsIdentity8()) {
         if (k == 1)
-            zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+            zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n, stream);
         else if (k == 2)  // the second byte of each channel is the high byte of a word
             zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
         else
@@ -256,14 +260,14 @@ ZoRGB64ToRGB32::~ZoRGB64ToRGB32() = default;
     }
 
 ZO_RGB_LINE(ZoRGB24ToRGB16)
-    BytesLine<zo::WriteRGB16, 3>(s, d, count, mChannelStep, filter);
+    BytesLine<zo::WriteRGB16, 3>(s, d, count, mChannelStep, filter, zo::StreamDestination(hold.Context()));
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB24ToRGB16)
     BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB32ToRGB16)
-    BytesLine<zo::WriteRGB16, 4>(s, d, count, mChannelStep, filter);
+    BytesLine<zo::WriteRGB16, 4>(s, d, count, mChannelStep, filter, zo::StreamDestination(hold.Context()));
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB32ToRGB16)
     BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
@@ -378,7 +382,9 @@ ZO_RGB_PIXEL(ZoRGB16ToRGB32)
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB24ToRGB32)
-    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter); });
+    const bool stream = zo::StreamDestination(hold.Context());
+    WithOrder<zo::Write32>(mBlueFirst,
+                           [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter, stream); });
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB24ToRGB32)
     WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
