@@ -52,7 +52,7 @@ struct TablePassLayout<zo::Write32<R>> {
 
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
-// vector table pass (simd/Lut.h), the 24- and 32-bit layouts of one- and
+// vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts of one- and
 // two-byte channels take the identity line (its bytes are the channel bytes
 // the filtered kernel indexes with; the fourth byte is 0 either way) and then
 // the pass over it; without one, the filtered kernel's own lookups are faster.
@@ -61,13 +61,16 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses) {
-        if (!f.IsIdentity8() && (k == 1 || k == 2) && zo::simd::VectorLutActive()) {
-            if (k == 1)
-                zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
-            else
-                zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
-            zo::simd::ApplyLut8(d, n, Writer::kBytes, ByteOrderTables(f, Writer::kRed));
-            return;
+        if (!f.IsIdentity8() && (k == 1 || k == 2)) {
+            const zo::simd::LutPass8 pass(ByteOrderTables(f, Writer::kRed), Writer::kBytes);
+            if (pass.Vector()) {
+                if (k == 1)
+                    zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+                else
+                    zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
+                pass.Apply(d, n);
+                return;
+            }
         }
     }
     if (f.IsIdentity8()) {
@@ -95,11 +98,14 @@ void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t
                          const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
-    if (!f.IsIdentity8() && k == 1 && zo::simd::VectorLutActive()) {
-        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
-        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
-        zo::simd::ApplyLut8(d, n, 4, ByteOrderTables(f, RedIndex));
-        return;
+    if (!f.IsIdentity8() && k == 1) {
+        const zo::simd::LutPass8 pass(ByteOrderTables(f, RedIndex), 4);
+        if (pass.Vector()) {
+            const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
+            zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
+            pass.Apply(d, n);
+            return;
+        }
     }
     if (f.IsIdentity8()) {
         if (k == 1) {
