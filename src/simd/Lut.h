@@ -56,6 +56,8 @@ struct LutPaths {
     // The same for the exact form; null where the set has no exact form
     // (its passes are never given exact plans).
     bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table);
+    // The same for the corrected form.
+    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table);
 };
 
 // The passes for the level in force.

@@ -77,13 +77,35 @@ struct LutArith {
         return V::Add(V::MulTrunc(V::Sub(i, d), scale, offset), V::IfNonZero(d, P.p[kLutLimit]));
     }
 
-    // ---- 8-bit tables on 3- or 4-byte pixels (Mode 0 fast, 1 general) ----
+    // The corrected form: fast forms with fractions fh and fg (kLutFl lanes),
+    // the difference taken back where x = h + h*kap/2^16 (kap: kLutK lanes)
+    // passed the power of two above h.
+    static T EvalCorrected(T i, const Params& P)
+    {
+        const T p = V::MulLo(i, P.p[kLutA]);
+        const T h = V::Min(V::AddS(V::AddS(p, V::MulHi(i, P.p[kLutFh])), P.p[kLutOff]), P.p[kLutLimit]);
+        const T g = V::Min(V::AddS(V::AddS(p, V::MulHi(i, P.p[kLutFl])), P.p[kLutOff]), P.p[kLutLimit]);
+        const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+        return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+    }
+
+    // Mode: 0 fast, 1 general, 3 corrected (fixed-point: one-multiply fraction).
+    template <int Mode>
+    static T EvalFixed(T i, const Params& P)
+    {
+        if constexpr (Mode == 3)
+            return EvalCorrected(i, P);
+        else
+            return Eval<Mode == 1, false>(i, P);
+    }
+
+    // ---- 8-bit tables on 3- or 4-byte pixels ----
 
     template <int Mode>
     static void Bytes(unsigned char* at, const Params& low, const Params& high)
     {
         const T v = V::Load(at);
-        V::Store(at, V::Pack(Eval<Mode == 1, false>(V::Lo8(v), low), Eval<Mode == 1, false>(V::Hi8(v), high)));
+        V::Store(at, V::Pack(EvalFixed<Mode>(V::Lo8(v), low), EvalFixed<Mode>(V::Hi8(v), high)));
     }
 
     template <int Mode>
@@ -129,7 +151,9 @@ struct LutArith {
 
     static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
     {
-        if (plan.general)
+        if (plan.corrected)
+            BytesLine<3>(line, bytes, plan);
+        else if (plan.general)
             BytesLine<1>(line, bytes, plan);
         else
             BytesLine<0>(line, bytes, plan);
@@ -155,6 +179,8 @@ struct LutArith {
         if constexpr (Mode == 2) {
             if constexpr (V::kExact)
                 V::Store(at, EvalExact(v, Load(plan.lanes[phase]), plan.scale[phase], plan.offset[phase]));
+        } else if constexpr (Mode == 3) {
+            V::Store(at, EvalCorrected(v, Load(plan.lanes[phase])));
         } else {
             V::Store(at, Eval<Mode == 1, Wide>(v, Load(plan.lanes[phase])));
         }
@@ -187,6 +213,8 @@ struct LutArith {
         const std::size_t bytes = std::size_t(count) * 6;
         if (plan.exact)
             WordsLine<2, false>(line, bytes, plan);
+        else if (plan.corrected)
+            WordsLine<3, false>(line, bytes, plan);
         else if (plan.general)
             plan.wide ? WordsLine<1, true>(line, bytes, plan) : WordsLine<1, false>(line, bytes, plan);
         else
@@ -223,6 +251,18 @@ struct LutArith {
                 return false;
         }
         return true;
+    }
+
+    static bool VerifyCorrected16(const LutChannelForm& f, const std::uint16_t* table)
+    {
+        Params P;
+        P.p[kLutK] = V::Set1(f.kap);
+        P.p[kLutA] = V::Set1(f.a);
+        P.p[kLutFh] = V::Set1(f.fh);
+        P.p[kLutFl] = V::Set1(f.fg);
+        P.p[kLutOff] = V::Set1(f.off);
+        P.p[kLutLimit] = V::Set1(f.limit);
+        return Sweep(table, [&](T index) { return EvalCorrected(index, P); });
     }
 
     static bool VerifyExact16(const LutChannelForm& f, const std::uint16_t* table)

@@ -14,7 +14,7 @@ namespace simd {
 namespace {
 
 // The identity on bytes (the fourth byte of a 4-byte pixel).
-constexpr LutChannelForm kIdentity8 = {254, 1, 0, 0, 0, 255, 1, true, true, true, 1.0, 1.0, 1.0};
+constexpr LutChannelForm kIdentity8 = {254, 1, 0, 0, 0, 255, 1, true, true, true, 1.0, 1.0, 1.0, {0, 0}, {1, 1}, 0, 0};
 
 // floor(i * F / 2^32) with F = fh * 2^16 + fl, as the lanes compute it.
 inline std::uint64_t Fraction(std::uint64_t i, const LutChannelForm& f)
@@ -88,6 +88,10 @@ bool Derive(const Entry* e, std::uint32_t n, LutChannelForm& f)
             s += t0 * q;
         }
     }
+    f.num[0] = static_cast<std::uint32_t>(p);
+    f.den[0] = static_cast<std::uint32_t>(q);
+    f.num[1] = static_cast<std::uint32_t>(r);
+    f.den[1] = static_cast<std::uint32_t>(s);
     f.lower = static_cast<double>(a * q + p) / static_cast<double>(q);
     f.upper = static_cast<double>(a * s + r) / static_cast<double>(s);
     // A fixed-point fraction F / 2^32 in [p/q, r/s): 16 bits when one fits.
@@ -107,6 +111,97 @@ bool Derive(const Entry* e, std::uint32_t n, LutChannelForm& f)
     // after k (it rises from there on, saturating).
     const std::uint64_t next = k + 1;
     f.fast = a * (n - 1) <= 65535 && a * next + Fraction(next, f) + off >= limit;
+    return true;
+}
+
+// The inverse of p modulo q (p and q coprime, q >= 2).
+std::uint64_t InverseModulo(std::uint64_t p, std::uint64_t q)
+{
+    std::int64_t r0 = static_cast<std::int64_t>(q), r1 = static_cast<std::int64_t>(p % q), t0 = 0, t1 = 1;
+    while (r1 != 0) {
+        const std::int64_t quotient = r0 / r1;
+        std::int64_t t = t0 - quotient * t1;
+        t0 = t1;
+        t1 = t;
+        t = r0 - quotient * r1;
+        r0 = r1;
+        r1 = t;
+    }
+    return static_cast<std::uint64_t>((t0 % static_cast<std::int64_t>(q) + static_cast<std::int64_t>(q)) %
+                                      static_cast<std::int64_t>(q));
+}
+
+// The corrected form of a table whose fast form misses because the filter
+// lifted some products to the integer they fell short of (see LutForm.h),
+// taking the fraction p/q as end `which` of the search's interval; false
+// when it does not apply. Still to be checked at every index.
+template <class Entry>
+bool Correct(const Entry* e, LutChannelForm& f, unsigned which)
+{
+    const std::uint64_t p = f.num[which], q = f.den[which], k = f.k, a = f.a;
+    if (!f.fast || f.off != 0 || f.limit >= 32768 || p == 0 || q < 2 || q > k)
+        return false;
+    // The neighbours of p/q among denominators up to k: b/d below (p*d - b*q
+    // = 1), r/s above (r*q - p*s = 1), each with the largest denominator.
+    const std::uint64_t inverse = InverseModulo(p, q);
+    std::uint64_t d = inverse, s = q - inverse;
+    d += q * ((k - d) / q);
+    s += q * ((k - s) / q);
+    const std::uint64_t b = (p * d - 1) / q, r = (p * s + 1) / q;
+    const std::uint64_t fh = (p * 65536 + q - 1) / q, fg = (b * 65536 + d - 1) / d;
+    if (fh >= 65536 || fh * s >= r * 65536 || fg * q >= p * 65536)
+        return false;
+    // kap: x = N + floor(N * kap / 2^16) reaches the next power of two
+    // exactly for the lowered multiples.
+    std::uint64_t kapMin = 0, kapMax = 65535;
+    for (std::uint64_t i = q; i <= k; i += q) {
+        const std::uint64_t n = a * i + p * (i / q);
+        if (n >= f.limit)
+            break;
+        std::uint64_t power = 1;
+        while (power <= n)
+            power <<= 1;
+        const std::uint64_t need = ((power - n) * 65536 + n - 1) / n;
+        if (e[i] + 1u == n)
+            kapMin = std::max(kapMin, need);
+        else if (e[i] == n && need > 0)
+            kapMax = std::min(kapMax, need - 1);
+        else
+            return false;
+    }
+    if (kapMin > kapMax)
+        return false;
+    f.fh = static_cast<std::uint16_t>(fh);
+    f.fg = static_cast<std::uint16_t>(fg);
+    f.fl = 0;
+    f.kap = static_cast<std::uint16_t>(kapMin);
+    f.narrow = true;
+    return true;
+}
+
+// Sets every form of a set up for the corrected plan: forms that match(form)
+// as they are keep their fast form (fg = fh, kap = 0), the others take the
+// corrected one that matches. False when one has neither.
+template <class Entry, class Match>
+bool CorrectAll(const Entry* const (&tables)[3], LutChannelForm (&forms)[3], Match match)
+{
+    for (unsigned c = 0; c < 3; ++c) {
+        LutChannelForm& f = forms[c];
+        if (!f.fast || !f.fixed || !f.narrow)
+            return false;
+        f.fg = f.fh;
+        f.kap = 0;
+        if (match(f))
+            continue;
+        const LutChannelForm plain = f;
+        bool found = false;
+        for (unsigned which = 0; which < 2 && !found; ++which) {
+            f = plain;
+            found = Correct(tables[c], f, which) && match(f);
+        }
+        if (!found)
+            return false;
+    }
     return true;
 }
 
@@ -201,6 +296,19 @@ std::uint16_t EvalLutExact(const LutChannelForm& f, std::uint16_t i)
     return static_cast<std::uint16_t>(r + (d ? f.delta : 0));
 }
 
+std::uint16_t EvalLutCorrected(const LutChannelForm& f, std::uint16_t i)
+{
+    const std::uint32_t product = (i * std::uint32_t(f.a)) & 0xFFFF;
+    auto fast = [&](std::uint32_t fraction) {
+        const std::uint32_t sum = std::min(std::min(product + ((i * fraction) >> 16), 65535u) + f.off, 65535u);
+        return std::min<std::uint32_t>(sum, f.limit);
+    };
+    const std::uint32_t h = fast(f.fh), g = fast(f.fg);
+    const std::uint32_t x = (h + ((h * std::uint32_t(f.kap)) >> 16)) & 0xFFFF;
+    const std::uint32_t over = (x ^ h) > h ? (x ^ h) - h : 0;
+    return static_cast<std::uint16_t>(h - std::min((h - g) & 0xFFFF, over));
+}
+
 unsigned LutExactCandidates(const LutChannelForm& f, double (&scales)[6])
 {
     unsigned n = 0;
@@ -211,10 +319,12 @@ unsigned LutExactCandidates(const LutChannelForm& f, double (&scales)[6])
     return n;
 }
 
-void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool general, LutFormPlan8& plan)
+void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool general, bool corrected,
+                   LutFormPlan8& plan)
 {
     plan.pixelBytes = pixelBytes;
-    plan.general = general;
+    plan.general = general && !corrected;
+    plan.corrected = corrected;
     for (unsigned phase = 0; phase < 3; ++phase)
         for (unsigned half = 0; half < 2; ++half)
             for (unsigned j = 0; j < 32; ++j) {
@@ -223,27 +333,29 @@ void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool g
                 const unsigned position = (byte + phase) % pixelBytes;
                 const LutChannelForm& f = position < 3 ? forms[position] : kIdentity8;
                 std::uint16_t (&lanes)[kLutParamCount][32] = plan.lanes[phase][half];
-                lanes[kLutK][j] = f.k;
+                lanes[kLutK][j] = corrected ? (position < 3 ? f.kap : 0) : f.k;
                 lanes[kLutA][j] = f.a;
                 lanes[kLutFh][j] = f.fh;
-                lanes[kLutFl][j] = f.fl;
+                lanes[kLutFl][j] = corrected ? (position < 3 ? f.fg : f.fh) : f.fl;
                 lanes[kLutOff][j] = f.off;
-                lanes[kLutLimit][j] = general ? f.delta : f.limit;
+                lanes[kLutLimit][j] = plan.general ? f.delta : f.limit;
             }
 }
 
-void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, LutFormPlan16& plan)
+void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, bool corrected,
+                    LutFormPlan16& plan)
 {
-    plan.general = general || exact;
-    plan.wide = wide && !exact;
+    plan.general = (general || exact) && !corrected;
+    plan.wide = wide && !exact && !corrected;
     plan.exact = exact;
+    plan.corrected = corrected;
     for (unsigned phase = 0; phase < 3; ++phase)
         for (unsigned j = 0; j < 32; ++j) {
             const LutChannelForm& f = forms[(j + phase) % 3];
-            plan.lanes[phase][kLutK][j] = f.k;
+            plan.lanes[phase][kLutK][j] = corrected ? f.kap : f.k;
             plan.lanes[phase][kLutA][j] = f.a;
             plan.lanes[phase][kLutFh][j] = f.fh;
-            plan.lanes[phase][kLutFl][j] = f.fl;
+            plan.lanes[phase][kLutFl][j] = corrected ? f.fg : f.fl;
             plan.lanes[phase][kLutOff][j] = f.off;
             plan.lanes[phase][kLutLimit][j] = plan.general ? f.delta : f.limit;
             plan.scale[phase][j] = f.scale;
@@ -274,9 +386,19 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
     for (unsigned c = 0; c < 3 && matches; ++c)
         for (unsigned i = 0; i < 256 && matches; ++i)
             matches = EvalLutForm(forms[c], general, false, static_cast<std::uint16_t>(i)) == tables[c][i];
+    // Else the corrected form (multipliers just below a short fraction).
+    bool corrected = false;
+    if (!matches)
+        corrected = matches = CorrectAll(tables, forms, [&](const LutChannelForm& f) {
+            const std::uint8_t* table = tables[&f - forms];
+            for (unsigned i = 0; i < 256; ++i)
+                if (EvalLutCorrected(f, static_cast<std::uint16_t>(i)) != table[i])
+                    return false;
+            return true;
+        });
     if (!matches)
         return nullptr;
-    FillFormPlan8(forms, pixelBytes, general, cache.plan);
+    FillFormPlan8(forms, pixelBytes, general, corrected, cache.plan);
     cache.has = true;
     return &cache.plan;
 }
@@ -296,13 +418,21 @@ LutForm16Scope::LutForm16Scope(const std::uint16_t* red, const std::uint16_t* gr
     bool matches = fixed;
     for (unsigned c = 0; c < 3 && matches; ++c)
         matches = paths.verify16(forms[c], general, wide, mTables[c]);
-    bool exact = false;
+    // Else the corrected form, else the exact one (twice as slow).
+    bool corrected = false, exact = false;
+    if (!matches && paths.verifyCorrected16) {
+        LutChannelForm trial[3] = {forms[0], forms[1], forms[2]};
+        corrected = matches = CorrectAll(
+            mTables, trial, [&](const LutChannelForm& f) { return paths.verifyCorrected16(f, mTables[&f - trial]); });
+        if (corrected)
+            std::copy(trial, trial + 3, forms);
+    }
     if (!matches && paths.verifyExact16)
         exact = matches = ChooseScales(
             forms, [&](const LutChannelForm& f) { return paths.verifyExact16(f, mTables[&f - forms]); });
     if (!matches)
         return;
-    FillFormPlan16(forms, general, wide, exact, mPlan);
+    FillFormPlan16(forms, general, wide, exact, corrected, mPlan);
     mValid = true;
 }
 

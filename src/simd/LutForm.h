@@ -23,6 +23,15 @@
 // with m one of the doubles next to the fraction the search found. It runs
 // about twice as long as the fixed-point forms, still faster than 16-bit
 // lookups; on bytes it is no faster than the lookups and is not used.
+// Cheaper, and good for such tables without offset and below 32768: the
+// lifted entries are the multiples i of the fraction's denominator whose
+// value N = i * m lies in the lower part of its power-of-two range (the
+// product falls short of N by less than half a double step there), so
+//
+//   corrected: h = fast form with a fraction fh >= p/q, g = the same with
+//              fg < p/q (h - g = 1 exactly at the multiples), x = h + h*kap/2^16,
+//              r = h - min(h - g, sat(x ^ h) - h)      (x ^ h > h: x passed
+//              the next power of two, i.e. N is in the upper part)
 //
 // The parameters are derived from the table's own entries: the offset is
 // entry 0, `limit` the last entry, k the last index below it, a the integer
@@ -56,6 +65,8 @@ struct LutChannelForm {
     bool narrow;  // fl == 0
     double lower, upper;  // the slopes a + p/q and a + r/s (doubles) bounding the search's interval
     double scale;         // the exact form's multiplier
+    std::uint32_t num[2], den[2];  // p/q and r/s themselves
+    std::uint16_t fg, kap;         // the corrected form (fh: the upper fraction)
 };
 
 // Derives the form of a table of n entries (n = 256 or 65536) from its
@@ -68,11 +79,14 @@ bool DeriveLutForm(const std::uint16_t* table, std::uint32_t n, LutChannelForm& 
 std::uint16_t EvalLutForm(const LutChannelForm& form, bool general, bool wide, std::uint16_t i);
 // The exact form at index i, with form.scale.
 std::uint16_t EvalLutExact(const LutChannelForm& form, std::uint16_t i);
+// The corrected form at index i (fg == fh and kap == 0: the fast form).
+std::uint16_t EvalLutCorrected(const LutChannelForm& form, std::uint16_t i);
 // Up to six multipliers to try for the exact form (the doubles at and next
 // to both ends of the interval); returns how many.
 unsigned LutExactCandidates(const LutChannelForm& form, double (&scales)[6]);
 
-// Lane parameters, in the order the vector kernels read them.
+// Lane parameters, in the order the vector kernels read them. The corrected
+// form reads fg from the kLutFl lanes and kap from the kLutK lanes.
 enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit, kLutParamCount };
 
 // 8-bit tables on 3- or 4-byte pixels. A register of bytes is widened to
@@ -84,7 +98,7 @@ enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit,
 struct LutFormPlan8 {
     alignas(64) std::uint16_t lanes[3][2][kLutParamCount][32];
     unsigned pixelBytes;
-    bool general;
+    bool general, corrected;
 };
 
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:
@@ -95,7 +109,7 @@ struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
-    bool general, wide, exact;
+    bool general, wide, exact, corrected;
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of
@@ -131,9 +145,12 @@ const LutFormPlan16* ScopedFormPlan16(const std::uint16_t* red, const std::uint1
 
 // Fills a plan from three channel forms (index 0, 1, 2 = position in the
 // pixel or word triple). For tests and the caches.
-// An exact plan: general, with every form's scale.
-void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool general, LutFormPlan8& plan);
-void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, LutFormPlan16& plan);
+// An exact plan: general, with every form's scale. A corrected plan: every
+// form fast and narrow, with fg and kap.
+void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool general, bool corrected,
+                   LutFormPlan8& plan);
+void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, bool corrected,
+                    LutFormPlan16& plan);
 
 }  // namespace simd
 }  // namespace zo

@@ -106,27 +106,32 @@ std::vector<const zo::simd::LutPaths*> HostLutPaths()
 }
 
 // Multiplier filters, and what the arithmetic passes must make of them:
-// `form8` whether the 8-bit tables have a fixed-point form, `form16` the
-// 16-bit ones (exact: only with the exact form). An entry written after
-// SetMultipliers (edit) breaks every form.
+// `form8` whether the 8-bit tables have a form, `form16` which form the
+// 16-bit ones take. Multipliers just below a short fraction (1.4, 0.7, 2.3)
+// give tables whose products the filter rounded up to an integer: corrected
+// forms, or exact ones (offset, entries beyond 32767, or not fast). An entry
+// written after SetMultipliers (edit) breaks every form.
 struct MultiplierCase {
     std::uint32_t bits;
     double red, green, blue;
     std::uint16_t redOffset, blueOffset;
     bool edit;
     bool form8;
-    enum { kNone, kFixed, kExact } form16;
+    enum { kNone, kFixed, kCorrected, kExact } form16;
 };
 const MultiplierCase kMultiplierCases[] = {
-    {12, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kFixed},   // the benchmark's kind of gains
+    {12, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kFixed},
     {16, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kFixed},
     {12, 0.9, 1.0, 2.1, 0, 0, false, true, MultiplierCase::kFixed},   // below 1: entries past the count
     {10, 0.55, 0.93, 1.2731, 3, 17, false, true, MultiplierCase::kFixed},
     {16, 1.4737219, 1.0, 2.018331, 0, 0, false, true, MultiplierCase::kFixed},  // two-multiply fraction
-    {16, 1.8, 1.0, 1.4, 0, 0, false, false, MultiplierCase::kExact},  // 1.4 * 45 rounds up to 63
+    {16, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kExact},  // 1.4 * 45 rounds up to 63
     {12, 3.0, 0.0, 1.0, 5, 4000, false, true, MultiplierCase::kFixed},  // a channel 0 after entry 0
     {8, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
     {16, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
+    {12, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kCorrected},  // the benchmark's gains
+    {12, 0.7, 1.0, 2.3, 0, 0, false, true, MultiplierCase::kExact},
+    {12, 1.2, 1.9, 1.4, 0, 7, false, false, MultiplierCase::kExact},  // offset on a lifted table
 };
 
 std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
@@ -189,9 +194,15 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
             const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
             const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true);
             const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
-            const bool expected = paths.words3 && (c.form16 == MultiplierCase::kFixed ||
-                                                   (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
+            const bool expected =
+                paths.words3 && (c.form16 == MultiplierCase::kFixed ||
+                                 (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
+                                 (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
             ASSERT_EQ(plan != nullptr, expected) << paths.name;
+            if (plan) {
+                EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
+                EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
+            }
             EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
             if (!plan)
                 continue;
@@ -328,7 +339,7 @@ TEST(WhiteBalance, EveryConversionInto24And32BitsMatchesTheScalarLevel)
 }
 
 // 16-bit Bayer into RGB48 over areas large enough for the per-call 16-bit
-// plan, through multiplier tables (fixed-point and exact forms), an edited
+// plan, through multiplier tables (fixed-point, corrected and exact forms), an edited
 // one and random tables, from full 16-bit samples: each level gives the
 // scalar level's bytes.
 TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
@@ -340,7 +351,9 @@ TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
     for (std::uint8_t& v : input)
         v = static_cast<std::uint8_t>(rng());
     const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]);
-    for (const ZoRGBFilter* filter : {&FixedFormGains(), exact.get(), &EditedGains(), &RandomTables()})
+    const std::unique_ptr<const ZoRGBFilter> corrected = MakeFilter(kMultiplierCases[9]);
+    for (const ZoRGBFilter* filter :
+         {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
         for (std::uint32_t flags : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE}) {
             const CpuLevel saved = zo::simd::CpuCeiling();
             zo::simd::SetCpuCeiling(CpuLevel::kScalar);
