@@ -12,17 +12,48 @@
 // table[p][byte]; the fourth byte of a 4-byte pixel is left as it is. The
 // tables are given in byte order of the layout (blue first for BGR). `line`
 // holds `count` whole pixels; nothing outside them is read or written. The
-// tables must not overlap the line. The passes are chosen per CPU level
-// through the CPU module (family "lut"): AVX-512 with VBMI byte permutes,
-// scalar below. Only the vector pass beats lookups inside a kernel that has
-// no vector path of its own to gain: converters whose filtered kernels are
-// already fast ask VectorLutActive() first.
+// tables must not overlap the line. RGB48 lines take the same pass over
+// their 16-bit words through 16-bit tables.
+//
+// Two kinds of pass, chosen per CPU level through the CPU module (family
+// "lut"):
+//   - lookups: AVX-512 with VBMI byte permutes (any 8-bit table); scalar
+//     elsewhere;
+//   - arithmetic (SSE2, AVX2, AVX-512 BW; simd/LutForm.h): tables that equal
+//     a formula of a few 16-bit lane operations at every index the pass can
+//     meet -- the tables SetMultipliers writes, with or without offsets --
+//     are evaluated instead of looked up, bit for bit, any other table
+//     (entries written one by one, or a multiplier table with one entry
+//     edited) keeps the lookups. 8-bit tables are checked once per content
+//     (a per-thread cache compared on every line); 16-bit tables once per
+//     area conversion (the Bayer RGB48 converters open the scope). On
+//     AVX-512 with VBMI the 8-bit tables keep the VBMI lookups (as fast).
+// A vector pass beats lookups inside a kernel that has no vector path of
+// its own to gain; converters whose filtered kernels are already fast ask
+// LutPass8::Vector() for their tables first.
+//
+// Measured (bench/wb_bench.cpp, cold buffers, gains 1.8, 1.0, 1.4 -- 1.4
+// takes the corrected form; one run each, 1080p / 4096 x 3000, white
+// balance / identity twin, before -> after):
+//   host (AVX-512 VBMI): 12-bit Bayer -> RGB48 2.76 / 2.56 -> 1.49 / 1.39;
+//     the 8-bit rows unchanged (VBMI: Bayer 8 -> RGB24 1.62 / 1.31 -> 1.68 /
+//     1.21, YUYV -> BGRA 1.92 / 1.45 -> 1.68 / 1.29).
+//   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 3.54 / 2.98 -> 2.26 / 1.82, -> BGRA
+//     3.87 / 3.16 -> 2.50 / 1.78, YUYV -> BGRA 5.03 / 3.71 -> 3.02 / 2.54,
+//     RGB24 -> BGRA 2.80 / 2.28 -> 2.75 / 2.28, RGB48 2.65 / 2.55 -> 1.52 /
+//     1.39.
+//   Multipliers whose tables are plain floors (1.6 in place of 1.4, and
+//   most gains an automatic white balance computes) take the fast form: at
+//   AVX2 Bayer 8 -> RGB24 1.63 / 1.54, RGB48 1.32 / 1.16.
+// The corrected form (about three times the operations of the fast one)
+// is what keeps the 1.4 rows above 1.3; for 4-byte RGB sources it is no
+// faster than the scalar lookups.
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
-// table and pixel position, not built); 16-bit tables as a pass, scalar or
+// table and pixel position, not built); 16-bit lookups as a pass, scalar or
 // through gathers (measured no faster than the lookups inside the RGB48
-// kernel).
+// kernel); the exact double form on bytes (no faster than the lookups).
 #ifndef ZO_SIMD_LUT_H
 #define ZO_SIMD_LUT_H
 

@@ -1,4 +1,6 @@
-// Table passes with AVX-512 (F, BW, VL and VBMI; compiled for them alone).
+// Table passes with AVX-512 (F, BW, VL and VBMI; compiled for them alone):
+// VBMI lookups for 8-bit tables, the arithmetic passes (LutArith.h) on
+// 512-bit registers for 16-bit ones.
 //
 // A 256-entry table is four 64-byte registers; two-source byte permutes
 // (vpermi2b) look up its low and its high half for a whole register, bit 7
