@@ -50,18 +50,27 @@ struct TablePassLayout<zo::Write32<R>> {
     static constexpr bool kUses = true;
 };
 
+// Whether the table passes below may run at this level: the VBMI lookups,
+// and from AVX2 on the arithmetic passes (measured: below AVX2 this family's
+// identity line gains less than the pass costs).
+bool RGBTablePassLevel()
+{
+    return zo::simd::VectorLutActive() || zo::simd::ActiveCpuLevel() >= zo::simd::CpuLevel::kAVX2;
+}
+
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
-// vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts of one- and
-// two-byte channels take the identity line (its bytes are the channel bytes
-// the filtered kernel indexes with; the fourth byte is 0 either way) and then
-// the pass over it; without one, the filtered kernel's own lookups are faster.
+// vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts
+// of one- and two-byte channels take the identity line (its bytes are the
+// channel bytes the filtered kernel indexes with; the fourth byte is 0 either
+// way) and then the pass over it; without one, the filtered kernel's own
+// lookups are faster.
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses) {
-        if (!f.IsIdentity8() && (k == 1 || k == 2)) {
+        if (!f.IsIdentity8() && (k == 1 || k == 2) && RGBTablePassLevel()) {
             const zo::simd::LutPass8 pass(ByteOrderTables(f, Writer::kRed), Writer::kBytes);
             if (pass.Vector()) {
                 if (k == 1)
@@ -98,7 +107,7 @@ void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t
                          const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
-    if (!f.IsIdentity8() && k == 1) {
+    if (!f.IsIdentity8() && k == 1 && RGBTablePassLevel()) {
         const zo::simd::LutPass8 pass(ByteOrderTables(f, RedIndex), 4);
         if (pass.Vector()) {
             const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);

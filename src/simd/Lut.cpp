@@ -72,7 +72,7 @@ namespace {
 
 // No arithmetic pass: in scalar code it is no faster than the lookups.
 constexpr LutPaths kScalar = {"scalar", false, LutBytes3Scalar, LutBytes4Scalar, nullptr, nullptr, nullptr, nullptr,
-                               nullptr, nullptr};
+                               nullptr, nullptr, false};
 
 // AVX-512 with VBMI; AVX2 otherwise (also on AVX-512 without VBMI); SSE2
 // at the SSE2 and SSSE3 levels.

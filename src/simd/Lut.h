@@ -89,6 +89,10 @@ struct LutPaths {
     bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table);
     // The same for the corrected form.
     bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table);
+    // Whether the corrected form on bytes beats lookups inside a kernel
+    // (measured: from AVX2 on; with SSE2 it loses a little, and 8-bit
+    // tables that need it keep the lookups there).
+    bool correctedBytesPay;
 };
 
 // The passes for the level in force.
@@ -127,6 +131,8 @@ public:
           mPixelBytes(pixelBytes),
           mPlan(mPaths.form3 && mPaths.form4 ? FormPlan8(tables, pixelBytes) : nullptr)
     {
+        if (mPlan && mPlan->corrected && !mPaths.correctedBytesPay)
+            mPlan = nullptr;
     }
     // A vector pass: worth an identity line followed by the pass where the
     // kernel's own lookups would run otherwise.

@@ -56,7 +56,7 @@ struct V256 {
 
 using A = LutArith<V256>;
 constexpr LutPaths kAvx2 = {"AVX2", false, LutBytes3Scalar, LutBytes4Scalar, A::Form3, A::Form4, A::Words3,
-                            A::Verify16, A::VerifyExact16, A::VerifyCorrected16};
+                            A::Verify16, A::VerifyExact16, A::VerifyCorrected16, true};
 
 }  // namespace
 

@@ -254,7 +254,7 @@ using Arith = LutArith<V512>;
 // Bytes: the VBMI lookups, as fast as the arithmetic pass (measured) and
 // good for any table.
 constexpr LutPaths kAvx512 = {"AVX-512 VBMI", true,           Bytes3,          Bytes4, nullptr, nullptr,
-                              Arith::Words3,  Arith::Verify16, Arith::VerifyExact16, Arith::VerifyCorrected16};
+                              Arith::Words3,  Arith::Verify16, Arith::VerifyExact16, Arith::VerifyCorrected16, true};
 
 }  // namespace
 

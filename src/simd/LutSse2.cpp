@@ -39,7 +39,7 @@ struct V128 {
 
 using A = LutArith<V128>;
 constexpr LutPaths kSse2 = {"SSE2", false, LutBytes3Scalar, LutBytes4Scalar, A::Form3, A::Form4, A::Words3,
-                            A::Verify16, nullptr, A::VerifyCorrected16};
+                            A::Verify16, nullptr, A::VerifyCorrected16, false};
 
 }  // namespace
 
