@@ -37,16 +37,18 @@
 // 1.0, 1.4 (1.4 needs the corrected form):
 //   host (AVX-512 VBMI): 12-bit Bayer -> RGB48 2.76 / 2.56 -> 1.46 / 1.35;
 //     the 8-bit rows keep the VBMI lookups (Bayer 8 -> RGB24 1.33 / 1.18).
-//   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 3.54 / 2.98 -> 2.45 / 1.94, -> BGRA
-//     3.87 / 3.16 -> 2.43 / 1.95, YUYV -> BGRA 5.03 / 3.71 -> 3.07 / 2.63,
-//     RGB48 2.65 / 2.55 -> 1.43 / 1.45; RGB24 -> BGRA 2.80 / 2.28 -> 2.98 /
-//     2.44 (no gain: on 4-byte pixels the corrected form costs what the
+//   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 3.54 / 2.98 -> 2.07 / 1.76, -> BGRA
+//     3.87 / 3.16 -> 1.96 / 1.77, YUYV -> BGRA 5.03 / 3.71 -> 2.75 / 2.30,
+//     RGB48 2.65 / 2.55 -> 1.43 / 1.45; RGB24 -> BGRA 2.80 / 2.28 -> 2.99 /
+//     2.26 (no gain: on 4-byte pixels the corrected form costs what the
 //     lookups cost; the difference is the machine's noise).
 //   ZOIMG_CPU=sse2: RGB48 2.61 / 2.46 -> 2.24 / 2.11; bytes keep the
 //     lookups (the corrected form does not pay there).
 // Gains 1.8, 1.0, 1.6 (the Gain16 rows: plain floors, the fast form, as
-// most computed gains give): AVX2 Bayer 8 -> RGB24 1.77 / 1.42, RGB48 1.38 /
+// most computed gains give): AVX2 Bayer 8 -> RGB24 1.64 / 1.36, RGB48 1.38 /
 // 1.20; SSE2 1.52 / 1.48 and 1.70 / 1.44; host RGB48 1.32 / 1.19.
+// (Bytes whose tables all end at 255 drop the limit and let the pack
+// saturate: about a fifth off the AVX2 8-bit rows.)
 // So the 1.3 target holds for the host's 4096-wide Bayer 8 rows and, with
 // plain-floor gains, the 4096-wide RGB48 rows; the 1.4 RGB48 rows stay at
 // 1.35-1.46. A pass over a line already written costs about half the

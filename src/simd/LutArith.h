@@ -89,12 +89,33 @@ struct LutArith {
         return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
     }
 
-    // Mode: 0 fast, 1 general, 3 corrected (fixed-point: one-multiply fraction).
+    // On bytes whose tables all end at 255, the fast and corrected forms
+    // without the limit (and the corrected one without offset): Pack
+    // saturates what passes 255 (the plan keeps lanes below 32768).
+    static T EvalFastSaturating(T i, const Params& P)
+    {
+        return V::AddS(V::AddS(V::MulLo(i, P.p[kLutA]), V::MulHi(i, P.p[kLutFh])), P.p[kLutOff]);
+    }
+    static T EvalCorrectedSaturating(T i, const Params& P)
+    {
+        const T p = V::MulLo(i, P.p[kLutA]);
+        const T h = V::AddS(p, V::MulHi(i, P.p[kLutFh]));
+        const T g = V::AddS(p, V::MulHi(i, P.p[kLutFl]));
+        const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+        return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+    }
+
+    // Mode: 0 fast, 1 general, 3 corrected, 4 fast and 5 corrected
+    // saturating (fixed-point: one-multiply fraction).
     template <int Mode>
     static T EvalFixed(T i, const Params& P)
     {
         if constexpr (Mode == 3)
             return EvalCorrected(i, P);
+        else if constexpr (Mode == 4)
+            return EvalFastSaturating(i, P);
+        else if constexpr (Mode == 5)
+            return EvalCorrectedSaturating(i, P);
         else
             return Eval<Mode == 1, false>(i, P);
     }
@@ -151,7 +172,9 @@ struct LutArith {
 
     static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
     {
-        if (plan.corrected)
+        if (plan.saturating)
+            plan.corrected ? BytesLine<5>(line, bytes, plan) : BytesLine<4>(line, bytes, plan);
+        else if (plan.corrected)
             BytesLine<3>(line, bytes, plan);
         else if (plan.general)
             BytesLine<1>(line, bytes, plan);

@@ -309,6 +309,24 @@ std::uint16_t EvalLutCorrected(const LutChannelForm& f, std::uint16_t i)
     return static_cast<std::uint16_t>(h - std::min((h - g) & 0xFFFF, over));
 }
 
+std::uint8_t EvalLutSaturating8(const LutChannelForm& f, bool corrected, std::uint8_t i)
+{
+    const std::uint32_t product = (i * std::uint32_t(f.a)) & 0xFFFF;
+    auto sum = [&](std::uint32_t fraction) { return std::min(product + ((i * fraction) >> 16), 65535u); };
+    std::uint32_t r;
+    if (corrected) {
+        const std::uint32_t h = sum(f.fh), g = sum(f.fg);
+        const std::uint32_t x = (h + ((h * std::uint32_t(f.kap)) >> 16)) & 0xFFFF;
+        const std::uint32_t over = (x ^ h) > h ? (x ^ h) - h : 0;
+        r = (h - std::min((h - g) & 0xFFFF, over)) & 0xFFFF;
+    } else {
+        r = std::min(sum(f.fh) + f.off, 65535u);
+    }
+    // The pack: signed 16-bit lanes saturated to 0..255.
+    const std::int32_t lane = static_cast<std::int16_t>(static_cast<std::uint16_t>(r));
+    return static_cast<std::uint8_t>(lane < 0 ? 0 : lane > 255 ? 255 : lane);
+}
+
 unsigned LutExactCandidates(const LutChannelForm& f, double (&scales)[6])
 {
     unsigned n = 0;
@@ -398,7 +416,16 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
         });
     if (!matches)
         return nullptr;
+    // Without the limit where every table ends at 255 (and, corrected,
+    // without offsets), if that gives every entry too.
+    bool saturating = !general || corrected;
+    for (unsigned c = 0; c < 3 && saturating; ++c)
+        saturating = forms[c].limit == 255 && (!corrected || forms[c].off == 0);
+    for (unsigned c = 0; c < 3 && saturating; ++c)
+        for (unsigned i = 0; i < 256 && saturating; ++i)
+            saturating = EvalLutSaturating8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
     FillFormPlan8(forms, pixelBytes, general, corrected, cache.plan);
+    cache.plan.saturating = saturating;
     cache.has = true;
     return &cache.plan;
 }

@@ -81,6 +81,8 @@ std::uint16_t EvalLutForm(const LutChannelForm& form, bool general, bool wide, s
 std::uint16_t EvalLutExact(const LutChannelForm& form, std::uint16_t i);
 // The corrected form at index i (fg == fh and kap == 0: the fast form).
 std::uint16_t EvalLutCorrected(const LutChannelForm& form, std::uint16_t i);
+// The byte the saturating form (LutFormPlan8::saturating) gives at index i.
+std::uint8_t EvalLutSaturating8(const LutChannelForm& form, bool corrected, std::uint8_t i);
 // Up to six multipliers to try for the exact form (the doubles at and next
 // to both ends of the interval); returns how many.
 unsigned LutExactCandidates(const LutChannelForm& form, double (&scales)[6]);
@@ -95,10 +97,12 @@ enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit,
 // h (0: low, 1: high) in a register that starts p bytes into a pixel. 32
 // lanes cover 512-bit registers; narrower registers use the first lanes.
 // The fourth byte of a 4-byte pixel takes the identity form.
+// saturating: the fast or corrected form without its limit, leaving lanes
+// past 255 to the pack's saturation (every table ends at 255).
 struct LutFormPlan8 {
     alignas(64) std::uint16_t lanes[3][2][kLutParamCount][32];
     unsigned pixelBytes;
-    bool general, corrected;
+    bool general, corrected, saturating;
 };
 
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:
