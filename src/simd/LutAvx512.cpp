@@ -239,8 +239,9 @@ struct V512 {
     static __m256i MulTrunc16(__m256i words, const double* scale, const double* offset)
     {
         const __m512i d = _mm512_cvtepu16_epi32(words);
-        const __m512i r = _mm512_inserti64x4(_mm512_castsi256_si512(MulTrunc8(_mm512_castsi512_si256(d), scale, offset)),
-                                             MulTrunc8(High256(d), scale + 8, offset + 8), 1);
+        const __m256i low = MulTrunc8(_mm512_castsi512_si256(d), scale, offset);
+        const __m256i high = MulTrunc8(High256(d), scale + 8, offset + 8);
+        const __m512i r = _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
         return _mm512_cvtusepi32_epi16(_mm512_max_epi32(r, Zero()));
     }
     static T MulTrunc(T j, const double* scale, const double* offset)

@@ -23,15 +23,17 @@
 // with m one of the doubles next to the fraction the search found. It runs
 // about twice as long as the fixed-point forms, still faster than 16-bit
 // lookups; on bytes it is no faster than the lookups and is not used.
-// Cheaper, and good for such tables without offset and below 32768: the
-// lifted entries are the multiples i of the fraction's denominator whose
-// value N = i * m lies in the lower part of its power-of-two range (the
-// product falls short of N by less than half a double step there), so
+// Cheaper, and good for such tables without offset and below 32768: with
+// p/q the fraction the multiplier stands for, the entries are the floors of
+// i * p/q except at the multiples i of q whose value N = i * p/q lies in the
+// upper part of its power-of-two range (there the product falls short of N
+// by more than half a double step, is not lifted, and the entry is N - 1):
 //
 //   corrected: h = fast form with a fraction fh >= p/q, g = the same with
-//              fg < p/q (h - g = 1 exactly at the multiples), x = h + h*kap/2^16,
-//              r = h - min(h - g, sat(x ^ h) - h)      (x ^ h > h: x passed
-//              the next power of two, i.e. N is in the upper part)
+//              fg < p/q (h - g = 1 exactly at the multiples),
+//              x = h + h*kap/2^16 (passes the next power of two exactly
+//              for N in the upper part: then x ^ h > h),
+//              r = h - min(h - g, sat(x ^ h - h))
 //
 // The parameters are derived from the table's own entries: the offset is
 // entry 0, `limit` the last entry, k the last index below it, a the integer
@@ -108,7 +110,7 @@ struct LutFormPlan8 {
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:
 // parameter q of word lane j in a register that starts p words into a pixel.
 // exact: the exact form (k and delta in the lanes, the multiplier and the
-// offset of each lane in scale and offset).
+// offset of each lane in scale and offset); corrected: the corrected form.
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
@@ -117,8 +119,9 @@ struct LutFormPlan16 {
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of
-// `pixelBytes` (fixed-point forms only), or null when a table has none. The pointer stays valid on this thread until its next
-// call of this function.
+// `pixelBytes` (fast, general or corrected forms), or null when a table has
+// none. The pointer stays valid on this thread until its next call of this
+// function.
 struct LutTables8;
 const LutFormPlan8* FormPlan8(const LutTables8& tables, unsigned pixelBytes);
 
@@ -148,9 +151,8 @@ const LutFormPlan16* ScopedFormPlan16(const std::uint16_t* red, const std::uint1
                                       const std::uint16_t* blue);
 
 // Fills a plan from three channel forms (index 0, 1, 2 = position in the
-// pixel or word triple). For tests and the caches.
-// An exact plan: general, with every form's scale. A corrected plan: every
-// form fast and narrow, with fg and kap.
+// pixel or word triple), for the planners. An exact plan reads k, delta and
+// every form's scale; a corrected one (every form fast and narrow) fg and kap.
 void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool general, bool corrected,
                    LutFormPlan8& plan);
 void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, bool corrected,
