@@ -9,6 +9,7 @@
 // slack included.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <random>
@@ -105,6 +106,19 @@ std::vector<const zo::simd::LutPaths*> HostLutPaths()
     return paths;
 }
 
+// One filtered area conversion into a poisoned buffer with slack.
+std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const ZoRGBFilter& filter,
+                                          const std::vector<std::uint8_t>& source, std::uint32_t width,
+                                          std::uint32_t height, std::uint32_t flags)
+{
+    constexpr std::size_t kSlack = 64;
+    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, 0xA5);
+    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
+                           flags, 0),
+              ZO_OK);
+    return out;
+}
+
 // Multiplier filters, and what the arithmetic passes must make of them:
 // `form8` whether the 8-bit tables have a form, `form16` which form the
 // 16-bit ones take. Multipliers just below a short fraction (1.4, 0.7, 2.3)
@@ -132,6 +146,9 @@ const MultiplierCase kMultiplierCases[] = {
     {12, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kCorrected},  // the benchmark's gains
     {12, 0.7, 1.0, 2.3, 0, 0, false, true, MultiplierCase::kExact},
     {12, 1.2, 1.9, 1.4, 0, 7, false, false, MultiplierCase::kExact},  // offset on a lifted table
+    {8, HUGE_VAL, 0.0, 1.0, 9, 0, false, true, MultiplierCase::kFixed},  // entry 0, then the last entry
+    {4, 1.8, 1.0, 0.5, 0, 2, false, true, MultiplierCase::kFixed},       // 16 entries: bytes past them clamp
+    {20, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kNone},       // 16-bit entries wrap past 65535
 };
 
 std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
@@ -223,6 +240,72 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
     });
 }
 
+// A 16-bit plan answers only inside its scope, for its own tables; the
+// innermost scope answers; an unwanted scope plans nothing.
+TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
+{
+    AtEveryLevel([&](CpuLevel) {
+        if (!zo::simd::ActiveLutPaths().words3)
+            return;
+        const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
+        auto plan = [](const ZoRGBFilter& f) {
+            return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16());
+        };
+        auto open = [](const ZoRGBFilter& f, bool worth) {
+            return std::make_unique<zo::simd::LutForm16Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(),
+                                                              worth);
+        };
+        EXPECT_EQ(plan(*a), nullptr);
+        {
+            const auto outer = open(*a, true);
+            EXPECT_NE(plan(*a), nullptr);
+            {
+                const auto inner = open(*b, true);
+                EXPECT_NE(plan(*b), nullptr);
+                EXPECT_EQ(plan(*a), nullptr);
+            }
+            EXPECT_NE(plan(*a), nullptr);
+            EXPECT_EQ(plan(*b), nullptr);
+            const auto unwanted = open(*a, false);
+            EXPECT_EQ(plan(*a), nullptr);
+        }
+        EXPECT_EQ(plan(*a), nullptr);
+    });
+}
+
+// Tables edited at the same addresses between two calls: the 8-bit plan
+// cache notices, and a conversion after the edit gives the scalar level's
+// bytes for the edited tables at every level.
+TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
+{
+    ZoRGBFilter filter(8);
+    ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
+    const zo::simd::LutTables8 t{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8()};
+    ASSERT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+    const std::uint8_t kept = filter.GetBlueValue8(100);
+    ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
+    EXPECT_EQ(zo::simd::FormPlan8(t, 3), nullptr);
+    ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
+    EXPECT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
+    constexpr std::uint32_t kWidth = 97, kHeight = 6, kFlags = ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_INTERPOLATE;
+    std::vector<std::uint8_t> input(std::size_t(kWidth) * (kHeight + 1) + 64);
+    std::mt19937 rng(23);
+    for (std::uint8_t& v : input)
+        v = static_cast<std::uint8_t>(rng());
+    AtEveryLevel([&](CpuLevel level) {
+        ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
+        ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);  // plans the unedited tables
+        ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
+        const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
+        zo::simd::SetCpuCeiling(CpuLevel::kScalar);
+        const std::vector<std::uint8_t> expected = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
+        zo::simd::SetCpuCeiling(level);
+        ASSERT_TRUE(actual == expected);
+    });
+}
+
 // 8-bit tables random, 16-bit tables random over the whole 16-bit range.
 const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
 
@@ -269,19 +352,6 @@ TEST(WhiteBalance, BayerMatchesTheReferenceAtEveryLevel)
                         ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
                     }
     });
-}
-
-// One filtered area conversion into a poisoned buffer with slack.
-std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const ZoRGBFilter& filter,
-                                          const std::vector<std::uint8_t>& source, std::uint32_t width,
-                                          std::uint32_t height, std::uint32_t flags)
-{
-    constexpr std::size_t kSlack = 64;
-    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, 0xA5);
-    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
-                           flags, 0),
-              ZO_OK);
-    return out;
 }
 
 // Every registered conversion into RGB24, BGR24, RGB32 or BGR32 (Bayer in
