@@ -51,27 +51,38 @@ struct TablePassLayout<zo::Write32<R>> {
     static constexpr bool kUses = true;
 };
 
+// Whether the table passes below may run at this level: the VBMI lookups,
+// and from AVX2 on the arithmetic passes (measured: below AVX2 this family's
+// identity line gains less than the pass costs).
+bool RGBTablePassLevel()
+{
+    return zo::simd::VectorLutActive() || zo::simd::ActiveCpuLevel() >= zo::simd::CpuLevel::kAVX2;
+}
+
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
-// vector table pass (simd/Lut.h), the 24- and 32-bit layouts of one- and
-// two-byte channels take the identity line (its bytes are the channel bytes
-// the filtered kernel indexes with; the fourth byte is 0 either way) and then
-// the pass over it; without one, the filtered kernel's own lookups are faster.
-// `stream`: the identity line of one-byte channels may write with streaming
-// stores (core/StreamStores.h).
+// vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts
+// of one- and two-byte channels take the identity line (its bytes are the
+// channel bytes the filtered kernel indexes with; the fourth byte is 0 either
+// way) and then the pass over it; without one, the filtered kernel's own
+// lookups are faster. `stream`: the identity line of one-byte channels may
+// write with streaming stores (core/StreamStores.h).
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
                bool stream = false)
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses) {
-        if (!f.IsIdentity8() && (k == 1 || k == 2) && zo::simd::VectorLutActive()) {
-            if (k == 1)
-                zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
-            else
-                zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
-            zo::simd::ApplyLut8(d, n, Writer::kBytes, ByteOrderTables(f, Writer::kRed));
-            return;
+        if (!f.IsIdentity8() && (k == 1 || k == 2) && RGBTablePassLevel()) {
+            const zo::simd::LutPass8 pass(ByteOrderTables(f, Writer::kRed), Writer::kBytes);
+            if (pass.Vector()) {
+                if (k == 1)
+                    zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+                else
+                    zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
+                pass.Apply(d, n);
+                return;
+            }
         }
     }
     if (f.IsIdentity8()) {
@@ -99,11 +110,14 @@ void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t
                          const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
-    if (!f.IsIdentity8() && k == 1 && zo::simd::VectorLutActive()) {
-        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
-        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
-        zo::simd::ApplyLut8(d, n, 4, ByteOrderTables(f, RedIndex));
-        return;
+    if (!f.IsIdentity8() && k == 1 && RGBTablePassLevel()) {
+        const zo::simd::LutPass8 pass(ByteOrderTables(f, RedIndex), 4);
+        if (pass.Vector()) {
+            const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
+            zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
+            pass.Apply(d, n);
+            return;
+        }
     }
     if (f.IsIdentity8()) {
         if (k == 1) {
