@@ -20,6 +20,8 @@
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
 #include "simd/LutForm.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
 
 namespace {
 
@@ -29,18 +31,21 @@ using zo::simd::CpuLevel;
 template <class Body>
 void AtEveryLevel(Body body)
 {
-    const CpuLevel saved = zo::simd::CpuCeiling();
-    for (unsigned l = 0; l < zo::simd::kCpuLevelCount; ++l) {
-        const CpuLevel level = static_cast<CpuLevel>(l);
-        if (level > zo::simd::HostCpuLevel())
-            break;
-        zo::simd::SetCpuCeiling(level);
+    for (CpuLevel level : zotest::HostCpuLevels()) {
+        const zotest::CpuCeilingScope ceiling(level);
         SCOPED_TRACE(zo::simd::CpuLevelName(level));
         body(level);
         if (::testing::Test::HasFatalFailure())
-            break;
+            return;
     }
-    zo::simd::SetCpuCeiling(saved);
+}
+
+// A filtered area conversion's bytes at the scalar level.
+template <class Convert>
+std::vector<std::uint8_t> AtScalarLevel(Convert convert)
+{
+    const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+    return convert();
 }
 
 // Table sets: three random tables; green the identity (usual white
@@ -48,9 +53,7 @@ void AtEveryLevel(Body body)
 // the identity; all one table.
 std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
 {
-    std::vector<std::uint8_t> t(3 * 256);
-    for (std::uint8_t& v : t)
-        v = static_cast<std::uint8_t>(rng());
+    std::vector<std::uint8_t> t = zotest::RandomBytes(3 * 256, rng);
     for (unsigned i = 0; i < 256; ++i) {
         if (shape == 1 || shape == 3)
             t[256 + i] = static_cast<std::uint8_t>(i);
@@ -79,9 +82,7 @@ TEST(LutPasses, EveryPassMatchesPlainLookupsAndTouchesNothingElse)
                 for (std::uint32_t count : {0u, 1u, 2u, 3u, 5u, 15u, 16u, 17u, 21u, 22u, 63u, 64u, 65u, 85u, 191u,
                                             192u, 193u, 1000u}) {
                     const std::size_t bytes = std::size_t(count) * pixelBytes;
-                    std::vector<std::uint8_t> line(bytes + 2 * kGuard);
-                    for (std::uint8_t& v : line)
-                        v = static_cast<std::uint8_t>(rng());
+                    std::vector<std::uint8_t> line = zotest::RandomBytes(bytes + 2 * kGuard, rng);
                     std::vector<std::uint8_t> expected = line;
                     for (std::size_t i = 0; i < bytes; ++i) {
                         const unsigned position = i % pixelBytes;
@@ -112,7 +113,7 @@ std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const Zo
                                           std::uint32_t height, std::uint32_t flags)
 {
     constexpr std::size_t kSlack = 64;
-    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, 0xA5);
+    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, zotest::kPoison);
     EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
                            flags, 0),
               ZO_OK);
@@ -182,9 +183,7 @@ TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
                     if (!p->form3)
                         continue;
                     for (std::uint32_t count : {1u, 5u, 21u, 22u, 64u, 193u, 1000u}) {
-                        std::vector<std::uint8_t> line(std::size_t(count) * pixelBytes + 64);
-                        for (std::uint8_t& v : line)
-                            v = static_cast<std::uint8_t>(rng());
+                        std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * pixelBytes + 64, rng);
                         std::vector<std::uint8_t> expected = line;
                         (pixelBytes == 3 ? zo::simd::LutBytes3Scalar : zo::simd::LutBytes4Scalar)(expected.data(),
                                                                                                 count, t);
@@ -224,9 +223,7 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
             if (!plan)
                 continue;
             for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u}) {
-                std::vector<std::uint8_t> line(std::size_t(count) * 6 + 64);
-                for (std::uint8_t& v : line)
-                    v = static_cast<std::uint8_t>(rng());
+                std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
                 std::vector<std::uint8_t> expected = line;
                 for (std::size_t i = 0; i < std::size_t(count) * 3; ++i) {
                     const std::uint16_t v = t[i % 3][line[2 * i] | line[2 * i + 1] << 8];
@@ -290,19 +287,14 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
 
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
     constexpr std::uint32_t kWidth = 97, kHeight = 6, kFlags = ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_INTERPOLATE;
-    std::vector<std::uint8_t> input(std::size_t(kWidth) * (kHeight + 1) + 64);
     std::mt19937 rng(23);
-    for (std::uint8_t& v : input)
-        v = static_cast<std::uint8_t>(rng());
-    AtEveryLevel([&](CpuLevel level) {
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    AtEveryLevel([&](CpuLevel) {
         ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
         ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);  // plans the unedited tables
         ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
         const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
-        zo::simd::SetCpuCeiling(CpuLevel::kScalar);
-        const std::vector<std::uint8_t> expected = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
-        zo::simd::SetCpuCeiling(level);
-        ASSERT_TRUE(actual == expected);
+        ASSERT_TRUE(actual == AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
     });
 }
 
@@ -382,20 +374,17 @@ TEST(WhiteBalance, EveryConversionInto24And32BitsMatchesTheScalarLevel)
                     const ZoRGBFilter* const filters[] = {&RandomTables(), &Gains(), &FixedFormGains(),
                                                           &EditedGains()};
                     Run r{source, destination, width, flags, filters[runs.size() % 4], {}, {}};
-                    r.input.resize(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64);
-                    for (std::uint8_t& v : r.input)
-                        v = static_cast<std::uint8_t>(rng());
+                    r.input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
                     runs.push_back(std::move(r));
                 }
         }
     }
     ASSERT_GT(runs.size(), 100u);
-    const CpuLevel saved = zo::simd::CpuCeiling();
-    zo::simd::SetCpuCeiling(CpuLevel::kScalar);
     for (Run& r : runs)
-        r.expected = ConvertFiltered(ZoPixelTypeFactory::GetConverter(r.source, r.destination), *r.filter, r.input,
-                                     r.width, kHeight, r.flags);
-    zo::simd::SetCpuCeiling(saved);
+        r.expected = AtScalarLevel([&] {
+            return ConvertFiltered(ZoPixelTypeFactory::GetConverter(r.source, r.destination), *r.filter, r.input,
+                                   r.width, kHeight, r.flags);
+        });
     AtEveryLevel([&](CpuLevel) {
         for (const Run& r : runs) {
             const std::vector<std::uint8_t> actual = ConvertFiltered(
@@ -417,18 +406,14 @@ TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
     constexpr std::uint32_t kWidth = 258, kHeight = 256;  // 66048 pixels
     std::mt19937 rng(31);
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
-    std::vector<std::uint8_t> input(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64);
-    for (std::uint8_t& v : input)
-        v = static_cast<std::uint8_t>(rng());
+    std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
     const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]);
     const std::unique_ptr<const ZoRGBFilter> corrected = MakeFilter(kMultiplierCases[9]);
     for (const ZoRGBFilter* filter :
          {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
         for (std::uint32_t flags : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE}) {
-            const CpuLevel saved = zo::simd::CpuCeiling();
-            zo::simd::SetCpuCeiling(CpuLevel::kScalar);
-            const std::vector<std::uint8_t> expected = ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags);
-            zo::simd::SetCpuCeiling(saved);
+            const std::vector<std::uint8_t> expected =
+                AtScalarLevel([&] { return ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags); });
             AtEveryLevel([&](CpuLevel) {
                 ASSERT_TRUE(ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags) == expected)
                     << "flags " << flags;
