@@ -28,14 +28,13 @@ std::uint32_t Nearest16(const BayerLineCall& call, const ZoRGBFilter& filter, st
     // A filter that is not the identity on a 24- or 32-bit layout: the
     // identity line, whose channels are (v >> shift) truncated to 8 bits, the
     // very indices of the filtered path, then the table pass.
-    if (UsesTablePass<Writer>(filter)) {
-        With16<Writer>(filter, true, shift, [&](const auto& out) {
-            ReplicateThenPass<Samples16>(call, false, out, [&](unsigned char* line, std::uint32_t n) {
-                TablePass<Writer>(line, n, filter);
+    if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {
+            With16<Writer>(filter, true, shift, [&](const auto& out) {
+                ReplicateThenPass<Samples16>(call, false, out,
+                                             [&](unsigned char* line, std::uint32_t n) { pass.Apply(line, n); });
             });
-        });
+        }))
         return ZO_OK;
-    }
     With16<Writer>(filter, false, shift, [&](const auto& out) { ReplicateCall<Samples16>(call, false, out); });
     return ZO_OK;
 }
@@ -43,28 +42,43 @@ std::uint32_t Nearest16(const BayerLineCall& call, const ZoRGBFilter& filter, st
 template <class Writer>
 std::uint32_t Interpolated16(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t shift)
 {
-    if (UsesTablePass<Writer>(filter)) {  // as above
-        With16<Writer>(filter, true, shift, [&](const auto& out) { InterpolateCall<Samples16>(call, out); });
-        TablePass<Writer>(call.destination, call.count, filter);
+    if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {  // as above
+            With16<Writer>(filter, true, shift, [&](const auto& out) { InterpolateCall<Samples16>(call, out); });
+            pass.Apply(call.destination, call.count);
+        }))
         return ZO_OK;
-    }
     With16<Writer>(filter, false, shift, [&](const auto& out) { InterpolateCall<Samples16>(call, out); });
     return ZO_OK;
 }
 
-// RGB48: whole samples through the 16-bit tables, looked up inside the
-// kernel. (An identity line followed by a 16-bit table pass, scalar or with
-// dword gathers, measured slower on this path: the gathers are no faster than
-// plain lookups, and the tables' 24 KiB compete with the line for the
-// first-level cache.)
-template <class Body>
-void With48(const ZoRGBFilter& filter, Body body)
+// RGB48: whole samples through the 16-bit tables. Tables with an arithmetic
+// form (checked once per area conversion, see Convert below) take the
+// identity line and then the 16-bit arithmetic pass, which writes the bytes
+// the lookups write; any other table is looked up inside the kernel (a
+// lookup pass, scalar or with dword gathers, measured slower than that).
+// Identity48 writes each sample value as it is, the very index Filtered48
+// looks up (interpolated values never exceed 65535).
+template <class Body, class Pass>
+void With48(const ZoRGBFilter& filter, Body body, Pass pass)
 {
-    if (filter.IsIdentity16())
+    if (filter.IsIdentity16()) {
         body(Identity48{});
+        return;
+    }
+    const simd::LutFormPlan16* plan =
+        simd::ActiveLutPaths().words3
+            ? simd::ScopedFormPlan16(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16())
+            : nullptr;
+    if (plan)
+        pass(*plan);
     else
         body(Filtered48{filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16()});
 }
+
+// Area conversions of at least this many pixels check whether the 16-bit
+// tables have a form (3 x 65536 entries evaluated, about the cost of the
+// pass over as many pixels).
+constexpr std::uint64_t kForm16MinPixels = 65536;
 
 }  // namespace
 
@@ -104,6 +118,12 @@ std::uint32_t ZoBayerRGB16ToRGB::Convert(const unsigned char* source, std::uint3
     mLastLayout.Store(layout);
     ContextHold hold(*this);
     BayerLayoutScope scope(hold.Context(), layout);
+    // RGB48 through a filter: plan its 16-bit tables for this call.
+    const ZoRGBFilter& filter = ActiveFilter(hold.Context());
+    const simd::LutForm16Scope forms(
+        filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
+        GetDestinationByteSize() == 6 && !filter.IsIdentity16() &&
+            std::uint64_t{width} * height >= kForm16MinPixels);
     return ZoPixelConverter::Convert(source, sourceWidth, sourceHeight, destination, destinationWidth,
                                      destinationHeight, width, height, flags, destinationPadding);
 }
@@ -242,7 +262,13 @@ std::uint32_t ZoBayerRGB16ToRGB48::ConvertLinesNearest(const unsigned char* sour
     const BayerLineCall call = MakeBayerLineCall(context, nullptr, source, destination, count);
     if (call.pattern < 0)
         return ZO_ERR_BAD_ARGUMENT;
-    With48(ActiveFilter(context), [&](const auto& out) { ReplicateCall<Samples16>(call, false, out); });
+    With48(
+        ActiveFilter(context), [&](const auto& out) { ReplicateCall<Samples16>(call, false, out); },
+        [&](const simd::LutFormPlan16& plan) {
+            ReplicateThenPass<Samples16>(call, false, Identity48{}, [&](unsigned char* line, std::uint32_t n) {
+                simd::ApplyLut16(line, n, plan);
+            });
+        });
     return ZO_OK;
 }
 
@@ -255,7 +281,12 @@ std::uint32_t ZoBayerRGB16ToRGB48::ConvertLinesInterpolated(const unsigned char*
         ZoBayerLayout local;
         const BayerLineCall call =
             MakeBayerLineCall(context, &LineLayout(context, local), source, destination, count);
-        With48(ActiveFilter(context), [&](const auto& out) { InterpolateCall<Samples16>(call, out); });
+        With48(
+            ActiveFilter(context), [&](const auto& out) { InterpolateCall<Samples16>(call, out); },
+            [&](const simd::LutFormPlan16& plan) {
+                InterpolateCall<Samples16>(call, Identity48{});
+                simd::ApplyLut16(call.destination, call.count, plan);
+            });
         return ZO_OK;
     } catch (...) {
         return ZO_ERR_INTERPOLATION;

@@ -37,12 +37,14 @@ std::uint32_t Nearest8(const BayerLineCall& call, const ZoRGBFilter& filter, std
 {
     if (call.pattern < 0)
         return ZO_ERR_BAD_ARGUMENT;
-    if (UsesTablePass<Writer>(filter))
-        return With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
-            ReplicateThenPass<decltype(reader)>(call, redQuirk, out, [&](unsigned char* line, std::uint32_t n) {
-                TablePass<Writer>(line, n, filter);
+    std::uint32_t result = ZO_OK;
+    if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {
+            result = With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
+                ReplicateThenPass<decltype(reader)>(call, redQuirk, out,
+                                                    [&](unsigned char* line, std::uint32_t n) { pass.Apply(line, n); });
             });
-        });
+        }))
+        return result;
     return With8<Writer>(filter, false, sampleBytes, [&](auto reader, const auto& out) {
         ReplicateCall<decltype(reader)>(call, redQuirk, out);
     });
@@ -51,11 +53,14 @@ std::uint32_t Nearest8(const BayerLineCall& call, const ZoRGBFilter& filter, std
 template <class Writer>
 std::uint32_t Interpolated8(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t sampleBytes)
 {
-    if (UsesTablePass<Writer>(filter))
-        return With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
-            InterpolateCall<decltype(reader)>(call, out);
-            TablePass<Writer>(call.destination, call.count, filter);
-        });
+    std::uint32_t result = ZO_OK;
+    if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {
+            result = With8<Writer>(filter, true, sampleBytes, [&](auto reader, const auto& out) {
+                InterpolateCall<decltype(reader)>(call, out);
+                pass.Apply(call.destination, call.count);
+            });
+        }))
+        return result;
     return With8<Writer>(filter, false, sampleBytes,
                          [&](auto reader, const auto& out) { InterpolateCall<decltype(reader)>(call, out); });
 }

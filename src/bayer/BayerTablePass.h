@@ -12,9 +12,11 @@
 // in the first-level cache. The filtered kernels have no vector path, so
 // this pays from the AVX2 level up even with the scalar pass (the AVX2
 // identity line saves more than the pass costs); below, the identity line
-// gains too little and the lookups stay inside the kernel. RGB16 packs the
-// looked-up values and keeps the lookups inside the kernel, as RGB48 does
-// (see Bayer16Converters.cpp).
+// gains too little and the lookups stay inside the kernel, unless the pass
+// is a vector one (tables with an arithmetic form, or VBMI). RGB16 packs the
+// looked-up values and keeps the lookups inside the kernel; RGB48 takes the
+// 16-bit arithmetic pass where the tables have a form (see
+// Bayer16Converters.cpp).
 #ifndef ZO_BAYER_TABLE_PASS_H
 #define ZO_BAYER_TABLE_PASS_H
 
@@ -41,23 +43,30 @@ struct TablePassLayout<Write32<RedIndex>> {
     static constexpr unsigned kPixelBytes = 4, kRedIndex = RedIndex;
 };
 
-// Whether a filtered line of this layout goes through the table pass.
-template <class Writer>
-bool UsesTablePass(const ZoRGBFilter& filter)
-{
-    return TablePassLayout<Writer>::kUses && !filter.IsIdentity8() &&
-           simd::ActiveCpuLevel() >= simd::CpuLevel::kAVX2;
-}
-
-// `count` pixels of a destination line through the filter's 8-bit tables.
-template <class Writer>
-void TablePass(unsigned char* line, std::uint32_t count, const ZoRGBFilter& filter)
+// Runs run(pass) with the table pass for a filtered line of this layout
+// and returns true; false (nothing run) for the identity filter, a layout
+// without a pass, or where the kernel's own lookups are faster: below AVX2
+// unless the pass is a vector one (the arithmetic pass of tables that have
+// a form, simd/LutForm.h, or VBMI lookups).
+template <class Writer, class Run>
+bool WithTablePass(const ZoRGBFilter& filter, Run run)
 {
     using L = TablePassLayout<Writer>;
-    if constexpr (L::kUses)
-        simd::ApplyLut8(line, count, L::kPixelBytes,
-                        simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(),
-                                                   L::kRedIndex));
+    if constexpr (L::kUses) {
+        if (filter.IsIdentity8())
+            return false;
+        const simd::LutPass8 pass(
+            simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), L::kRedIndex),
+            L::kPixelBytes);
+        if (!pass.Vector() && simd::ActiveCpuLevel() < simd::CpuLevel::kAVX2)
+            return false;
+        run(pass);
+        return true;
+    } else {
+        (void)filter;
+        (void)run;
+        return false;
+    }
 }
 
 // Replicating: the first line of the pair is converted through the identity

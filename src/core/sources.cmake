@@ -6,8 +6,10 @@ list(APPEND ZO_LIB_SOURCES
   ${_dir}/Registry.cpp
   ${_dir}/Catalogue.cpp
   ${_dir}/Startup.cpp
-  ${_dir}/FlatTypes.cpp)
+  ${_dir}/FlatTypes.cpp
+  ${_dir}/StreamStores.cpp)
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/PixelTypeTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/RegistryTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/CatalogueTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/CatalogueTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/simd/StreamingStoresTest.cpp)

@@ -7,10 +7,8 @@ namespace zo {
 namespace gray {
 namespace {
 
-std::uint32_t NoBytes(const unsigned char*, unsigned char*, std::uint32_t) { return 0; }
-std::uint32_t NoWords(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t) { return 0; }
-
-const GrayPaths kGrayPathsScalar = {"scalar", NoBytes, NoWords, NoBytes};
+const GrayPaths kGrayPathsScalar = {"scalar",    GrayNoBytes, GrayNoWords, GrayNoBytes, GrayNoBytes,
+                                    GrayNoWords, GrayNoBytes, GrayNoBytes, GrayNoWords};
 
 const GrayPaths* ChooseGrayPaths(simd::CpuLevel level)
 {
@@ -26,6 +24,9 @@ const GrayPaths* ChooseGrayPaths(simd::CpuLevel level)
 }
 
 }  // namespace
+
+std::uint32_t GrayNoBytes(const unsigned char*, unsigned char*, std::uint32_t) { return 0; }
+std::uint32_t GrayNoWords(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t) { return 0; }
 
 const GrayPaths& GrayActivePaths()
 {

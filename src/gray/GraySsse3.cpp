@@ -21,9 +21,6 @@ inline void StoreGrayThree(unsigned char* d, __m128i g)
     Store(d + 32, _mm_shuffle_epi8(g, _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)));
 }
 
-// RGB32 is left to the scalar kernel at this level.
-std::uint32_t NoRGB32(const unsigned char*, unsigned char*, std::uint32_t) { return 0; }
-
 }  // namespace
 
 std::uint32_t GrayBytesToRGB24Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n)
@@ -47,7 +44,9 @@ std::uint32_t GrayWordsToRGB24Ssse3(const unsigned char* s, unsigned char* d, st
     return i;
 }
 
-const GrayPaths kGrayPathsSSSE3 = {"SSSE3", GrayBytesToRGB24Ssse3, GrayWordsToRGB24Ssse3, NoRGB32};
+// RGB32, RGB16 and Gray8 are left to the scalar kernels at this level.
+const GrayPaths kGrayPathsSSSE3 = {"SSSE3",     GrayBytesToRGB24Ssse3, GrayWordsToRGB24Ssse3, GrayNoBytes, GrayNoBytes,
+                                   GrayNoWords, GrayNoBytes,           GrayNoBytes,           GrayNoWords};
 
 }  // namespace gray
 }  // namespace zo

@@ -2,6 +2,7 @@
 // or pixel size once per call and runs it over the line.
 #include "ZoGrayscaleConverters.h"
 
+#include "core/StreamStores.h"
 #include "gray/GrayscaleKernels.h"
 #include "gray/GraySimd.h"
 
@@ -54,6 +55,20 @@ void LastByteLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std
         g::GrayLine<Writer>(s, d, n, g::ReadLastByte<2>{});
     else
         g::GrayLine<Writer>(s, d, n, g::ReadLastByteOf{pixelBytes});
+}
+
+// Whether a line of n pixels is written with streaming stores
+// (core/StreamStores.h), through the converter's context holder `Hold`.
+// Lines shorter than this never are, and their direct calls skip the
+// context look-up.
+constexpr std::uint32_t kStreamMinPixels = 256;
+template <class Hold, class Converter>
+bool StreamLine(const Converter& converter, std::uint32_t n)
+{
+    if (n < kStreamMinPixels)
+        return false;
+    const Hold hold(converter);
+    return zo::StreamDestination(hold.Context());
 }
 
 // The single-pixel form of the byte-taking classes reads the FIRST byte of
@@ -152,7 +167,12 @@ std::uint32_t ZoGrayscale16ToGrayscale16LeftShift::Convert(const unsigned char* 
 
 std::uint32_t ZoGrayscale16ToGrayscale8::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    ShiftedWordsLine<g::PutGray8>(s, d, n, mShift);
+    std::uint32_t done = 0;
+    if (mShift < 16) {
+        const g::GrayPaths& paths = g::GrayActivePaths();
+        done = StreamLine<ContextHold>(*this, n) ? paths.wordsToGray8Stream(s, d, n, mShift) : paths.wordsToGray8(s, d, n, mShift);
+    }
+    ShiftedWordsLine<g::PutGray8>(s + 2 * std::size_t(done), d + done, n - done, mShift);
     return ZO_OK;
 }
 std::uint32_t ZoGrayscale16ToGrayscale8::Convert(const unsigned char* s, unsigned char* d) const
@@ -210,7 +230,14 @@ std::uint32_t ZoGrayscale16ToRGB32::Convert(const unsigned char* s, unsigned cha
 
 std::uint32_t ZoGrayscale8ToRGB16::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
-    LastByteLine<g::PutRGB16>(s, d, n, mSourcePixelBytes);
+    // One-byte pixels: the vector path first, the scalar kernel for the rest.
+    std::uint32_t done = 0;
+    if (mSourcePixelBytes == 1) {
+        const g::GrayPaths& paths = g::GrayActivePaths();
+        done = StreamLine<ContextHold>(*this, n) ? paths.bytesToRGB16Stream(s, d, n) : paths.bytesToRGB16(s, d, n);
+    }
+    LastByteLine<g::PutRGB16>(s + mSourcePixelBytes * std::size_t(done), d + 2 * std::size_t(done), n - done,
+                              mSourcePixelBytes);
     return ZO_OK;
 }
 std::uint32_t ZoGrayscale8ToRGB16::Convert(const unsigned char* s, unsigned char* d) const
@@ -240,7 +267,11 @@ std::uint32_t ZoGrayscale8ToRGB24::Convert(const unsigned char* s, unsigned char
 std::uint32_t ZoGrayscale8ToRGB32::Convert(const unsigned char* s, unsigned char* d, std::uint32_t n) const
 {
     // One-byte pixels: the vector path first, the scalar kernel for the rest.
-    const std::uint32_t done = mSourcePixelBytes == 1 ? g::GrayActivePaths().bytesToRGB32(s, d, n) : 0;
+    std::uint32_t done = 0;
+    if (mSourcePixelBytes == 1) {
+        const g::GrayPaths& paths = g::GrayActivePaths();
+        done = StreamLine<ContextHold>(*this, n) ? paths.bytesToRGB32Stream(s, d, n) : paths.bytesToRGB32(s, d, n);
+    }
     LastByteLine<g::PutRGB32>(s + done, d + std::size_t(done) * 4, n - done, mSourcePixelBytes);
     return ZO_OK;
 }

@@ -1,6 +1,7 @@
 // AVX2 paths of the RGB kernels (this file alone is compiled for AVX2; its
 // table runs from the AVX2 level on, see RGBSimd.cpp). Only RGB16 packing
-// has its own path here; the other shuffles keep the SSSE3 ones.
+// has its own paths here (with ordinary and with streaming stores); the
+// other shuffles keep the SSSE3 ones.
 #include "rgb/RGBPaths.h"
 
 #if defined(__AVX2__)
@@ -9,6 +10,8 @@
 
 #include <cstddef>
 
+#include "core/StreamGroups.h"
+
 namespace zo {
 namespace simd {
 namespace {
@@ -16,6 +19,8 @@ namespace {
 constexpr char Z = -128;  // shuffle index that writes 0
 
 inline __m128i Load(const unsigned char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
+inline void Store(unsigned char* p, __m256i v, OrdinaryStores) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+inline void Store(unsigned char* p, __m256i v, StreamingStores) { _mm256_stream_si256(reinterpret_cast<__m256i*>(p), v); }
 
 // In-lane shuffle masks that gather, from 32 loaded bytes (lo, hi) holding
 // eight pixels of `group` bytes, one 16-bit lane per pixel whose low byte
@@ -49,13 +54,20 @@ inline __m256i Gather(__m256i lo, __m256i hi, const WordMasks& m)
 // (x & 0xF800) | ((x & 0xFC) << 3) | (y >> 3). The loads of lane 1 end at
 // byte 8 x group + 32 of the step: the loop stops while that lies inside
 // the n pixels, and the SSSE3 path takes what is left.
-std::uint32_t BytesToRGB16Avx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group, bool stream)
 {
-    const WordMasks greenRed = MakeWordMasks(group, 1, 0), blue = MakeWordMasks(group, 2, -1);
+    // The masks of both groups, made once (making them costs as much as
+    // converting a hundred pixels).
+    struct Masks {
+        WordMasks greenRed, blue;
+    };
+    static const Masks kMasks[2] = {{MakeWordMasks(3, 1, 0), MakeWordMasks(3, 2, -1)},
+                                    {MakeWordMasks(4, 1, 0), MakeWordMasks(4, 2, -1)}};
+    const WordMasks greenRed = kMasks[group == 4].greenRed, blue = kMasks[group == 4].blue;
     const __m256i redBits = _mm256_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm256_set1_epi16(0xFC);
     const std::uint64_t inEnd = std::uint64_t(n) * group;
-    std::uint32_t i = 0;
-    for (; std::uint64_t(i) * group + 8 * group + 32 <= inEnd; i += 16) {
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
         const unsigned char* p = s + std::size_t(i) * group;
         const unsigned char* q = p + 8 * group;
         const __m256i lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
@@ -64,15 +76,26 @@ std::uint32_t BytesToRGB16Avx2(const unsigned char* s, unsigned char* d, std::ui
         const __m256i word = _mm256_or_si256(
             _mm256_or_si256(_mm256_and_si256(x, redBits), _mm256_slli_epi16(_mm256_and_si256(x, greenBits), 3)),
             _mm256_srli_epi16(y, 3));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(d + std::size_t(i) * 2), word);
-    }
+        Store(d + std::size_t(i) * 2, word, streaming);
+    };
+    const std::uint32_t i = RunGroups<16, 2>(d, stream, fits, step);
     return i + BytesToRGB16Ssse3(s + std::size_t(i) * group, d + std::size_t(i) * 2, n - i, group);
+}
+
+std::uint32_t BytesToRGB16Avx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+{
+    return BytesToRGB16Run(s, d, n, group, false);
+}
+std::uint32_t BytesToRGB16StreamAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
+{
+    return BytesToRGB16Run(s, d, n, group, true);
 }
 
 }  // namespace
 
-const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
-                                BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3};
+const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourSsse3,   FourToThreeSsse3,       FourToFourSsse3,
+                                BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,         SwapFourSsse3,
+                                ThreeToFourStreamSsse3, BytesToRGB16StreamAvx2};
 
 }  // namespace simd
 }  // namespace zo

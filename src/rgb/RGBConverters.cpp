@@ -2,6 +2,7 @@
 // context once and hands the line to a kernel of RGBKernels.h.
 #include "ZoRGBConverters.h"
 
+#include "core/StreamStores.h"
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
 #include "simd/Lut.h"
@@ -50,29 +51,43 @@ struct TablePassLayout<zo::Write32<R>> {
     static constexpr bool kUses = true;
 };
 
+// Whether the table passes below may run at this level: the VBMI lookups,
+// and from AVX2 on the arithmetic passes (measured: below AVX2 this family's
+// identity line gains less than the pass costs).
+bool RGBTablePassLevel()
+{
+    return zo::simd::VectorLutActive() || zo::simd::ActiveCpuLevel() >= zo::simd::CpuLevel::kAVX2;
+}
+
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
-// vector table pass (simd/Lut.h), the 24- and 32-bit layouts of one- and
-// two-byte channels take the identity line (its bytes are the channel bytes
-// the filtered kernel indexes with; the fourth byte is 0 either way) and then
-// the pass over it; without one, the filtered kernel's own lookups are faster.
+// vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts
+// of one- and two-byte channels take the identity line (its bytes are the
+// channel bytes the filtered kernel indexes with; the fourth byte is 0 either
+// way) and then the pass over it; without one, the filtered kernel's own
+// lookups are faster. `stream`: the identity line of one-byte channels may
+// write with streaming stores (core/StreamStores.h).
 template <class Writer, unsigned Group>
-void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f)
+void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
+               bool stream = false)
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses) {
-        if (!f.IsIdentity8() && (k == 1 || k == 2) && zo::simd::VectorLutActive()) {
-            if (k == 1)
-                zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
-            else
-                zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
-            zo::simd::ApplyLut8(d, n, Writer::kBytes, ByteOrderTables(f, Writer::kRed));
-            return;
+        if (!f.IsIdentity8() && (k == 1 || k == 2) && RGBTablePassLevel()) {
+            const zo::simd::LutPass8 pass(ByteOrderTables(f, Writer::kRed), Writer::kBytes);
+            if (pass.Vector()) {
+                if (k == 1)
+                    zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+                else
+                    zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
+                pass.Apply(d, n);
+                return;
+            }
         }
     }
     if (f.IsIdentity8()) {
         if (k == 1)
-            zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
+            zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n, stream);
         else if (k == 2)  // the second byte of each channel is the high byte of a word
             zo::simd::RepackWordsIdentityLine<Writer, Group>(s, d, n, 8);
         else
@@ -95,11 +110,14 @@ void BytesKeepFourthLine(const unsigned char* s, unsigned char* d, std::uint32_t
                          const ZoRGBFilter& f)
 {
     const ChannelTables8 t = Tables8(f);
-    if (!f.IsIdentity8() && k == 1 && zo::simd::VectorLutActive()) {
-        const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
-        zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
-        zo::simd::ApplyLut8(d, n, 4, ByteOrderTables(f, RedIndex));
-        return;
+    if (!f.IsIdentity8() && k == 1 && RGBTablePassLevel()) {
+        const zo::simd::LutPass8 pass(ByteOrderTables(f, RedIndex), 4);
+        if (pass.Vector()) {
+            const std::uint32_t done = zo::simd::RepackKeepFourthIdentity<RedIndex>(s, d, n);
+            zo::RepackBytesKeepFourthLine<RedIndex, 1, true>(s + 4 * done, d + 4 * done, n - done, 1, t);
+            pass.Apply(d, n);
+            return;
+        }
     }
     if (f.IsIdentity8()) {
         if (k == 1) {
@@ -256,14 +274,14 @@ ZoRGB64ToRGB32::~ZoRGB64ToRGB32() = default;
     }
 
 ZO_RGB_LINE(ZoRGB24ToRGB16)
-    BytesLine<zo::WriteRGB16, 3>(s, d, count, mChannelStep, filter);
+    BytesLine<zo::WriteRGB16, 3>(s, d, count, mChannelStep, filter, zo::StreamDestination(hold.Context()));
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB24ToRGB16)
     BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB32ToRGB16)
-    BytesLine<zo::WriteRGB16, 4>(s, d, count, mChannelStep, filter);
+    BytesLine<zo::WriteRGB16, 4>(s, d, count, mChannelStep, filter, zo::StreamDestination(hold.Context()));
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB32ToRGB16)
     BytesPixel<zo::WriteRGB16>(s, d, mChannelStep, filter);
@@ -378,7 +396,9 @@ ZO_RGB_PIXEL(ZoRGB16ToRGB32)
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB24ToRGB32)
-    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter); });
+    const bool stream = zo::StreamDestination(hold.Context());
+    WithOrder<zo::Write32>(mBlueFirst,
+                           [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter, stream); });
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB24ToRGB32)
     WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });

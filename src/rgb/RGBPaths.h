@@ -31,12 +31,20 @@ struct RGBPaths {
     std::uint32_t (*swapThree)(const unsigned char* s, unsigned char* d, std::uint32_t n);
     // r g b x -> b g r x.
     std::uint32_t (*swapFour)(const unsigned char* s, unsigned char* d, std::uint32_t n);
+    // threeToFour and bytesToRGB16 writing with streaming stores where the
+    // destination allows (core/StreamGroups.h); a level without such a path
+    // has the ordinary one here.
+    std::uint32_t (*threeToFourStream)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+    std::uint32_t (*bytesToRGB16Stream)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
 };
 
-// RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step;
-// RGBAvx2.cpp: its own RGB16 path (sixteen pixels a step, then the SSSE3
-// one), the SSSE3 paths for the rest.
+// RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
+// three- to four-byte pixels with streaming stores too; RGBAvx2.cpp: its own
+// RGB16 paths (sixteen pixels a step, then the SSSE3 one), the SSSE3 paths
+// for the rest; RGBAvx512.cpp: its own RGB16 paths (thirty-two pixels a
+// step, then the AVX2 one), the SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
@@ -46,9 +54,11 @@ std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
+extern const RGBPaths kRGBPathsAVX512;
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
-// returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 from AVX2 on.
+// returns 0) below SSSE3, SSSE3 at SSSE3, AVX2 at AVX2, AVX-512 at AVX-512
+// where the CPU has VBMI (AVX2 otherwise).
 const RGBPaths& RGBActivePaths();
 
 }  // namespace simd

@@ -17,12 +17,14 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
     return 0;
 }
 
-const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered,
-                                  NoRGB16,  NoPlanes,        NoPixels,        NoPixels};
+const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
+                                  NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
 #if ZO_SIMD_X86
+    if (level >= CpuLevel::kAVX512 && HostCpuFeatures().avx512vbmi)
+        return &kRGBPathsAVX512;
     if (level >= CpuLevel::kAVX2)
         return &kRGBPathsAVX2;
     if (level >= CpuLevel::kSSSE3)
@@ -67,6 +69,26 @@ template <>
 std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
 {
     return RGBActivePaths().bytesToRGB16(s, d, n, 4);
+}
+template <>
+std::uint32_t RepackBytesIdentityStream<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    return RGBActivePaths().threeToFourStream(s, d, n, false);
+}
+template <>
+std::uint32_t RepackBytesIdentityStream<Write32<2>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    return RGBActivePaths().threeToFourStream(s, d, n, true);
+}
+template <>
+std::uint32_t RepackBytesIdentityStream<WriteRGB16, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    return RGBActivePaths().bytesToRGB16Stream(s, d, n, 3);
+}
+template <>
+std::uint32_t RepackBytesIdentityStream<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    return RGBActivePaths().bytesToRGB16Stream(s, d, n, 4);
 }
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n)

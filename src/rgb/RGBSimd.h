@@ -70,6 +70,22 @@ std::uint32_t RepackBytesIdentity<WriteRGB16, 4>(const unsigned char* s, unsigne
 template <>
 std::uint32_t RepackKeepFourthIdentity<2>(const unsigned char* s, unsigned char* d, std::uint32_t n);
 
+// The same with streaming stores (core/StreamStores.h), for the layouts
+// that have such a path at some level; the others take the ordinary path.
+template <class Writer, unsigned Group>
+inline std::uint32_t RepackBytesIdentityStream(const unsigned char* s, unsigned char* d, std::uint32_t n)
+{
+    return RepackBytesIdentity<Writer, Group>(s, d, n);
+}
+template <>
+std::uint32_t RepackBytesIdentityStream<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentityStream<Write32<2>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentityStream<WriteRGB16, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+template <>
+std::uint32_t RepackBytesIdentityStream<WriteRGB16, 4>(const unsigned char* s, unsigned char* d, std::uint32_t n);
+
 // One-byte channels to three planes (red, green, blue); 0 when the planes
 // overlap within the n pixels, where the scalar kernel's per-pixel order of
 // writes decides the result.
@@ -81,12 +97,14 @@ std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, u
 bool HasByteShuffle();
 
 // A whole line of one-byte channels through the identity filter: the fast
-// path, then the scalar kernel for what it left.
+// path (with streaming stores when `stream`), then the scalar kernel for
+// what it left.
 template <class Writer, unsigned Group>
-inline void RepackBytesIdentityLine(const unsigned char* s, unsigned char* d, std::uint32_t n)
+inline void RepackBytesIdentityLine(const unsigned char* s, unsigned char* d, std::uint32_t n, bool stream = false)
 {
     const ChannelTables8 unused{nullptr, nullptr, nullptr};  // not read on the identity path
-    const std::uint32_t done = RepackBytesIdentity<Writer, Group>(s, d, n);
+    const std::uint32_t done =
+        stream ? RepackBytesIdentityStream<Writer, Group>(s, d, n) : RepackBytesIdentity<Writer, Group>(s, d, n);
     RepackBytesLine<Writer, Group, 1, true>(s + std::size_t(done) * Group, d + std::size_t(done) * Writer::kBytes,
                                             n - done, 1, unused);
 }

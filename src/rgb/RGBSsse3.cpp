@@ -9,6 +9,8 @@
 
 #include <tmmintrin.h>
 
+#include "core/StreamGroups.h"
+
 namespace zo {
 namespace simd {
 namespace {
@@ -32,13 +34,33 @@ std::uint32_t Shuffle(const unsigned char* s, unsigned char* d, std::uint32_t n,
     return i;
 }
 
+__m128i ThreeToFourMask(bool blueFirst)
+{
+    return blueFirst ? _mm_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z)
+                     : _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
+}
+
 }  // namespace
 
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
-    const __m128i rgb = _mm_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
-    const __m128i bgr = _mm_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z);
-    return Shuffle<3, 4>(s, d, n, blueFirst ? bgr : rgb);
+    return Shuffle<3, 4>(s, d, n, ThreeToFourMask(blueFirst));
+}
+
+// The same four pixels a step, written with streaming stores from the first
+// 64-byte line of the destination on (core/StreamGroups.h).
+std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+{
+    const __m128i mask = ThreeToFourMask(blueFirst);
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 16 <= std::uint64_t(n) * 3; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const __m128i v = _mm_shuffle_epi8(Load(s + std::size_t(i) * 3), mask);
+        if constexpr (decltype(streaming)::value)
+            _mm_stream_si128(reinterpret_cast<__m128i*>(d + std::size_t(i) * 4), v);
+        else
+            Store(d + std::size_t(i) * 4, v);
+    };
+    return RunGroups<4, 4>(d, true, fits, step);
 }
 
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
@@ -85,8 +107,15 @@ inline __m128i Gather(__m128i lo, __m128i hi, const ChannelMasks& m)
 // word = ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3), on 16-bit lanes.
 std::uint32_t BytesToRGB16Ssse3(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group)
 {
-    const ChannelMasks red = MakeChannelMasks(group, 0), green = MakeChannelMasks(group, 1),
-                       blue = MakeChannelMasks(group, 2);
+    if (std::uint64_t(n) * group < 32)
+        return 0;
+    // The masks of both groups, made once.
+    static const ChannelMasks kMasks[2][3] = {
+        {MakeChannelMasks(3, 0), MakeChannelMasks(3, 1), MakeChannelMasks(3, 2)},
+        {MakeChannelMasks(4, 0), MakeChannelMasks(4, 1), MakeChannelMasks(4, 2)}};
+    const ChannelMasks& red = kMasks[group == 4][0];
+    const ChannelMasks& green = kMasks[group == 4][1];
+    const ChannelMasks& blue = kMasks[group == 4][2];
     const __m128i redBits = _mm_set1_epi16(static_cast<short>(0xF8)), greenBits = _mm_set1_epi16(0xFC);
     const std::uint64_t inEnd = std::uint64_t(n) * group;
     std::uint32_t i = 0;
@@ -139,7 +168,8 @@ std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint3
 }
 
 const RGBPaths kRGBPathsSSSE3 = {"SSSE3",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
-                                 BytesToRGB16Ssse3, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3};
+                                 BytesToRGB16Ssse3, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3,
+                                 ThreeToFourStreamSsse3, BytesToRGB16Ssse3};
 
 }  // namespace simd
 }  // namespace zo

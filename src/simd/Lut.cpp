@@ -1,4 +1,4 @@
-// Table passes: the scalar kernels (every level below AVX-512 with VBMI)
+// Table passes: the scalar lookups (every level below AVX-512 with VBMI)
 // and the choice of passes per CPU level.
 #include "simd/Lut.h"
 
@@ -27,8 +27,10 @@ inline void Store32(unsigned char* p, std::uint32_t v)
 #endif
 }
 
+}  // namespace
+
 // A pixel is read and written as one word (one store instead of three).
-void Bytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables)
+void LutBytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables)
 {
     // Local copies: the stores could otherwise alias the pointers.
     const std::uint8_t* const t0 = tables.byte0;
@@ -42,7 +44,7 @@ void Bytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& ta
 }
 
 // Four pixels are three words: b0 b1 b2 b0 | b1 b2 b0 b1 | b2 b0 b1 b2.
-void Bytes3Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables)
+void LutBytes3Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables)
 {
     const std::uint8_t* const t0 = tables.byte0;
     const std::uint8_t* const t1 = tables.byte1;
@@ -66,14 +68,24 @@ void Bytes3Scalar(unsigned char* line, std::uint32_t count, const LutTables8& ta
     }
 }
 
-constexpr LutPaths kScalar = {"scalar", false, Bytes3Scalar, Bytes4Scalar};
+namespace {
 
+// No arithmetic pass: in scalar code it is no faster than the lookups.
+constexpr LutPaths kScalar = {"scalar", false, LutBytes3Scalar, LutBytes4Scalar, nullptr, nullptr, nullptr, nullptr,
+                               nullptr, nullptr, false};
+
+// AVX-512 with VBMI; AVX2 otherwise (also on AVX-512 without VBMI); SSE2
+// at the SSE2 and SSSE3 levels.
 const LutPaths* Choose(CpuLevel level)
 {
+    const LutPaths* p = nullptr;
     if (level >= CpuLevel::kAVX512)
-        if (const LutPaths* p = Avx512LutPaths())
-            return p;
-    return &kScalar;
+        p = Avx512LutPaths();
+    if (!p && level >= CpuLevel::kAVX2)
+        p = Avx2LutPaths();
+    if (!p && level >= CpuLevel::kSSE2)
+        p = Sse2LutPaths();
+    return p ? p : &kScalar;
 }
 
 const PathChoice<LutPaths>& Choice()
@@ -89,6 +101,8 @@ const LutPaths& ActiveLutPaths() { return Choice().Get(); }
 const LutPaths& ScalarLutPaths() { return kScalar; }
 
 #if !ZO_SIMD_X86
+const LutPaths* Sse2LutPaths() { return nullptr; }
+const LutPaths* Avx2LutPaths() { return nullptr; }
 const LutPaths* Avx512LutPaths() { return nullptr; }
 #endif
 

@@ -12,23 +12,62 @@
 // table[p][byte]; the fourth byte of a 4-byte pixel is left as it is. The
 // tables are given in byte order of the layout (blue first for BGR). `line`
 // holds `count` whole pixels; nothing outside them is read or written. The
-// tables must not overlap the line. The passes are chosen per CPU level
-// through the CPU module (family "lut"): AVX-512 with VBMI byte permutes,
-// scalar below. Only the vector pass beats lookups inside a kernel that has
-// no vector path of its own to gain: converters whose filtered kernels are
-// already fast ask VectorLutActive() first.
+// tables must not overlap the line. RGB48 lines take the same pass over
+// their 16-bit words through 16-bit tables.
+//
+// Two kinds of pass, chosen per CPU level through the CPU module (family
+// "lut"):
+//   - lookups: AVX-512 with VBMI byte permutes (any 8-bit table); scalar
+//     elsewhere;
+//   - arithmetic (SSE2, AVX2, AVX-512 BW; simd/LutForm.h): tables that equal
+//     a formula of a few 16-bit lane operations at every index the pass can
+//     meet -- the tables SetMultipliers writes, with or without offsets --
+//     are evaluated instead of looked up, bit for bit, any other table
+//     (entries written one by one, or a multiplier table with one entry
+//     edited) keeps the lookups. 8-bit tables are checked once per content
+//     (a per-thread cache compared on every line); 16-bit tables once per
+//     area conversion (the Bayer RGB48 converters open the scope). On
+//     AVX-512 with VBMI the 8-bit tables keep the VBMI lookups (as fast).
+// A vector pass beats lookups inside a kernel that has no vector path of
+// its own to gain; converters whose filtered kernels are already fast ask
+// LutPass8::Vector() for their tables first.
+//
+// Measured (bench/wb_bench.cpp, cold buffers; one run per level, before ->
+// after, white balance / identity twin at 1080p / 4096 x 3000). Gains 1.8,
+// 1.0, 1.4 (1.4 needs the corrected form):
+//   host (AVX-512 VBMI): 12-bit Bayer -> RGB48 2.76 / 2.56 -> 1.46 / 1.35;
+//     the 8-bit rows keep the VBMI lookups (Bayer 8 -> RGB24 1.33 / 1.18).
+//   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 3.54 / 2.98 -> 2.07 / 1.76, -> BGRA
+//     3.87 / 3.16 -> 1.96 / 1.77, YUYV -> BGRA 5.03 / 3.71 -> 2.75 / 2.30,
+//     RGB48 2.65 / 2.55 -> 1.43 / 1.45; RGB24 -> BGRA 2.80 / 2.28 -> 2.99 /
+//     2.26 (no gain: on 4-byte pixels the corrected form costs what the
+//     lookups cost; the difference is the machine's noise).
+//   ZOIMG_CPU=sse2: RGB48 2.61 / 2.46 -> 2.24 / 2.11; bytes keep the
+//     lookups (the corrected form does not pay there).
+// Gains 1.8, 1.0, 1.6 (the Gain16 rows: plain floors, the fast form, as
+// most computed gains give): AVX2 Bayer 8 -> RGB24 1.64 / 1.36, RGB48 1.38 /
+// 1.20; SSE2 1.52 / 1.48 and 1.70 / 1.44; host RGB48 1.32 / 1.19.
+// (Bytes whose tables all end at 255 drop the limit and let the pack
+// saturate: about a fifth off the AVX2 8-bit rows.)
+// So the 1.3 target holds for the host's 4096-wide Bayer 8 rows and, with
+// plain-floor gains, the 4096-wide RGB48 rows; the 1.4 RGB48 rows stay at
+// 1.35-1.46. A pass over a line already written costs about half the
+// fastest identity kernels' time whatever it computes, which keeps the
+// 1080p rows above 1.3 (left open: the forms inside the Bayer kernels,
+// before the store).
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
-// table and pixel position, not built); 16-bit tables as a pass, scalar or
+// table and pixel position, not built); 16-bit lookups as a pass, scalar or
 // through gathers (measured no faster than the lookups inside the RGB48
-// kernel).
+// kernel); the exact double form on bytes (no faster than the lookups).
 #ifndef ZO_SIMD_LUT_H
 #define ZO_SIMD_LUT_H
 
 #include <cstdint>
 
 #include "simd/Cpu.h"
+#include "simd/LutForm.h"
 
 namespace zo {
 namespace simd {
@@ -39,12 +78,28 @@ struct LutTables8 {
     const std::uint8_t* byte2;
 };
 
-// The passes of one instruction set.
+// The passes of one instruction set: lookups, and the arithmetic passes of
+// tables that have a form (LutForm.h; null where the set has none).
 struct LutPaths {
     const char* name;
-    bool vector;  // a vector pass (false: the scalar one)
+    bool vector;  // the lookups are a vector pass (false: the scalar one)
     void (*bytes3)(unsigned char* line, std::uint32_t count, const LutTables8& tables);
     void (*bytes4)(unsigned char* line, std::uint32_t count, const LutTables8& tables);
+    void (*form3)(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan);
+    void (*form4)(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan);
+    // RGB48: `count` pixels of three little-endian words through a 16-bit plan.
+    void (*words3)(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan);
+    // Whether the form gives the table's entry at each of the 65536 indices.
+    bool (*verify16)(const LutChannelForm& form, bool general, bool wide, const std::uint16_t* table);
+    // The same for the exact form; null where the set has no exact form
+    // (its passes are never given exact plans).
+    bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table);
+    // The same for the corrected form.
+    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table);
+    // Whether the corrected form on bytes beats lookups inside a kernel
+    // (measured: from AVX2 on; with SSE2 it loses a little, and 8-bit
+    // tables that need it keep the lookups there).
+    bool correctedBytesPay;
 };
 
 // The passes for the level in force.
@@ -55,7 +110,13 @@ inline bool VectorLutActive() { return ActiveLutPaths().vector; }
 // The passes of each kind (for tests; null where this build or the host has
 // none: the AVX-512 passes need the AVX-512 level and VBMI).
 const LutPaths& ScalarLutPaths();
+const LutPaths* Sse2LutPaths();
+const LutPaths* Avx2LutPaths();
 const LutPaths* Avx512LutPaths();
+
+// The scalar lookups (every kind's lookups where it has no vector ones).
+void LutBytes3Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables);
+void LutBytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables);
 
 // The 8-bit tables of a filter for a layout with red at byte `redIndex`
 // (0 or 2) and green at byte 1.
@@ -65,14 +126,60 @@ inline LutTables8 LutTablesInByteOrder(const std::uint8_t* red, const std::uint8
     return redIndex == 0 ? LutTables8{red, green, blue} : LutTables8{blue, green, red};
 }
 
+// A pass over lines of 3- or 4-byte pixels (pixelBytes) through 8-bit
+// tables, prepared for one line: the arithmetic pass where the level has one
+// and the tables have a form, else the level's lookups. Apply before
+// preparing another pass on the same thread (the plan lives in its cache).
+class LutPass8 {
+public:
+    LutPass8(const LutTables8& tables, unsigned pixelBytes)
+        : mPaths(ActiveLutPaths()),
+          mTables(tables),
+          mPixelBytes(pixelBytes),
+          mPlan(mPaths.form3 && mPaths.form4 ? FormPlan8(tables, pixelBytes) : nullptr)
+    {
+        if (mPlan && mPlan->corrected && !mPaths.correctedBytesPay)
+            mPlan = nullptr;
+    }
+    // A vector pass: worth an identity line followed by the pass where the
+    // kernel's own lookups would run otherwise.
+    bool Vector() const { return mPlan || mPaths.vector; }
+    void Apply(unsigned char* line, std::uint32_t count) const
+    {
+        if (mPlan)
+            (mPixelBytes == 4 ? mPaths.form4 : mPaths.form3)(line, count, *mPlan);
+        else
+            (mPixelBytes == 4 ? mPaths.bytes4 : mPaths.bytes3)(line, count, mTables);
+    }
+
+private:
+    const LutPaths& mPaths;
+    LutTables8 mTables;
+    unsigned mPixelBytes;
+    const LutFormPlan8* mPlan;
+};
+
 // `count` 3- or 4-byte pixels (pixelBytes) through the 8-bit tables.
 inline void ApplyLut8(unsigned char* line, std::uint32_t count, unsigned pixelBytes, const LutTables8& tables)
 {
+    LutPass8(tables, pixelBytes).Apply(line, count);
+}
+
+// Whether lines through these tables have a vector pass at this level.
+inline bool VectorLutFor(const LutTables8& tables, unsigned pixelBytes)
+{
+    return LutPass8(tables, pixelBytes).Vector();
+}
+
+// `count` RGB48 pixels through a 16-bit plan, when this level has the pass
+// (false: nothing done).
+inline bool ApplyLut16(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan)
+{
     const LutPaths& paths = ActiveLutPaths();
-    if (pixelBytes == 4)
-        paths.bytes4(line, count, tables);
-    else
-        paths.bytes3(line, count, tables);
+    if (!paths.words3)
+        return false;
+    paths.words3(line, count, plan);
+    return true;
 }
 
 }  // namespace simd

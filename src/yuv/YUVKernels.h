@@ -147,10 +147,10 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // Filtered lines: a vector path converts a chunk of pixels into plain
 // RGB32 bytes in a small buffer; each pixel then goes through the tables to
 // the destination layout. Same result as the scalar kernels, faster.
-// With a vector table pass (simd/Lut.h) the 24- and 32-bit layouts do
-// better: the filter is applied to the final channel values just before they
-// are stored, so the vector path writes the destination directly and the
-// pass follows over the pixels it wrote, while they are still in the
+// With a vector table pass for the tables (simd/Lut.h) the 24- and 32-bit
+// layouts do better: the filter is applied to the final channel values just
+// before they are stored, so the vector path writes the destination directly
+// and the pass follows over the pixels it wrote, while they are still in the
 // first-level cache.
 constexpr std::uint32_t kFilterChunkPixels = 256;
 
@@ -158,16 +158,26 @@ template <class Writer>
 constexpr bool kTablePassLayout = Writer::kBytes == 3 || Writer::kBytes == 4;
 
 template <class Writer>
-inline bool UseYUVTablePass()
+inline simd::LutTables8 YUVByteOrderTables(const YUVChannelTables& t)
 {
-    return kTablePassLayout<Writer> && simd::VectorLutActive();
+    return simd::LutTablesInByteOrder(t.red, t.green, t.blue, WriterShape<Writer>::kRedIndex);
+}
+
+// Whether these tables have a vector pass at this level (VBMI lookups, or
+// the arithmetic pass of tables with a form, simd/LutForm.h).
+template <class Writer>
+inline bool UseYUVTablePass(const YUVChannelTables& t)
+{
+    if constexpr (kTablePassLayout<Writer>)
+        return !t.identity && simd::VectorLutFor(YUVByteOrderTables<Writer>(t), Writer::kBytes);
+    else
+        return false;
 }
 
 template <class Writer>
 inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChannelTables& t)
 {
-    simd::ApplyLut8(dst, pixels, Writer::kBytes,
-                    simd::LutTablesInByteOrder(t.red, t.green, t.blue, WriterShape<Writer>::kRedIndex));
+    simd::ApplyLut8(dst, pixels, Writer::kBytes, YUVByteOrderTables<Writer>(t));
 }
 
 template <class Writer>
@@ -189,7 +199,7 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
     std::uint32_t done = 0;
     if (vector && t.identity) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
-    } else if (vector && UseYUVTablePass<Writer>()) {
+    } else if (vector && UseYUVTablePass<Writer>(t)) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
         YUVTablePass<Writer>(dst, 2 * done, t);
     } else if (vector) {
@@ -233,7 +243,7 @@ void YUV444RangeToRGB(const unsigned char* src, unsigned char* dst, std::uint32_
     const std::uint32_t pixelBytes = 3 * (extra + 1);
     std::uint32_t done = first;
     auto at = [&](std::uint32_t i) { return src + static_cast<std::size_t>(i) * pixelBytes + extra; };
-    if (vector && (t.identity || UseYUVTablePass<Writer>())) {
+    if (vector && (t.identity || UseYUVTablePass<Writer>(t))) {
         unsigned char* out = dst + static_cast<std::size_t>(done) * Writer::kBytes;
         const std::uint32_t got = YUV444ToRGBVector(at(done), out, end - done, pixelBytes, yOffset, uOffset,
                                                     vOffset, Writer::kBytes, WriterShape<Writer>::kRedIndex);

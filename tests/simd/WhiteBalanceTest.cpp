@@ -1,13 +1,17 @@
-// Filtered conversions at every CPU level: the table passes against plain
-// lookups, every Bayer instance against the reference demosaicer, and every
-// conversion into a 24- or 32-bit layout against its own result at the
-// scalar level (whose filtered kernels look every channel up one by one).
-// Filters hold random per-entry tables (16-bit entries up to 65535 and
-// indices from full 16-bit samples); destinations start poisoned and are
-// compared whole, slack included.
+// Filtered conversions at every CPU level: the table passes (lookups and
+// the arithmetic forms of multiplier tables) against plain lookups, every
+// Bayer instance against the reference demosaicer, and every conversion into
+// a 24-, 32- or 48-bit layout against its own result at the scalar level
+// (whose filtered kernels look every channel up one by one). Filters hold
+// random per-entry tables (16-bit entries up to 65535 and indices from full
+// 16-bit samples), multiplier tables, and multiplier tables with one entry
+// written afterwards; destinations start poisoned and are compared whole,
+// slack included.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -15,6 +19,9 @@
 #include "bayer/BayerReference.h"
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
+#include "simd/LutForm.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
 
 namespace {
 
@@ -24,18 +31,21 @@ using zo::simd::CpuLevel;
 template <class Body>
 void AtEveryLevel(Body body)
 {
-    const CpuLevel saved = zo::simd::CpuCeiling();
-    for (unsigned l = 0; l < zo::simd::kCpuLevelCount; ++l) {
-        const CpuLevel level = static_cast<CpuLevel>(l);
-        if (level > zo::simd::HostCpuLevel())
-            break;
-        zo::simd::SetCpuCeiling(level);
+    for (CpuLevel level : zotest::HostCpuLevels()) {
+        const zotest::CpuCeilingScope ceiling(level);
         SCOPED_TRACE(zo::simd::CpuLevelName(level));
         body(level);
         if (::testing::Test::HasFatalFailure())
-            break;
+            return;
     }
-    zo::simd::SetCpuCeiling(saved);
+}
+
+// A filtered area conversion's bytes at the scalar level.
+template <class Convert>
+std::vector<std::uint8_t> AtScalarLevel(Convert convert)
+{
+    const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+    return convert();
 }
 
 // Table sets: three random tables; green the identity (usual white
@@ -43,9 +53,7 @@ void AtEveryLevel(Body body)
 // the identity; all one table.
 std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
 {
-    std::vector<std::uint8_t> t(3 * 256);
-    for (std::uint8_t& v : t)
-        v = static_cast<std::uint8_t>(rng());
+    std::vector<std::uint8_t> t = zotest::RandomBytes(3 * 256, rng);
     for (unsigned i = 0; i < 256; ++i) {
         if (shape == 1 || shape == 3)
             t[256 + i] = static_cast<std::uint8_t>(i);
@@ -74,9 +82,7 @@ TEST(LutPasses, EveryPassMatchesPlainLookupsAndTouchesNothingElse)
                 for (std::uint32_t count : {0u, 1u, 2u, 3u, 5u, 15u, 16u, 17u, 21u, 22u, 63u, 64u, 65u, 85u, 191u,
                                             192u, 193u, 1000u}) {
                     const std::size_t bytes = std::size_t(count) * pixelBytes;
-                    std::vector<std::uint8_t> line(bytes + 2 * kGuard);
-                    for (std::uint8_t& v : line)
-                        v = static_cast<std::uint8_t>(rng());
+                    std::vector<std::uint8_t> line = zotest::RandomBytes(bytes + 2 * kGuard, rng);
                     std::vector<std::uint8_t> expected = line;
                     for (std::size_t i = 0; i < bytes; ++i) {
                         const unsigned position = i % pixelBytes;
@@ -90,6 +96,208 @@ TEST(LutPasses, EveryPassMatchesPlainLookupsAndTouchesNothingElse)
     }
 }
 
+// Every instruction set's paths this host runs.
+std::vector<const zo::simd::LutPaths*> HostLutPaths()
+{
+    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
+    for (const zo::simd::LutPaths* p :
+         {zo::simd::Sse2LutPaths(), zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()})
+        if (p)
+            paths.push_back(p);
+    return paths;
+}
+
+// One filtered area conversion into a poisoned buffer with slack.
+std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const ZoRGBFilter& filter,
+                                          const std::vector<std::uint8_t>& source, std::uint32_t width,
+                                          std::uint32_t height, std::uint32_t flags)
+{
+    constexpr std::size_t kSlack = 64;
+    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, zotest::kPoison);
+    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
+                           flags, 0),
+              ZO_OK);
+    return out;
+}
+
+// Multiplier filters, and what the arithmetic passes must make of them:
+// `form8` whether the 8-bit tables have a form, `form16` which form the
+// 16-bit ones take. Multipliers just below a short fraction (1.4, 0.7, 2.3)
+// give tables whose products the filter rounded up to an integer: corrected
+// forms, or exact ones (offset, entries beyond 32767, or not fast). An entry
+// written after SetMultipliers (edit) breaks every form.
+struct MultiplierCase {
+    std::uint32_t bits;
+    double red, green, blue;
+    std::uint16_t redOffset, blueOffset;
+    bool edit;
+    bool form8;
+    enum { kNone, kFixed, kCorrected, kExact } form16;
+};
+const MultiplierCase kMultiplierCases[] = {
+    {12, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kFixed},
+    {16, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kFixed},
+    {12, 0.9, 1.0, 2.1, 0, 0, false, true, MultiplierCase::kFixed},   // below 1: entries past the count
+    {10, 0.55, 0.93, 1.2731, 3, 17, false, true, MultiplierCase::kFixed},
+    {16, 1.4737219, 1.0, 2.018331, 0, 0, false, true, MultiplierCase::kFixed},  // two-multiply fraction
+    {16, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kExact},  // 1.4 * 45 rounds up to 63
+    {12, 3.0, 0.0, 1.0, 5, 4000, false, true, MultiplierCase::kFixed},  // a channel 0 after entry 0
+    {8, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
+    {16, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
+    {12, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kCorrected},  // the benchmark's gains
+    {12, 0.7, 1.0, 2.3, 0, 0, false, true, MultiplierCase::kExact},
+    {12, 1.2, 1.9, 1.4, 0, 7, false, false, MultiplierCase::kExact},  // offset on a lifted table
+    {8, HUGE_VAL, 0.0, 1.0, 9, 0, false, true, MultiplierCase::kFixed},  // entry 0, then the last entry
+    {4, 1.8, 1.0, 0.5, 0, 2, false, true, MultiplierCase::kFixed},       // 16 entries: bytes past them clamp
+    {20, 1.8, 1.0, 1.6, 0, 0, false, true, MultiplierCase::kNone},       // 16-bit entries wrap past 65535
+};
+
+std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
+{
+    auto f = std::make_unique<ZoRGBFilter>(c.bits);
+    EXPECT_EQ(f->SetMultipliers(c.red, c.green, c.blue, c.redOffset, 0, c.blueOffset), ZO_OK);
+    if (c.edit) {
+        EXPECT_EQ(f->SetBlueValue(100, 3), ZO_OK);
+    }
+    return f;
+}
+
+// The 8-bit plans of multiplier tables, run by every arithmetic pass over
+// random lines, give the lookups' bytes; tables without a form get no plan.
+TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
+{
+    std::mt19937 rng(21);
+    for (const MultiplierCase& c : kMultiplierCases) {
+        SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
+                                        << (c.edit ? ", edited" : ""));
+        const auto filter = MakeFilter(c);
+        for (unsigned redIndex : {0u, 2u})
+            for (unsigned pixelBytes : {3u, 4u}) {
+                const zo::simd::LutTables8 t = zo::simd::LutTablesInByteOrder(
+                    filter->RedTable8(), filter->GreenTable8(), filter->BlueTable8(), redIndex);
+                const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(t, pixelBytes);
+                ASSERT_EQ(plan != nullptr, c.form8);
+                if (!plan)
+                    continue;
+                for (const zo::simd::LutPaths* p : HostLutPaths()) {
+                    if (!p->form3)
+                        continue;
+                    for (std::uint32_t count : {1u, 5u, 21u, 22u, 64u, 193u, 1000u}) {
+                        std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * pixelBytes + 64, rng);
+                        std::vector<std::uint8_t> expected = line;
+                        (pixelBytes == 3 ? zo::simd::LutBytes3Scalar : zo::simd::LutBytes4Scalar)(expected.data(),
+                                                                                                count, t);
+                        (pixelBytes == 3 ? p->form3 : p->form4)(line.data(), count, *plan);
+                        ASSERT_TRUE(line == expected) << p->name << ", " << pixelBytes << "-byte pixels, count "
+                                                      << count << ", red at " << redIndex;
+                    }
+                }
+            }
+    }
+}
+
+// The 16-bit plan of a conversion: made where the level has the pass, equal
+// to the lookups on random RGB48 lines, absent for tables without a form.
+TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
+{
+    std::mt19937 rng(22);
+    AtEveryLevel([&](CpuLevel) {
+        const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
+        for (const MultiplierCase& c : kMultiplierCases) {
+            SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
+                                            << (c.edit ? ", edited" : ""));
+            const auto filter = MakeFilter(c);
+            const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
+            const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true);
+            const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
+            const bool expected =
+                paths.words3 && (c.form16 == MultiplierCase::kFixed ||
+                                 (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
+                                 (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
+            ASSERT_EQ(plan != nullptr, expected) << paths.name;
+            if (plan) {
+                EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
+                EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
+            }
+            EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
+            if (!plan)
+                continue;
+            for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u}) {
+                std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
+                std::vector<std::uint8_t> expected = line;
+                for (std::size_t i = 0; i < std::size_t(count) * 3; ++i) {
+                    const std::uint16_t v = t[i % 3][line[2 * i] | line[2 * i + 1] << 8];
+                    expected[2 * i] = static_cast<std::uint8_t>(v);
+                    expected[2 * i + 1] = static_cast<std::uint8_t>(v >> 8);
+                }
+                ASSERT_TRUE(zo::simd::ApplyLut16(line.data(), count, *plan));
+                ASSERT_TRUE(line == expected) << paths.name << ", count " << count;
+            }
+        }
+    });
+}
+
+// A 16-bit plan answers only inside its scope, for its own tables; the
+// innermost scope answers; an unwanted scope plans nothing.
+TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
+{
+    AtEveryLevel([&](CpuLevel) {
+        if (!zo::simd::ActiveLutPaths().words3)
+            return;
+        const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
+        auto plan = [](const ZoRGBFilter& f) {
+            return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16());
+        };
+        auto open = [](const ZoRGBFilter& f, bool worth) {
+            return std::make_unique<zo::simd::LutForm16Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(),
+                                                              worth);
+        };
+        EXPECT_EQ(plan(*a), nullptr);
+        {
+            const auto outer = open(*a, true);
+            EXPECT_NE(plan(*a), nullptr);
+            {
+                const auto inner = open(*b, true);
+                EXPECT_NE(plan(*b), nullptr);
+                EXPECT_EQ(plan(*a), nullptr);
+            }
+            EXPECT_NE(plan(*a), nullptr);
+            EXPECT_EQ(plan(*b), nullptr);
+            const auto unwanted = open(*a, false);
+            EXPECT_EQ(plan(*a), nullptr);
+        }
+        EXPECT_EQ(plan(*a), nullptr);
+    });
+}
+
+// Tables edited at the same addresses between two calls: the 8-bit plan
+// cache notices, and a conversion after the edit gives the scalar level's
+// bytes for the edited tables at every level.
+TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
+{
+    ZoRGBFilter filter(8);
+    ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
+    const zo::simd::LutTables8 t{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8()};
+    ASSERT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+    const std::uint8_t kept = filter.GetBlueValue8(100);
+    ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
+    EXPECT_EQ(zo::simd::FormPlan8(t, 3), nullptr);
+    ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
+    EXPECT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
+    constexpr std::uint32_t kWidth = 97, kHeight = 6, kFlags = ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_INTERPOLATE;
+    std::mt19937 rng(23);
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    AtEveryLevel([&](CpuLevel) {
+        ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
+        ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);  // plans the unedited tables
+        ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
+        const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
+        ASSERT_TRUE(actual == AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
+    });
+}
+
 // 8-bit tables random, 16-bit tables random over the whole 16-bit range.
 const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
 
@@ -101,6 +309,19 @@ const ZoRGBFilter& Gains()
         f->SetMultipliers(1.8, 1.0, 1.4);
         return f;
     }();
+    return *filter;
+}
+
+// Multiplier tables of the fixed-point kind, and with one entry written
+// after SetMultipliers (no form: the lookups).
+const ZoRGBFilter& FixedFormGains()
+{
+    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[0]);
+    return *filter;
+}
+const ZoRGBFilter& EditedGains()
+{
+    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[8]);
     return *filter;
 }
 
@@ -123,19 +344,6 @@ TEST(WhiteBalance, BayerMatchesTheReferenceAtEveryLevel)
                         ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
                     }
     });
-}
-
-// One filtered area conversion into a poisoned buffer with slack.
-std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const ZoRGBFilter& filter,
-                                          const std::vector<std::uint8_t>& source, std::uint32_t width,
-                                          std::uint32_t height, std::uint32_t flags)
-{
-    constexpr std::size_t kSlack = 64;
-    std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, 0xA5);
-    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
-                           flags, 0),
-              ZO_OK);
-    return out;
 }
 
 // Every registered conversion into RGB24, BGR24, RGB32 or BGR32 (Bayer in
@@ -163,21 +371,20 @@ TEST(WhiteBalance, EveryConversionInto24And32BitsMatchesTheScalarLevel)
                     // Dual-tap sources split lines in two halves: even widths.
                     if ((flags && !bayer) || ((source & ZO_PIXEL_TAP_MASK) && width % 2))
                         continue;
-                    Run r{source, destination, width, flags, runs.size() % 2 ? &Gains() : &RandomTables(), {}, {}};
-                    r.input.resize(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64);
-                    for (std::uint8_t& v : r.input)
-                        v = static_cast<std::uint8_t>(rng());
+                    const ZoRGBFilter* const filters[] = {&RandomTables(), &Gains(), &FixedFormGains(),
+                                                          &EditedGains()};
+                    Run r{source, destination, width, flags, filters[runs.size() % 4], {}, {}};
+                    r.input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
                     runs.push_back(std::move(r));
                 }
         }
     }
     ASSERT_GT(runs.size(), 100u);
-    const CpuLevel saved = zo::simd::CpuCeiling();
-    zo::simd::SetCpuCeiling(CpuLevel::kScalar);
     for (Run& r : runs)
-        r.expected = ConvertFiltered(ZoPixelTypeFactory::GetConverter(r.source, r.destination), *r.filter, r.input,
-                                     r.width, kHeight, r.flags);
-    zo::simd::SetCpuCeiling(saved);
+        r.expected = AtScalarLevel([&] {
+            return ConvertFiltered(ZoPixelTypeFactory::GetConverter(r.source, r.destination), *r.filter, r.input,
+                                   r.width, kHeight, r.flags);
+        });
     AtEveryLevel([&](CpuLevel) {
         for (const Run& r : runs) {
             const std::vector<std::uint8_t> actual = ConvertFiltered(
@@ -188,6 +395,30 @@ TEST(WhiteBalance, EveryConversionInto24And32BitsMatchesTheScalarLevel)
                                               << r.flags;
         }
     });
+}
+
+// 16-bit Bayer into RGB48 over areas large enough for the per-call 16-bit
+// plan, through multiplier tables (fixed-point, corrected and exact forms), an edited
+// one and random tables, from full 16-bit samples: each level gives the
+// scalar level's bytes.
+TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
+{
+    constexpr std::uint32_t kWidth = 258, kHeight = 256;  // 66048 pixels
+    std::mt19937 rng(31);
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
+    std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
+    const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]);
+    const std::unique_ptr<const ZoRGBFilter> corrected = MakeFilter(kMultiplierCases[9]);
+    for (const ZoRGBFilter* filter :
+         {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
+        for (std::uint32_t flags : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE}) {
+            const std::vector<std::uint8_t> expected =
+                AtScalarLevel([&] { return ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags); });
+            AtEveryLevel([&](CpuLevel) {
+                ASSERT_TRUE(ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags) == expected)
+                    << "flags " << flags;
+            });
+        }
 }
 
 }  // namespace

@@ -1,0 +1,58 @@
+// The loop of a vector path that may write its destination with streaming
+// stores (see core/StreamStores.h for when it should). Included by the
+// per-instruction-set files only; everything here has internal linkage, so
+// files compiled for different instruction sets share nothing.
+//
+// A path converts whole groups of `Group` units (pixels, or pairs of a 4:2:2
+// line) of `UnitBytes` destination bytes each. Streaming stores want the
+// destination aligned to a 64-byte line: groups are first converted with
+// ordinary stores up to the first unit that starts a line, then, from that
+// unit on (re-converting the units in between, which writes the same bytes),
+// with streaming stores, and a store fence ends the run. A destination where
+// no unit starts a line (4-byte pixels at an odd address) is written with
+// ordinary stores throughout.
+#ifndef ZO_STREAM_GROUPS_H
+#define ZO_STREAM_GROUPS_H
+
+#include <xmmintrin.h>
+
+#include <cstdint>
+#include <type_traits>
+
+namespace zo {
+namespace {
+
+using OrdinaryStores = std::false_type;
+using StreamingStores = std::true_type;
+
+// Runs step(i, OrdinaryStores{}) or step(i, StreamingStores{}) for groups
+// starting at unit i = 0, Group, ... while fits(i); returns the units
+// converted (the end of the last group). `stream` false: ordinary stores
+// only.
+template <std::uint32_t Group, std::uint32_t UnitBytes, class Fits, class Step>
+inline std::uint32_t RunGroups(unsigned char* d, bool stream, Fits fits, Step step)
+{
+    std::uint32_t i = 0;
+    const std::uint32_t toLine = static_cast<std::uint32_t>(-reinterpret_cast<std::uintptr_t>(d) & 63);
+    if (!stream || toLine % UnitBytes != 0) {
+        for (; fits(i); i += Group)
+            step(i, OrdinaryStores{});
+        return i;
+    }
+    const std::uint32_t first = toLine / UnitBytes;  // the first unit that starts a line
+    for (; i < first; i += Group) {
+        if (!fits(i))
+            return i;
+        step(i, OrdinaryStores{});
+    }
+    const std::uint32_t head = i;  // units [0, head) are converted, head >= first
+    for (i = first; fits(i); i += Group)
+        step(i, StreamingStores{});
+    _mm_sfence();
+    return i > head ? i : head;
+}
+
+}  // namespace
+}  // namespace zo
+
+#endif

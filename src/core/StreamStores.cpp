@@ -1,0 +1,85 @@
+// The choice between streaming and ordinary destination stores.
+#include "core/StreamStores.h"
+
+#include <atomic>
+
+#include "convert/BandWindow.h"
+
+#if (defined(__x86_64__) || defined(_M_X64)) && defined(__GNUC__)
+#include <cpuid.h>
+#define ZO_STREAM_CPUID 1
+#else
+#define ZO_STREAM_CPUID 0
+#endif
+
+namespace zo {
+namespace {
+
+constexpr std::uint64_t kUnknownCacheBytes = std::uint64_t(8) << 20;
+
+// The largest data or unified cache of the deterministic cache leaf (4 on
+// Intel, 0x8000001D on AMD; both describe a cache the same way).
+std::uint64_t ReadLastLevelCacheBytes()
+{
+#if ZO_STREAM_CPUID
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    if (!__get_cpuid(0, &a, &b, &c, &d))
+        return kUnknownCacheBytes;
+    const bool amd = b == 0x68747541;  // "Auth" of "AuthenticAMD"
+    unsigned leaf = 4;
+    if (amd) {
+        leaf = 0x8000001D;
+        if (__get_cpuid_max(0x80000000, nullptr) < leaf)
+            return kUnknownCacheBytes;
+    } else if (a < 4) {
+        return kUnknownCacheBytes;
+    }
+    std::uint64_t largest = 0;
+    for (unsigned index = 0; index < 16; ++index) {
+        __cpuid_count(leaf, index, a, b, c, d);
+        const unsigned type = a & 0x1F;  // 0: no more caches; 1 data, 2 instruction, 3 unified
+        if (type == 0)
+            break;
+        if (type == 2)
+            continue;
+        const std::uint64_t ways = (b >> 22) + 1, partitions = ((b >> 12) & 0x3FF) + 1, line = (b & 0xFFF) + 1;
+        const std::uint64_t bytes = ways * partitions * line * (std::uint64_t(c) + 1);
+        if (bytes > largest)
+            largest = bytes;
+    }
+    return largest ? largest : kUnknownCacheBytes;
+#else
+    return kUnknownCacheBytes;
+#endif
+}
+
+constexpr std::uint64_t kUnset = ~std::uint64_t(0);
+std::atomic<std::uint64_t> gThreshold{kUnset};
+
+}  // namespace
+
+std::uint64_t LastLevelCacheBytes()
+{
+    static const std::uint64_t bytes = ReadLastLevelCacheBytes();
+    return bytes;
+}
+
+std::uint64_t StreamingThreshold()
+{
+    const std::uint64_t set = gThreshold.load(std::memory_order_relaxed);
+    return set == kUnset ? LastLevelCacheBytes() : set;
+}
+
+void SetStreamingThreshold(std::uint64_t bytes) { gThreshold.store(bytes == kUnset ? kUnset - 1 : bytes); }
+void ResetStreamingThreshold() { gThreshold.store(kUnset); }
+
+bool StreamDestination(const ZoPixelConverterContext& context)
+{
+    if (!context.filter || ThreadBandWindow().active)
+        return false;
+    const std::uint64_t footprint =
+        std::uint64_t(context.areaHeight) * (std::uint64_t(context.sourceLineBytes) + context.destinationLineBytes);
+    return footprint >= StreamingThreshold();
+}
+
+}  // namespace zo

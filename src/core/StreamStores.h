@@ -1,0 +1,50 @@
+// Whether a line call writes its destination with streaming (non-temporal)
+// stores.
+//
+// A conversion whose buffers are far larger than the last-level cache gains
+// from stores that go straight to memory: an ordinary store first reads the
+// destination's cache line from memory, only to overwrite all of it, and
+// evicts lines the conversion still needs. A small frame does better with
+// ordinary stores: its destination stays in the cache for whoever reads it
+// next. The choice is made here alone, from the size of the whole area
+// conversion in progress (never from the length of one line), so that every
+// line of a conversion is written the same way:
+//
+//   - an area conversion (the context carries its filter) whose source and
+//     destination lines together span at least StreamingThreshold() bytes
+//     streams;
+//   - a direct line call, and every line call of a band conversion (which
+//     converts a part of a frame, often into scratch memory read at once),
+//     use ordinary stores.
+//
+// The bytes written are the same either way. A path that streams ends with a
+// store fence before it returns, so that its stores are ordered before
+// anything the caller does next.
+#ifndef ZO_STREAM_STORES_H
+#define ZO_STREAM_STORES_H
+
+#include <cstdint>
+
+#include "ZoPixelConverter.h"
+
+namespace zo {
+
+// The size of the last-level data cache, read from the CPU once (8 MiB when
+// the CPU does not say).
+std::uint64_t LastLevelCacheBytes();
+
+// The footprint (source plus destination bytes of the area) from which an
+// area conversion streams: the last-level cache size unless set.
+std::uint64_t StreamingThreshold();
+// Sets the threshold (0: every area conversion streams); for tests and
+// benchmarks, while no conversion runs. ResetStreamingThreshold goes back to
+// the cache size.
+void SetStreamingThreshold(std::uint64_t bytes);
+void ResetStreamingThreshold();
+
+// The choice for a line call made with the calling thread's context.
+bool StreamDestination(const ZoPixelConverterContext& context);
+
+}  // namespace zo
+
+#endif

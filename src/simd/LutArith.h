@@ -1,0 +1,321 @@
+// The arithmetic table passes (see LutForm.h), written once over a vector
+// type V and instantiated by each instruction set's file with its own V.
+//
+// V (a type local to the including file) provides T, kBytes and: Load,
+// Store, Zero, Set1, Ramp (lanes 0, 1, 2, ...), Add, Sub, AddS and SubS
+// (unsigned saturating), MulLo, MulHi (unsigned), Min (unsigned), Or, Xor,
+// IfNonZero(d, x) (x where d is not 0, else 0), AddCarry(f, l, s)
+// (f + 1 where the 16-bit sum s = l + t wrapped, i.e. s < l), Lo8/Hi8 (the
+// low/high eight bytes of every 128-bit lane widened to 16-bit lanes), Pack
+// (the reverse, unsigned saturation) and AllZero. All lanes are 16-bit.
+// Where kExact, also MulTrunc(j, scale, offset): trunc(double(j) * scale +
+// offset) per lane (scale and offset: doubles in lane order), saturated to
+// 16 bits unsigned. The double products are the filter's own: no fused
+// multiply-add (the instruction sets' flags do not enable FMA, and ISO C++
+// mode does not contract).
+//
+// Only templates over V live here: the instruction sets' files must share
+// no inline function with the rest of the library.
+#ifndef ZO_SIMD_LUT_ARITH_H
+#define ZO_SIMD_LUT_ARITH_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "simd/Lut.h"
+#include "simd/LutForm.h"
+
+namespace zo {
+namespace simd {
+
+template <class V>
+struct LutArith {
+    using T = typename V::T;
+    static constexpr std::size_t W = V::kBytes;
+    using Lanes = std::uint16_t[kLutParamCount][32];
+
+    struct Params {
+        T p[kLutParamCount];
+    };
+
+    static Params Load(const Lanes& lanes)
+    {
+        Params r;
+        for (unsigned q = 0; q < kLutParamCount; ++q)
+            r.p[q] = V::Load(lanes[q]);
+        return r;
+    }
+
+    // The formula of LutForm.h on 16-bit lanes i.
+    template <bool General, bool Wide>
+    static T Eval(T i, const Params& P)
+    {
+        T j = i, d = i;
+        if constexpr (General) {
+            d = V::SubS(i, P.p[kLutK]);
+            j = V::Sub(i, d);
+        }
+        T f = V::MulHi(j, P.p[kLutFh]);
+        if constexpr (Wide) {
+            const T l = V::MulLo(j, P.p[kLutFh]);
+            f = V::AddCarry(f, l, V::Add(l, V::MulHi(j, P.p[kLutFl])));
+        }
+        const T p = V::MulLo(j, P.p[kLutA]);
+        if constexpr (General)
+            return V::Add(V::Add(V::Add(p, f), P.p[kLutOff]), V::IfNonZero(d, P.p[kLutLimit]));
+        else
+            return V::Min(V::AddS(V::AddS(p, f), P.p[kLutOff]), P.p[kLutLimit]);
+    }
+
+    // The exact form: the index clamped to k, the double formula, delta
+    // past k.
+    static T EvalExact(T i, const Params& P, const double* scale, const double* offset)
+    {
+        static_assert(V::kExact, "the exact form needs MulTrunc");
+        const T d = V::SubS(i, P.p[kLutK]);
+        return V::Add(V::MulTrunc(V::Sub(i, d), scale, offset), V::IfNonZero(d, P.p[kLutLimit]));
+    }
+
+    // The corrected form: fast forms with fractions fh and fg (kLutFl lanes),
+    // the difference taken back where x = h + h*kap/2^16 (kap: kLutK lanes)
+    // passed the power of two above h.
+    static T EvalCorrected(T i, const Params& P)
+    {
+        const T p = V::MulLo(i, P.p[kLutA]);
+        const T h = V::Min(V::AddS(V::AddS(p, V::MulHi(i, P.p[kLutFh])), P.p[kLutOff]), P.p[kLutLimit]);
+        const T g = V::Min(V::AddS(V::AddS(p, V::MulHi(i, P.p[kLutFl])), P.p[kLutOff]), P.p[kLutLimit]);
+        const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+        return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+    }
+
+    // On bytes whose tables all end at 255, the fast and corrected forms
+    // without the limit (and the corrected one without offset): Pack
+    // saturates what passes 255 (the plan keeps lanes below 32768).
+    static T EvalFastSaturating(T i, const Params& P)
+    {
+        return V::AddS(V::AddS(V::MulLo(i, P.p[kLutA]), V::MulHi(i, P.p[kLutFh])), P.p[kLutOff]);
+    }
+    static T EvalCorrectedSaturating(T i, const Params& P)
+    {
+        const T p = V::MulLo(i, P.p[kLutA]);
+        const T h = V::AddS(p, V::MulHi(i, P.p[kLutFh]));
+        const T g = V::AddS(p, V::MulHi(i, P.p[kLutFl]));
+        const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+        return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+    }
+
+    // Mode: 0 fast, 1 general, 3 corrected, 4 fast and 5 corrected
+    // saturating (fixed-point: one-multiply fraction).
+    template <int Mode>
+    static T EvalFixed(T i, const Params& P)
+    {
+        if constexpr (Mode == 3)
+            return EvalCorrected(i, P);
+        else if constexpr (Mode == 4)
+            return EvalFastSaturating(i, P);
+        else if constexpr (Mode == 5)
+            return EvalCorrectedSaturating(i, P);
+        else
+            return Eval<Mode == 1, false>(i, P);
+    }
+
+    // ---- 8-bit tables on 3- or 4-byte pixels ----
+
+    template <int Mode>
+    static void Bytes(unsigned char* at, const Params& low, const Params& high)
+    {
+        const T v = V::Load(at);
+        V::Store(at, V::Pack(EvalFixed<Mode>(V::Lo8(v), low), EvalFixed<Mode>(V::Hi8(v), high)));
+    }
+
+    template <int Mode>
+    static void BytesPhase(unsigned char* at, const LutFormPlan8& plan, unsigned phase)
+    {
+        Bytes<Mode>(at, Load(plan.lanes[phase][0]), Load(plan.lanes[phase][1]));
+    }
+
+    // The last bytes of a line through a register-sized copy.
+    template <int Mode>
+    static void BytesTail(unsigned char* at, std::size_t n, const LutFormPlan8& plan, unsigned phase)
+    {
+        alignas(64) unsigned char buffer[W] = {};
+        std::memcpy(buffer, at, n);
+        BytesPhase<Mode>(buffer, plan, phase);
+        std::memcpy(at, buffer, n);
+    }
+
+    template <int Mode>
+    static void BytesLine(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    {
+        std::size_t i = 0;
+        unsigned phase = 0;
+        if (plan.pixelBytes == 4) {
+            // Every register starts on a pixel: the parameters stay in registers.
+            const Params low = Load(plan.lanes[0][0]), high = Load(plan.lanes[0][1]);
+            for (; i + W <= bytes; i += W)
+                Bytes<Mode>(line + i, low, high);
+        } else {
+            // A register starts (r * W) mod 3 bytes into a pixel.
+            constexpr unsigned step = W % 3;
+            for (; i + 3 * W <= bytes; i += 3 * W) {
+                BytesPhase<Mode>(line + i, plan, 0);
+                BytesPhase<Mode>(line + i + W, plan, step);
+                BytesPhase<Mode>(line + i + 2 * W, plan, (2 * step) % 3);
+            }
+            for (; i + W <= bytes; i += W, phase = (phase + step) % 3)
+                BytesPhase<Mode>(line + i, plan, phase);
+        }
+        if (i < bytes)
+            BytesTail<Mode>(line + i, bytes - i, plan, phase);
+    }
+
+    static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    {
+        if (plan.saturating)
+            plan.corrected ? BytesLine<5>(line, bytes, plan) : BytesLine<4>(line, bytes, plan);
+        else if (plan.corrected)
+            BytesLine<3>(line, bytes, plan);
+        else if (plan.general)
+            BytesLine<1>(line, bytes, plan);
+        else
+            BytesLine<0>(line, bytes, plan);
+    }
+
+    static void Form3(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan)
+    {
+        BytesAnyMode(line, std::size_t(count) * 3, plan);
+    }
+
+    static void Form4(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan)
+    {
+        BytesAnyMode(line, std::size_t(count) * 4, plan);
+    }
+
+    // ---- 16-bit tables on RGB48 lines ----
+
+    // Mode: 0 fast, 1 general, 2 exact; Wide: the two-multiply fraction.
+    template <int Mode, bool Wide>
+    static void Words(unsigned char* at, const LutFormPlan16& plan, unsigned phase)
+    {
+        const T v = V::Load(at);
+        if constexpr (Mode == 2) {
+            if constexpr (V::kExact)
+                V::Store(at, EvalExact(v, Load(plan.lanes[phase]), plan.scale[phase], plan.offset[phase]));
+        } else if constexpr (Mode == 3) {
+            V::Store(at, EvalCorrected(v, Load(plan.lanes[phase])));
+        } else {
+            V::Store(at, Eval<Mode == 1, Wide>(v, Load(plan.lanes[phase])));
+        }
+    }
+
+    template <int General, bool Wide>
+    static void WordsLine(unsigned char* line, std::size_t bytes, const LutFormPlan16& plan)
+    {
+        // A register starts (r * W / 2) mod 3 words into a pixel.
+        constexpr unsigned step = (W / 2) % 3;
+        std::size_t i = 0;
+        for (; i + 3 * W <= bytes; i += 3 * W) {
+            Words<General, Wide>(line + i, plan, 0);
+            Words<General, Wide>(line + i + W, plan, step);
+            Words<General, Wide>(line + i + 2 * W, plan, (2 * step) % 3);
+        }
+        unsigned phase = 0;
+        for (; i + W <= bytes; i += W, phase = (phase + step) % 3)
+            Words<General, Wide>(line + i, plan, phase);
+        if (i < bytes) {
+            alignas(64) unsigned char buffer[W] = {};
+            std::memcpy(buffer, line + i, bytes - i);
+            Words<General, Wide>(buffer, plan, phase);
+            std::memcpy(line + i, buffer, bytes - i);
+        }
+    }
+
+    static void Words3(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan)
+    {
+        const std::size_t bytes = std::size_t(count) * 6;
+        if (plan.exact)
+            WordsLine<2, false>(line, bytes, plan);
+        else if (plan.corrected)
+            WordsLine<3, false>(line, bytes, plan);
+        else if (plan.general)
+            plan.wide ? WordsLine<1, true>(line, bytes, plan) : WordsLine<1, false>(line, bytes, plan);
+        else
+            plan.wide ? WordsLine<0, true>(line, bytes, plan) : WordsLine<0, false>(line, bytes, plan);
+    }
+
+    // ---- The check of a 16-bit table at all 65536 indices ----
+
+    template <bool General, bool Wide>
+    static bool VerifyAll(const LutChannelForm& f, const std::uint16_t* table)
+    {
+        Params P;
+        P.p[kLutK] = V::Set1(f.k);
+        P.p[kLutA] = V::Set1(f.a);
+        P.p[kLutFh] = V::Set1(f.fh);
+        P.p[kLutFl] = V::Set1(f.fl);
+        P.p[kLutOff] = V::Set1(f.off);
+        P.p[kLutLimit] = V::Set1(General ? f.delta : f.limit);
+        return Sweep(table, [&](T index) { return Eval<General, Wide>(index, P); });
+    }
+
+    // Whether eval(indices) gives the table at all 65536 indices (stops at
+    // the first block that differs).
+    template <class Eval>
+    static bool Sweep(const std::uint16_t* table, Eval eval)
+    {
+        const T step = V::Set1(static_cast<std::uint16_t>(W / 2));
+        T index = V::Ramp();
+        for (std::uint32_t block = 0; block < 65536; block += 2048) {
+            T differences = V::Zero();
+            for (std::uint32_t i = block; i < block + 2048; i += W / 2, index = V::Add(index, step))
+                differences = V::Or(differences, V::Xor(eval(index), V::Load(table + i)));
+            if (!V::AllZero(differences))
+                return false;
+        }
+        return true;
+    }
+
+    static bool VerifyCorrected16(const LutChannelForm& f, const std::uint16_t* table)
+    {
+        Params P;
+        P.p[kLutK] = V::Set1(f.kap);
+        P.p[kLutA] = V::Set1(f.a);
+        P.p[kLutFh] = V::Set1(f.fh);
+        P.p[kLutFl] = V::Set1(f.fg);
+        P.p[kLutOff] = V::Set1(f.off);
+        P.p[kLutLimit] = V::Set1(f.limit);
+        return Sweep(table, [&](T index) { return EvalCorrected(index, P); });
+    }
+
+    static bool VerifyExact16(const LutChannelForm& f, const std::uint16_t* table)
+    {
+        if constexpr (V::kExact) {
+            alignas(64) double scale[32], offset[32];
+            for (unsigned j = 0; j < 32; ++j) {
+                scale[j] = f.scale;
+                offset[j] = f.off;
+            }
+            Params P;
+            P.p[kLutK] = V::Set1(f.k);
+            P.p[kLutLimit] = V::Set1(f.delta);
+            return Sweep(table, [&](T index) { return EvalExact(index, P, scale, offset); });
+        } else {
+            (void)f;
+            (void)table;
+            return false;
+        }
+    }
+
+    static bool Verify16(const LutChannelForm& f, bool general, bool wide, const std::uint16_t* table)
+    {
+        if (general)
+            return wide ? VerifyAll<true, true>(f, table) : VerifyAll<true, false>(f, table);
+        return wide ? VerifyAll<false, true>(f, table) : VerifyAll<false, false>(f, table);
+    }
+};
+
+}  // namespace simd
+}  // namespace zo
+
+#endif
