@@ -9,6 +9,7 @@
 #include <random>
 #include <vector>
 
+#include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
 #include "ZoPixelTypeIDs.h"
 #include "core/StreamStores.h"
@@ -25,20 +26,28 @@ struct ThresholdScope {
     ~ThresholdScope() { zo::ResetStreamingThreshold(); }
 };
 
+// The buffer sizes the area needs, over-reads and over-writes included.
+ZoAreaBufferSizes Sizes(const ZoPixelConverter& c, std::uint32_t width, std::uint32_t height, std::uint32_t padding)
+{
+    ZoAreaBufferSizes z{};
+    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(&c, width, height, width, height, width, height, 0, padding, &z),
+              0u);
+    return z;
+}
+
 // A poisoned destination whose frame starts `offset` bytes past a 64-byte
-// boundary, converted at the ceiling `level`.
+// boundary, converted at the ceiling `level`; the bytes around the frame are
+// returned too.
 Bytes ConvertAt(zo::simd::CpuLevel level, const ZoPixelConverter& c, const Bytes& source, std::uint32_t width,
                 std::uint32_t height, std::uint32_t padding, std::uint32_t offset)
 {
     zotest::CpuCeilingScope ceiling(level);
-    // Guards on both sides: some layouts write before the frame's start or
-    // past its last line.
-    const std::size_t guard = 4096;
-    const std::size_t frame = std::size_t(c.GetDestinationByteSize(width) + padding) * (height + 1);
-    Bytes d(frame + 3 * guard, zotest::kPoison);
+    const ZoAreaBufferSizes z = Sizes(c, width, height, padding);
+    const std::size_t guard = 64 + z.destinationBytesBefore;
+    Bytes d(3 * guard + 64 + z.destinationBytes, zotest::kPoison);
     unsigned char* start = d.data() + guard + (64 - reinterpret_cast<std::uintptr_t>(d.data()) % 64) % 64 + offset;
     c.Convert(source.data(), width, height, start, width, height, width, height, 0, padding);
-    return Bytes(start - guard, start + frame + guard);
+    return Bytes(start - guard, start + z.destinationBytes + guard);
 }
 
 // Every registered pair writing one of the layouts with streaming paths.
@@ -54,7 +63,7 @@ TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
         ++checked;
         for (std::uint32_t width : {256u, 257u, 333u, 1023u}) {
-            const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * height, rng);
+            const Bytes source = zotest::RandomBytes(Sizes(c, width, height, 0).sourceBytes, rng);
             for (std::uint32_t padding : {0u, 5u})
                 for (std::uint32_t offset : {0u, 1u, 7u}) {
                     const Bytes expected =
