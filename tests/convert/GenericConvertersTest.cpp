@@ -1,7 +1,7 @@
-// Identity converters (copies and deinterlacing), chained converters built
-// from test stages (sizes, line and pixel forms, errors; the area form is
-// checked on every registered chain against the chain table), and the flat
-// converter functions.
+// Identity converters (copies and deinterlacing, through the class and the
+// flat functions), and chained converters built from test stages (sizes, line
+// and pixel forms, errors; the area form is checked on every registered chain
+// against the chain table).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -58,31 +58,43 @@ TEST(IdentityConverter, CopiesSourceSizedPixels)
     }
 }
 
-TEST(IdentityConverter, DeinterlacesTwoFields)
+TEST(IdentityConverter, DeinterlacesTwoFieldsThroughEveryAreaForm)
 {
     const struct {
         std::int64_t source;
         std::uint32_t pixel;
     } pairs[] = {{ZO_PT_GRAY8, 1}, {ZO_PT_BAYER_RGB10, 2}, {ZO_PT_YUV8, 2}};
+    ZoRGBFilter filter(16);
     std::mt19937 rng(2);
+    int k = 0;
     for (const auto& p : pairs) {
-        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(p.source | ZO_PIXEL_INTERLACED, p.source);
-        for (std::uint32_t width : {1u, 3u, 7u, 33u})
-            for (std::uint32_t height : {2u, 4u, 5u, 6u})
+        const ZoPixelConverter* c = &ZoPixelTypeFactory::GetConverter(p.source | ZO_PIXEL_INTERLACED, p.source);
+        for (std::uint32_t w : {1u, 3u, 7u, 33u})
+            for (std::uint32_t h : {2u, 4u, 5u, 6u})
                 for (std::uint32_t flags : {0u, std::uint32_t{ZO_FLAG_INVERT_DEINTERLACER}}) {
-                    SCOPED_TRACE(testing::Message() << std::hex << p.source << std::dec << " " << width << "x"
-                                                    << height << " flags " << flags);
+                    // The class, the flat area form, and the flat filtered
+                    // form with a null filter (none) and with one, in turn.
+                    const int form = k++ % 4;
+                    SCOPED_TRACE(testing::Message() << std::hex << p.source << std::dec << " " << w << "x" << h
+                                                    << " flags " << flags << " form " << form);
                     // An odd height writes one line more and reads the second
                     // field from inside a line; callers allow for it.
-                    const zotest::Area a{width, height, width, height, width, height, flags, 3};
-                    const auto source = zotest::RandomBytes(width * p.pixel * (height + 1), rng);
-                    std::vector<unsigned char> d((width * p.pixel + 3) * (height + 2), kPoison);
-                    EXPECT_EQ(c.Convert(source.data(), width, height, d.data(), width, height, width, height,
-                                        flags, 3),
+                    const auto source = zotest::RandomBytes(w * p.pixel * (h + 1), rng);
+                    std::vector<unsigned char> d((w * p.pixel + 3) * (h + 2), kPoison);
+                    const unsigned char* in = source.data();
+                    unsigned char* out = d.data();
+                    EXPECT_EQ(form == 0   ? c->Convert(in, w, h, out, w, h, w, h, flags, 3)
+                              : form == 1 ? ZoPixelConverter_ConvertArea(c, in, w, h, out, w, h, w, h, flags, 3)
+                                          : ZoPixelConverter_ConvertAreaFilter(c, form == 2 ? nullptr : &filter, in,
+                                                                               w, h, out, w, h, w, h, flags, 3),
                               ZO_OK);
-                    EXPECT_EQ(d, ReferenceDeinterlace(source, a, p.pixel, d.size()));
+                    EXPECT_EQ(d, ReferenceDeinterlace(source, {w, h, w, h, w, h, flags, 3}, p.pixel, d.size()));
                 }
     }
+    std::vector<unsigned char> s(64, 1), d(64, kPoison);
+    EXPECT_EQ(ZoPixelConverter_ConvertAreaFilter(nullptr, &filter, s.data(), 4, 4, d.data(), 4, 4, 4, 4, 0, 0),
+              ZO_ERR_BAD_ARGUMENT);
+    EXPECT_EQ(d, std::vector<unsigned char>(64, kPoison));
 }
 
 TEST(ComplexConverter, SizesComeFromTheStagesAndCombineIsNotTheLeastCommonMultiple)
@@ -172,29 +184,4 @@ TEST(ComplexConverter, StageErrorStopsTheChain)
     refusing.lineResult = ZO_ERR_NOT_SUPPORTED;
     ZoComplexConverter late(&first, &refusing);
     EXPECT_EQ(late.Convert(s.data(), d.data(), 4), ZO_ERR_NOT_SUPPORTED);
-}
-
-// The other flat functions' null handles: CApiTest.c.
-TEST(FlatConverter, RefusesANullHandleAndTakesANullFilterAsNone)
-{
-    std::vector<unsigned char> s(64, 1), d(64, kPoison);
-    ZoRGBFilter filter(16);
-    EXPECT_EQ(ZoPixelConverter_ConvertAreaFilter(nullptr, &filter, s.data(), 4, 4, d.data(), 4, 4, 4, 4, 0, 0),
-              ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(d, std::vector<unsigned char>(64, kPoison));
-
-    // A null filter is no filter: the same bytes as the unfiltered area form.
-    const ZoPixelConverter* c = &ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY10 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY10);
-    std::mt19937 rng(3);
-    s = zotest::RandomBytes(3 * 4 * 2, rng);
-    d.assign(s.size(), kPoison);
-    for (int form = 0; form < 3; ++form) {
-        const std::uint32_t flags = form == 0 ? ZO_FLAG_INVERT_DEINTERLACER : 0;
-        std::fill(d.begin(), d.end(), kPoison);
-        EXPECT_EQ(form == 2 ? ZoPixelConverter_ConvertArea(c, s.data(), 3, 4, d.data(), 3, 4, 3, 4, 0, 0)
-                            : ZoPixelConverter_ConvertAreaFilter(c, form == 0 ? &filter : nullptr, s.data(), 3, 4,
-                                                                 d.data(), 3, 4, 3, 4, flags, 0),
-                  ZO_OK);
-        EXPECT_EQ(d, ReferenceDeinterlace(s, {3, 4, 3, 4, 3, 4, flags, 0}, 2, d.size()));
-    }
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ZoBayerConverters.h"
+#include "ZoGenericConverters.h"
 #include "ZoImgLibExt.h"
 #include "ZoPixelTypeFactory.h"
 #include "support/BuiltInPairs.h"
@@ -146,10 +147,6 @@ TEST(CatalogueSearch, FindsTypesInAscendingIdOrderWithAliasesAfterTheirCurrentTy
     }
 }
 
-}  // namespace
-
-namespace {
-
 // The golden registry table that the family tests read their instances
 // from: every registered pair exactly once, of the tabled class, with its
 // sizes and, where the class shows it, its default Bayer pattern.
@@ -164,7 +161,16 @@ TEST(Catalogue, RegistryTableHoldsEveryRegisteredPairOnce)
         SCOPED_TRACE(::testing::Message() << std::hex << row.source << " -> " << row.destination);
         ASSERT_EQ(pairs[i], std::make_pair(row.source, row.destination));  // same order: each pair once
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(row.source, row.destination);
-        EXPECT_EQ(ZoPixelConverter_GetClassName(&c), row.className);
+        // The flat interface names the exact class, once (a cached string),
+        // and gives a chain's two stages.
+        const char* name = ZoPixelConverter_GetClassName(&c);
+        EXPECT_EQ(name, row.className);
+        EXPECT_EQ(typeid(c).name(), std::to_string(row.className.size()) + row.className);
+        EXPECT_EQ(ZoPixelConverter_GetClassName(&c), name);
+        const auto* chain = dynamic_cast<const ZoComplexConverter*>(&c);
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(&c, 0), chain ? chain->GetFirst() : nullptr);
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(&c, 1), chain ? chain->GetSecond() : nullptr);
+        EXPECT_EQ(ZoPixelConverter_GetChainStage(&c, 2), nullptr);
         EXPECT_EQ(c.GetSourceByteSize(), row.sourceBytes);
         EXPECT_EQ(c.GetDestinationByteSize(), row.destinationBytes);
         if (const auto* b8 = dynamic_cast<const ZoBayerRGB8ToRGB*>(&c)) {
@@ -174,6 +180,8 @@ TEST(Catalogue, RegistryTableHoldsEveryRegisteredPairOnce)
             EXPECT_EQ(b16->GetDefaultPattern(), row.Param("pattern"));
         }
     }
+    EXPECT_EQ(ZoPixelConverter_GetClassName(nullptr), nullptr);
+    EXPECT_EQ(ZoPixelConverter_GetChainStage(nullptr, 0), nullptr);
 }
 
 }  // namespace
