@@ -3,20 +3,7 @@
 # through pkg-config. Run with
 #   cmake -DBUILD_DIR=<build> -DWORK_DIR=<scratch> -DSOURCE_DIR=<this dir>
 #         -DC_COMPILER=<cc> -DCXX_COMPILER=<c++> -P InstallTest.cmake
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT result EQUAL 0)
-    string(REPLACE ";" " " command "${ARGN}")
-    message(FATAL_ERROR "failed (${result}): ${command}\n${out}\n${err}")
-  endif()
-  message(STATUS "${out}")
-endfunction()
-
-set(prefix ${WORK_DIR}/prefix)
-file(REMOVE_RECURSE ${WORK_DIR})
-file(MAKE_DIRECTORY ${WORK_DIR})
-
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+include(${CMAKE_CURRENT_LIST_DIR}/InstallTree.cmake)
 file(GLOB_RECURSE pc_files ${prefix}/*/ZoImgLib.pc)
 file(GLOB_RECURSE config_files ${prefix}/*/ZoImgLibConfig.cmake)
 if(NOT pc_files OR NOT config_files OR NOT EXISTS ${prefix}/include/ZoImgLib/ZoImgLibC.h)
@@ -33,12 +20,8 @@ run(${WORK_DIR}/cxx/consumer)
 
 # C through pkg-config, run with the installed library on the search path.
 find_program(PKG_CONFIG pkg-config REQUIRED)
-execute_process(COMMAND ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_dir}
-                        ${PKG_CONFIG} --cflags --libs ZoImgLib
-                RESULT_VARIABLE result OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE)
-if(NOT result EQUAL 0)
-  message(FATAL_ERROR "pkg-config does not find ZoImgLib in ${pc_dir}")
-endif()
+run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_dir} ${PKG_CONFIG} --cflags --libs ZoImgLib)
+string(STRIP "${run_output}" flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 run(${C_COMPILER} -std=c99 -Wall -Wextra -Werror ${SOURCE_DIR}/consumer.c ${flags} -o ${WORK_DIR}/c-consumer)
 run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${lib_dir} ${WORK_DIR}/c-consumer)
