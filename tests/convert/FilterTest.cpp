@@ -8,6 +8,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ZoImgLibC.h"
@@ -192,17 +193,17 @@ TEST(RGBFilter, FlatFunctions)
 {
     ZoRGBFilter* f = ZoRGBFilter_Init(8);
     ASSERT_NE(f, nullptr);
-    EXPECT_EQ(ZoRGBFilter_GetBitSize(f), 8u);
-    EXPECT_EQ(ZoRGBFilter_SetMultipliers(f, 2.0, 1.0, 0.5, 0, 1, 0), ZO_OK);
-    EXPECT_EQ(ZoRGBFilter_GetRedValue8(f, 100), 200);
-    EXPECT_EQ(ZoRGBFilter_GetGreenValue8(f, 356), 101);
-    EXPECT_EQ(ZoRGBFilter_GetBlueValue16(f, 9), 4);
-    EXPECT_EQ(ZoRGBFilter_SetMultipliers(f, -1.0, 1.0, 1.0, 0, 0, 0), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoRGBFilter_SetRedValue(f, 3, 4), ZO_OK);
-    EXPECT_EQ(ZoRGBFilter_GetRedValue16(f, 3), 4);
-    EXPECT_EQ(ZoRGBFilter_SetGreenValue(f, 256, 4), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoRGBFilter_SetBlueValue(f, 1, 1), ZO_OK);
-    EXPECT_EQ(ZoRGBFilter_GetGreenValue16(f, 255), 255);
+    // Braces: the calls are made in this order.
+    EXPECT_EQ((std::vector<std::uint32_t>{ZoRGBFilter_SetMultipliers(f, 2.0, 1.0, 0.5, 0, 1, 0),
+                                          ZoRGBFilter_SetMultipliers(f, -1.0, 1.0, 1.0, 0, 0, 0),
+                                          ZoRGBFilter_SetRedValue(f, 3, 4), ZoRGBFilter_SetGreenValue(f, 256, 4),
+                                          ZoRGBFilter_SetBlueValue(f, 1, 1)}),
+              (std::vector<std::uint32_t>{ZO_OK, ZO_ERR_BAD_ARGUMENT, ZO_OK, ZO_ERR_BAD_ARGUMENT, ZO_OK}));
+    EXPECT_EQ(std::make_tuple(ZoRGBFilter_GetBitSize(f), ZoRGBFilter_GetRedValue8(f, 100),
+                              ZoRGBFilter_GetGreenValue8(f, 356), ZoRGBFilter_GetBlueValue16(f, 9),
+                              ZoRGBFilter_GetRedValue16(f, 3), ZoRGBFilter_GetGreenValue16(f, 255),
+                              ZoRGBFilter_GetBlueValue8(f, 1)),
+              std::make_tuple(8u, 200, 101, 4, 4, 255, 1));
     ZoRGBFilter_Destroy(f);
     // An entry count that does not fit in 32 bits gives no filter.
     EXPECT_EQ(ZoRGBFilter_Init(32), nullptr);

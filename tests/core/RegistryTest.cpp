@@ -118,22 +118,6 @@ TEST(RegistryConverters, FirstConstructedWinsAndRegistrationNeedsNoTypes)
     EXPECT_EQ(Registered(a, c), builtIn);
 }
 
-TEST(RegistryConverters, ReplaceReportsThePreviousConverter)
-{
-    const std::int64_t s = TestId(0x00077101), d = TestId(0x00077102);
-    static const ZoIdentityConverter first(s, d, 2, 2);
-    static const ZoIdentityConverter second(s, d, 2, 2);
-    ASSERT_EQ(Registered(s, d), &first);
-
-    const ZoPixelConverter* previous = &second;  // must be overwritten
-    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(second, &previous), 0u);
-    EXPECT_EQ(previous, &first);
-    EXPECT_EQ(Registered(s, d), &second);
-
-    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(first, nullptr), 0u);
-    EXPECT_EQ(Registered(s, d), &first);
-}
-
 // Constructed for one pair (where it registers itself), it reports another.
 class Relabelled : public ZoIdentityConverter {
 public:
@@ -146,18 +130,26 @@ private:
     std::int64_t mSource, mDestination;
 };
 
-TEST(RegistryConverters, ReplaceOnAFreePairStoresNullAsPrevious)
+TEST(RegistryConverters, ReplaceReportsThePreviousConverterOrNullOnAFreePair)
 {
-    const std::int64_t s = TestId(0x00077201), d = TestId(0x00077202);
-    static const Relabelled converter(TestId(0x00077200), s, d);
-    ASSERT_FALSE(ZoPixelTypeFactory::HasConverter(s, d));
-    const ZoPixelConverter* previous = &converter;
-    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(converter, &previous), 0u);
-    EXPECT_EQ(previous, nullptr);
-    EXPECT_EQ(Registered(s, d), &converter);
-    // Registration by object uses the types the converter reports.
+    const std::int64_t s = TestId(0x00077101), d = TestId(0x00077102);
+    static const ZoIdentityConverter first(s, d, 2, 2), second(s, d, 2, 2);
+    ASSERT_EQ(Registered(s, d), &first);
+    const ZoPixelConverter* previous = &second;  // must be overwritten
+    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(second, &previous), 0u);
+    EXPECT_EQ(previous, &first);
+    EXPECT_EQ(Registered(s, d), &second);
+    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(first, nullptr), 0u);
+    EXPECT_EQ(Registered(s, d), &first);
+
+    // Replacing and registering by object use the types the converter reports.
+    const std::int64_t s1 = TestId(0x00077201), d1 = TestId(0x00077202);
     const std::int64_t s2 = TestId(0x00077203), d2 = TestId(0x00077204);
-    static const Relabelled another(TestId(0x00077205), s2, d2);
+    static const Relabelled free(TestId(0x00077200), s1, d1), another(TestId(0x00077205), s2, d2);
+    ASSERT_FALSE(ZoPixelTypeFactory::HasConverter(s1, d1));
+    EXPECT_EQ(ZoPixelTypeFactory::ReplacePixelConverter(free, &previous), 0u);
+    EXPECT_EQ(previous, nullptr);
+    EXPECT_EQ(Registered(s1, d1), &free);
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelConverter(another), 0u);
     EXPECT_EQ(Registered(s2, d2), &another);
 }
@@ -166,10 +158,8 @@ TEST(RegistryConverters, CloneFillsOnlyMissingDestinations)
 {
     const std::int64_t from = TestId(0x00078001), to = TestId(0x00078002);
     const std::int64_t d1 = TestId(0x00078010), d2 = TestId(0x00078011), d3 = TestId(0x00078012);
-    static const ZoIdentityConverter fromD1(from, d1, 1, 1);
-    static const ZoIdentityConverter fromD2(from, d2, 1, 1);
-    static const ZoIdentityConverter fromD3(from, d3, 1, 1);
-    static const ZoIdentityConverter toD2(to, d2, 1, 1);
+    static const ZoIdentityConverter fromD1(from, d1, 1, 1), fromD2(from, d2, 1, 1), fromD3(from, d3, 1, 1),
+        toD2(to, d2, 1, 1);
 
     EXPECT_EQ(ZoPixelTypeFactory::ClonePixelConverters(from, to), 0u);
     EXPECT_EQ(Registered(to, d1), &fromD1);

@@ -51,14 +51,11 @@ def test_every_registered_pair_writes_the_c_library_bytes():
 
 @pytest.mark.parametrize("source, destination, shape, dtype", [
     ("BayerRGB12", "RGB24", (5, 7, 3), np.uint8),
-    ("BayerRGB12", "RGB32", (5, 7, 4), np.uint8),
     ("BayerRGB12", 0x00020007, (5, 7, 4), np.uint8),  # BGR32
     ("BayerRGB12", "RGB48", (5, 7, 3), np.uint16),
     ("BayerRGB12", "RGB16", (5, 7), np.uint16),
     ("BayerRGB12", "RGB 24-bits, Planar", (3, 5, 7), np.uint8),
     ("Gray12", "Gray8", (5, 7), np.uint8),
-    ("Gray12", "Gray16", (5, 7), np.uint16),
-    ("YUV8", "RGB24", (5, 7, 3), np.uint8),
 ])
 def test_natural_shape_and_dtype(source, destination, shape, dtype):
     src, _ = zo.resolve_type(source)

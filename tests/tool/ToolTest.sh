@@ -33,8 +33,6 @@ while IFS='|' read -r file row; do
 done <<'END'
 types.txt|^0x02020013  BayerRGGB8 *Bayer RGGB 8-bits, Dual Left Inverted\+Right Output \(deprecated\) 
 types1.txt|^0x00420012 BayerRGB12 .*Packed +12 +2 +yes +yes +Packed$
-types1.txt|^0x00020003 RGB32 RGB 32-bits 
-types1.txt|^0x00020007 BGR32 RGB 32-bits 
 types1.txt|^0x00440003 YUV8_444 .* NONE +Packed$
 types1.txt|^0x00010001 Grayscale8 .* yes +-$
 types.txt|^  0x00040003 \(the bytes of 0x00440003 
@@ -148,7 +146,6 @@ done <<'END'
 1|cannot be written as an image|convert --from 0x420011 --to 0x20011 --width 4 --height 1 packed.raw x.png
 2|more than one Bayer pattern|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg,bayer-rggb b8.raw x.raw
 2|--flags is given twice|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg --flags interpolate b8.raw x.raw
-2|--width is given twice|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --width 4 b8.raw x.raw
 2|is the bayer-rggb pattern, but --flags bayer-gbrg says bayer-gbrg|convert --width 4 --height 8 --from BayerRG8 --to RGB24 --flags bayer-gbrg b8.raw x.raw
 2|cannot write '.jpg' files|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 b8.raw x.jpg
 2|--threads needs|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --threads 0 b8.raw x.raw
