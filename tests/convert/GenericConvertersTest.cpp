@@ -13,6 +13,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "support/AreaSupport.h"
 #include "support/ConvertSupport.h"
+#include "support/FamilyTables.h"
 
 using zotest::FilterStage;
 using zotest::FreshTestId;
@@ -21,12 +22,12 @@ using zotest::RecordingConverter;
 
 namespace {
 
-// Reference deinterlacing: each line of the walk (see AreaLines) is a copy.
-std::vector<unsigned char> ReferenceDeinterlace(const std::vector<unsigned char>& source, const zotest::Area& a,
-                                                std::uint32_t pixel, std::size_t size)
+// Reference copy: each line of the walk (see AreaLines) is copied.
+std::vector<unsigned char> ReferenceCopy(const std::vector<unsigned char>& source, const zotest::Area& a,
+                                         std::uint32_t pixel, bool interlaced, std::size_t size)
 {
     std::vector<unsigned char> out(size, kPoison);
-    for (const zotest::LinePlace& l : zotest::AreaLines(a, pixel, pixel, true, false))
+    for (const zotest::LinePlace& l : zotest::AreaLines(a, pixel, pixel, interlaced, false))
         std::memcpy(&out[l.destination], &source[l.source], std::size_t(a.width) * pixel);
     return out;
 }
@@ -42,45 +43,43 @@ struct ChainPeek : ZoComplexConverter {
 TEST(IdentityConverter, CopiesSourceSizedPixels)
 {
     std::mt19937 rng(1);
-    ZoIdentityConverter two(FreshTestId(), FreshTestId(), 2, 2);
-    ZoIdentityConverter wide(FreshTestId(), FreshTestId(), 2, 4);  // destination size unused
+    const ZoIdentityConverter wide(FreshTestId(), FreshTestId(), 2, 4);  // destination size unused
     const auto source = zotest::RandomBytes(32, rng);
-    for (ZoIdentityConverter* c : {&two, &wide}) {
-        std::vector<unsigned char> d(32, kPoison);
-        EXPECT_EQ(c->Convert(source.data(), d.data(), 10), ZO_OK);
-        EXPECT_TRUE(std::equal(d.begin(), d.begin() + 20, source.begin()));
-        EXPECT_EQ(d[20], kPoison);
-        std::vector<unsigned char> p(4, kPoison);
-        EXPECT_EQ(c->Convert(source.data() + 6, p.data()), ZO_OK);
-        EXPECT_EQ(p, (std::vector<unsigned char>{source[6], source[7], kPoison, kPoison}));
-        // An empty line touches no buffer, null ones included (clean under UBSan).
-        EXPECT_EQ(c->Convert(nullptr, nullptr, 0), ZO_OK);
-    }
+    std::vector<unsigned char> d(32, kPoison);
+    EXPECT_EQ(wide.Convert(source.data(), d.data(), 10), ZO_OK);
+    EXPECT_TRUE(std::equal(d.begin(), d.begin() + 20, source.begin()));
+    EXPECT_EQ(d[20], kPoison);
+    std::vector<unsigned char> p(4, kPoison);
+    EXPECT_EQ(wide.Convert(source.data() + 6, p.data()), ZO_OK);
+    EXPECT_EQ(p, (std::vector<unsigned char>{source[6], source[7], kPoison, kPoison}));
+    // An empty line touches no buffer, null ones included (clean under UBSan).
+    EXPECT_EQ(wide.Convert(nullptr, nullptr, 0), ZO_OK);
 }
 
-TEST(IdentityConverter, DeinterlacesTwoFieldsThroughEveryAreaForm)
+TEST(IdentityConverter, EveryRegisteredInstanceCopiesOrDeinterlacesThroughEveryAreaForm)
 {
-    const struct {
-        std::int64_t source;
-        std::uint32_t pixel;
-    } pairs[] = {{ZO_PT_GRAY8, 1}, {ZO_PT_BAYER_RGB10, 2}, {ZO_PT_YUV8, 2}};
     ZoRGBFilter filter(16);
     std::mt19937 rng(2);
-    int k = 0;
-    for (const auto& p : pairs) {
-        const ZoPixelConverter* c = &ZoPixelTypeFactory::GetConverter(p.source | ZO_PIXEL_INTERLACED, p.source);
+    int k = 0, instances = 0;
+    for (const zotest::RegistryRow& r : zotest::RegistryTable()) {
+        if (r.className != "ZoIdentityConverter")
+            continue;
+        ++instances;
+        const ZoPixelConverter* c = zotest::Registered(r.source, r.destination);
+        const bool interlaced = (r.source & ZO_PIXEL_INTERLACED) != 0;
+        const std::uint32_t pixel = r.sourceBytes;
         for (std::uint32_t w : {1u, 3u, 7u, 33u})
             for (std::uint32_t h : {2u, 4u, 5u, 6u})
                 for (std::uint32_t flags : {0u, std::uint32_t{ZO_FLAG_INVERT_DEINTERLACER}}) {
                     // The class, the flat area form, and the flat filtered
                     // form with a null filter (none) and with one, in turn.
                     const int form = k++ % 4;
-                    SCOPED_TRACE(testing::Message() << std::hex << p.source << std::dec << " " << w << "x" << h
+                    SCOPED_TRACE(testing::Message() << std::hex << r.source << std::dec << " " << w << "x" << h
                                                     << " flags " << flags << " form " << form);
                     // An odd height writes one line more and reads the second
                     // field from inside a line; callers allow for it.
-                    const auto source = zotest::RandomBytes(w * p.pixel * (h + 1), rng);
-                    std::vector<unsigned char> d((w * p.pixel + 3) * (h + 2), kPoison);
+                    const auto source = zotest::RandomBytes(w * pixel * (h + 1), rng);
+                    std::vector<unsigned char> d((w * pixel + 3) * (h + 2), kPoison);
                     const unsigned char* in = source.data();
                     unsigned char* out = d.data();
                     EXPECT_EQ(form == 0   ? c->Convert(in, w, h, out, w, h, w, h, flags, 3)
@@ -88,9 +87,10 @@ TEST(IdentityConverter, DeinterlacesTwoFieldsThroughEveryAreaForm)
                                           : ZoPixelConverter_ConvertAreaFilter(c, form == 2 ? nullptr : &filter, in,
                                                                                w, h, out, w, h, w, h, flags, 3),
                               ZO_OK);
-                    EXPECT_EQ(d, ReferenceDeinterlace(source, {w, h, w, h, w, h, flags, 3}, p.pixel, d.size()));
+                    EXPECT_EQ(d, ReferenceCopy(source, {w, h, w, h, w, h, flags, 3}, pixel, interlaced, d.size()));
                 }
     }
+    EXPECT_EQ(instances, 18);
     std::vector<unsigned char> s(64, 1), d(64, kPoison);
     EXPECT_EQ(ZoPixelConverter_ConvertAreaFilter(nullptr, &filter, s.data(), 4, 4, d.data(), 4, 4, 4, 4, 0, 0),
               ZO_ERR_BAD_ARGUMENT);
