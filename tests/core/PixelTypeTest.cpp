@@ -25,25 +25,21 @@ TEST(PixelTypeNaming, FollowsTheRule)
         const char* name;
     } kCases[] = {
         // Names of the registered types are the catalogue test's; here the rule's corners.
-        {0x00010001, 8, false, "Grayscale 8-bits"},
+        {0x00010001, 8, false, "Grayscale 8-bits"}, {0x00010001, 0, false, "Grayscale 0-bits"},
         {0x00020010, 8, false, "RGB 8-bits"},  // the Bayer word needs the Bayer property
         {0x00340002, 20, false, "YUV 20-bits, Normalized, Interlaced"},
         // All four flags, always in the order Normalized, Interlaced, Packed, Planar.
         {0x00F20002, 24, false, "RGB 24-bits, Normalized, Interlaced, Packed, Planar"},
         // The colour space is one value of bits 16-18, compared exactly.
-        {0x00000001, 8, false, "Unknown Colorspace 8-bits"},
-        {0x00030001, 8, false, "Unknown Colorspace 8-bits"},
-        {0x00050001, 8, true, "Unknown Colorspace 8-bits"},
-        {0x00070001, 8, false, "Unknown Colorspace 8-bits"},
+        {0x00000001, 8, false, "Unknown Colorspace 8-bits"}, {0x00030001, 8, false, "Unknown Colorspace 8-bits"},
+        {0x00050001, 8, true, "Unknown Colorspace 8-bits"}, {0x00070001, 8, false, "Unknown Colorspace 8-bits"},
         {0x00090001, 8, false, "Grayscale 8-bits"},  // bit 19 lies outside the field
-        // Tap values other than the five named ones get no suffix.
-        {0x03010001, 8, false, "Grayscale 8-bits"},
+        // Tap values other than the five named ones get no suffix; bit 29 is not a tap bit.
+        {0x03010001, 8, false, "Grayscale 8-bits"}, {0x20010001, 8, false, "Grayscale 8-bits"},
         {0x1F410002, 10, false, "Grayscale 10-bits, Packed"},
-        {0x20010001, 8, false, "Grayscale 8-bits"},  // bit 29 is not a tap bit
         // Bits 32-63 play no part.
         {0x700020003LL, 32, false, "RGB 32-bits"},
         {-1, 8, true, "Unknown Colorspace 8-bits, Normalized, Interlaced, Packed, Planar"},
-        {0x00010001, 0, false, "Grayscale 0-bits"},
     };
     for (const auto& c : kCases)
         EXPECT_EQ(Name(c.id, c.bits, c.bayer), c.name) << std::hex << c.id;
@@ -148,33 +144,24 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
         std::uint32_t width, height, expected;
     } kCases[] = {
         // Packed 10/12-bit gray or Bayer: 3 bytes per pair, rounded up to a pair.
-        {0x00410002, 10, 2, false, 3, 1, 6},
-        {0x00410002, 10, 2, false, 1, 1, 3},
-        {0x00410003, 12, 2, false, 7, 3, 33},  // 21 -> 22 samples
+        {0x00410002, 10, 2, false, 3, 1, 6}, {0x00410002, 10, 2, false, 1, 1, 3},
         {0x08420011, 10, 2, true, 9, 1, 15},
-        {0x00410002, 10, 2, true, 5, 1, 9},  // Bayer argument on a gray ID: still the gray rule
-        {0x00440002, 10, 2, true, 5, 1, 10},  // neither gray nor Bayer: 2 bytes a pixel
+        {0x00410003, 12, 2, false, 7, 3, 33},  // 21 -> 22 samples
+        {0x00410002, 10, 2, true, 5, 1, 9},    // Bayer argument on a gray ID: still the gray rule
+        {0x00440002, 10, 2, true, 5, 1, 10},   // neither gray nor Bayer: 2 bytes a pixel
         {0x00420012, 12, 2, false, 5, 1, 10},  // RGB packed but not Bayer
         {0x00410004, 14, 2, false, 5, 1, 10},  // packed 14-bit: plain rule
-        {0x00410001, 8, 1, false, 5, 1, 5},
-        {0x00010002, 10, 2, false, 5, 1, 10},  // not packed
-        // Unpacked 24-bit, 3-byte types are sized at 4 bytes a pixel.
-        {0x00020002, 24, 3, false, 3, 1, 12},
-        {0x00820002, 24, 3, false, 3, 1, 12},
-        {0x00040003, 24, 3, false, 3, 1, 12},  // the 4:4:4 default IDs are unpacked too
-        {0x00420002, 24, 3, false, 3, 1, 9},
-        {0x00440005, 24, 3, false, 3, 1, 9},
-        {0x0002000A, 8, 3, false, 3, 1, 9},  // 3 bytes but 8 bits
-        {0x00020004, 48, 6, false, 7, 1, 42},
-        {0x00040002, 20, 4, false, 7, 9, 252},
-        // Zero sizes.
-        {0x00410002, 10, 2, false, 0, 480, 0},
-        {0x00020002, 24, 3, false, 640, 0, 0},
-        // 32-bit arithmetic wraps.
-        {0x00020005, 64, 8, false, 65536, 8192, 0},
-        {0x00020002, 24, 3, false, 0x40000000, 1, 0},
-        {0x00410002, 10, 2, false, 0x80000001, 1, 0x40000003},
-        {0x00010001, 8, 1, false, 0x10001, 0x10001, 0x20001},
+        {0x00410001, 8, 1, false, 5, 1, 5}, {0x00010002, 10, 2, false, 5, 1, 10},  // 8 bits; not packed
+        // Unpacked 24-bit, 3-byte types are sized at 4 bytes a pixel (the
+        // 4:4:4 default IDs are unpacked too); not so 8 bits in 3 bytes.
+        {0x00020002, 24, 3, false, 3, 1, 12}, {0x00820002, 24, 3, false, 3, 1, 12},
+        {0x00040003, 24, 3, false, 3, 1, 12},
+        {0x00420002, 24, 3, false, 3, 1, 9}, {0x00440005, 24, 3, false, 3, 1, 9}, {0x0002000A, 8, 3, false, 3, 1, 9},
+        {0x00020004, 48, 6, false, 7, 1, 42}, {0x00040002, 20, 4, false, 7, 9, 252},
+        // Zero sizes; 32-bit arithmetic wraps.
+        {0x00410002, 10, 2, false, 0, 480, 0}, {0x00020002, 24, 3, false, 640, 0, 0},
+        {0x00020005, 64, 8, false, 65536, 8192, 0}, {0x00020002, 24, 3, false, 0x40000000, 1, 0},
+        {0x00410002, 10, 2, false, 0x80000001, 1, 0x40000003}, {0x00010001, 8, 1, false, 0x10001, 0x10001, 0x20001},
     };
     for (const auto& c : kCases) {
         const ZoPixelType type(c.id, c.bits, c.bytes, c.bayer);

@@ -176,37 +176,27 @@ TEST(RegistryConverters, EnumerationIsOrderedBySignedIds)
 {
     const std::int64_t source = TestId(0x00079001);
     const std::int64_t negative = -0x5100000000LL | 0x20002;  // below every positive ID
-    const std::int64_t destinations[] = {TestId(0x00079030), negative, TestId(0x00079010)};
     static std::vector<std::unique_ptr<ZoIdentityConverter>> keep;
-    for (std::int64_t d : destinations)
+    for (std::int64_t d : {TestId(0x00079030), negative, TestId(0x00079010)})
         keep.emplace_back(new ZoIdentityConverter(source, d, 1, 1));
-
     // Sources of one destination, ascending, likewise.
     const std::int64_t target = TestId(0x00079050);
-    const std::int64_t sources[] = {TestId(0x00079042), -0x5200000000LL, TestId(0x00079041)};
-    for (std::int64_t s : sources)
+    for (std::int64_t s : {TestId(0x00079042), std::int64_t{-0x5200000000LL}, TestId(0x00079041)})
         keep.emplace_back(new ZoIdentityConverter(s, target, 1, 1));
 
-    using Enum = bool (*)(std::uint32_t, const std::int64_t&, std::int64_t&);
-    const struct {
-        Enum enumerate;
-        std::int64_t key;
-        std::int64_t expected[3];
-    } kWalks[] = {
-        {&ZoPixelTypeFactory::EnumConverterFrom, source, {negative, TestId(0x00079010), TestId(0x00079030)}},
-        {&ZoPixelTypeFactory::EnumConverterTo, target, {-0x5200000000LL, TestId(0x00079041), TestId(0x00079042)}},
-    };
-    for (const auto& walk : kWalks) {
-        std::int64_t out = 0;
-        for (std::uint32_t i = 0; i < 3; ++i) {
-            ASSERT_TRUE(walk.enumerate(i, walk.key, out)) << i;
-            EXPECT_EQ(out, walk.expected[i]) << i;
-        }
-        out = 1234;
-        EXPECT_FALSE(walk.enumerate(3, walk.key, out));
-        EXPECT_EQ(out, 1234);  // untouched
-    }
+    const std::int64_t from[] = {negative, TestId(0x00079010), TestId(0x00079030)};
+    const std::int64_t to[] = {-0x5200000000LL, TestId(0x00079041), TestId(0x00079042)};
     std::int64_t out = 0;
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        ASSERT_TRUE(ZoPixelTypeFactory::EnumConverterFrom(i, source, out)) << i;
+        EXPECT_EQ(out, from[i]) << i;
+        ASSERT_TRUE(ZoPixelTypeFactory::EnumConverterTo(i, target, out)) << i;
+        EXPECT_EQ(out, to[i]) << i;
+    }
+    out = 1234;  // left untouched past the end
+    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterFrom(3, source, out));
+    EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterTo(3, target, out));
+    EXPECT_EQ(out, 1234);
     EXPECT_FALSE(ZoPixelTypeFactory::EnumConverterFrom(0, TestId(0x00079002), out));
 }
 
