@@ -49,9 +49,9 @@ std::uint64_t LoadConvertUnload(const char* path)
     auto filterSet = ZO_SYMBOL(library, ZoRGBFilter_SetMultipliers);
     auto convert = ZO_SYMBOL(library, ZoPixelConverter_ConvertAreaFilter);
     std::uint64_t sum = 0;
+    EXPECT_TRUE(hasConverter && getConverter && filterInit && filterDestroy && filterSet && convert);
     if (hasConverter && getConverter && filterInit && filterDestroy && filterSet && convert) {
         const int64_t source = ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, destination = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
-        EXPECT_TRUE(hasConverter(ZO_PT_GRAY8, ZO_PT_GRAY8));
         EXPECT_TRUE(hasConverter(source, destination));
         ZoRGBFilter* filter = filterInit(16);
         filterSet(filter, 0.9, 1.1, 0.7, 0, 0, 0);
@@ -63,8 +63,6 @@ std::uint64_t LoadConvertUnload(const char* path)
         filterDestroy(filter);
         for (unsigned char b : out)
             sum = sum * 31 + b;
-    } else {
-        ADD_FAILURE() << "flat functions missing";
     }
     EXPECT_EQ(dlclose(library), 0) << dlerror();
     return sum;
@@ -110,9 +108,5 @@ TEST(LibraryUnload, LoadAndUnloadSeveralTimes)
     if (pinned)
         dlclose(pinned);
 }
-
-#else
-
-TEST(LibraryUnload, LoadAndUnloadSeveralTimes) { GTEST_SKIP() << "loads the library through dlopen (Linux)"; }
 
 #endif
