@@ -122,16 +122,12 @@ TEST(AreaWalk, BayerPatternDefaultsToGRBGAndFlagsHaveTheirValues)
     const std::uint32_t invert = ZO_FLAG_INVERT_DEINTERLACER, interpolate = ZO_FLAG_BAYER_INTERPOLATE;
     RecordingConverter c(FreshTestId(), FreshTestId(), 1, 1);
     Frame f;
+    const std::uint32_t gbrgBggr = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_BGGR;
     const std::uint32_t cases[][2] = {
-        {0, ZO_FLAG_BAYER_GRBG},
-        {invert | interpolate, invert | interpolate | ZO_FLAG_BAYER_GRBG},
-        {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GRBG},
-        {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_GBRG},
+        {0, ZO_FLAG_BAYER_GRBG}, {invert | interpolate, invert | interpolate | ZO_FLAG_BAYER_GRBG},
+        {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_GRBG}, {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_GBRG},
         {ZO_FLAG_BAYER_RGGB | interpolate, ZO_FLAG_BAYER_RGGB | interpolate},
-        {ZO_FLAG_BAYER_BGGR, ZO_FLAG_BAYER_BGGR},
-        {ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_BGGR, ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_BGGR},
-        {0xFFFF0000u, 0xFFFF0010u},
-    };
+        {ZO_FLAG_BAYER_BGGR, ZO_FLAG_BAYER_BGGR}, {gbrgBggr, gbrgBggr}, {0xFFFF0000u, 0xFFFF0010u}};
     for (const auto& tc : cases) {
         f.Attach(c).Convert(f.source.data(), 2, 1, f.destination.data(), 2, 1, 2, 1, tc[0], 0);
         ASSERT_EQ(c.calls.size(), 1u);

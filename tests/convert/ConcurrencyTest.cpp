@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ZoPixelTypeFactory.h"
+#include "support/AreaSupport.h"
 #include "support/ConvertSupport.h"
 
 using zotest::FilterStage;
@@ -61,26 +62,19 @@ TEST(ConvertConcurrency, EveryJobMatchesTheSerialRun)
     static ZoComplexConverter chain(&a, &b);
     ZoPixelConverter* deinterlace = const_cast<ZoPixelConverter*>(
         &ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8));
-    ASSERT_NE(deinterlace, nullptr);
     static FilterStage after(ZO_PT_GRAY8, FreshTestId(), 2, 0x21);
     static ZoComplexConverter fieldChain(deinterlace, &after);
     std::vector<const ZoPixelConverter*> converters = {&single, &chain, &fieldChain};
+    const std::int64_t I = ZO_PIXEL_INTERLACED, P = ZO_PIXEL_PACKED, planar = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
     const std::pair<std::int64_t, std::int64_t> builtIn[] = {
         // Chains.
-        {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24},
-        {ZO_PT_BAYER_RGB10 | ZO_PIXEL_INTERLACED, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
-        {ZO_PT_GRAY10 | ZO_PIXEL_PACKED, ZO_PT_GRAY14},
-        {ZO_PT_BAYER_RGB8 | ZO_PIXEL_TAP_DUAL_LR, ZO_PT_RGB32},
-        {ZO_PT_BAYER_RGGB12, ZO_PT_RGB24 | ZO_PIXEL_PLANAR},
+        {ZO_PT_BAYER_RGB10 | I, ZO_PT_RGB24}, {ZO_PT_BAYER_RGB10 | I, planar}, {ZO_PT_GRAY10 | P, ZO_PT_GRAY14},
+        {ZO_PT_BAYER_RGB8 | ZO_PIXEL_TAP_DUAL_LR, ZO_PT_RGB32}, {ZO_PT_BAYER_RGGB12, planar},
         // Single converters of each family.
-        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32},
-        {ZO_PT_RGB48_12BITS, ZO_PT_RGB24},
-        {ZO_PT_BAYER_RGB8, ZO_PT_RGB24},
-        {ZO_PT_YUV8, ZO_PT_RGB24},
-        {ZO_PT_YUV10 | ZO_PIXEL_INTERLACED, ZO_PT_BGR32},
-        {ZO_PT_GRAY12 | ZO_PIXEL_TAP_DUAL_LR_INV | ZO_PIXEL_PACKED, ZO_PT_GRAY16},
-        {ZO_PT_GRAY8 | ZO_PIXEL_TAP_DUAL_LINES, ZO_PT_GRAY8},
-        {ZO_PT_GRAY14, ZO_PT_RGB32}};
+        {ZO_PT_RGB24 | P, ZO_PT_BGR32}, {ZO_PT_RGB48_12BITS, ZO_PT_RGB24}, {ZO_PT_BAYER_RGB8, ZO_PT_RGB24},
+        {ZO_PT_YUV8, ZO_PT_RGB24}, {ZO_PT_YUV10 | I, ZO_PT_BGR32}, {ZO_PT_GRAY14, ZO_PT_RGB32},
+        {ZO_PT_GRAY12 | ZO_PIXEL_TAP_DUAL_LR_INV | P, ZO_PT_GRAY16},
+        {ZO_PT_GRAY8 | ZO_PIXEL_TAP_DUAL_LINES, ZO_PT_GRAY8}};
     for (const auto& p : builtIn) {
         ASSERT_TRUE(ZoPixelTypeFactory::HasConverter(p.first, p.second)) << std::hex << p.first << "->" << p.second;
         converters.push_back(&ZoPixelTypeFactory::GetConverter(p.first, p.second));
@@ -98,9 +92,7 @@ TEST(ConvertConcurrency, EveryJobMatchesTheSerialRun)
     for (int v = 0; v < kThreads; ++v) {
         filters.emplace_back(v % 2 ? 16 : 8);
         filters.back().SetMultipliers(0.3 + 0.4 * v, 1.0, 1.5 - 0.2 * v, static_cast<std::uint16_t>(v * 5), 0, 0);
-        sources[v].resize((17 + 6 * v) * (11 + 2 * v) * 8 + 64);  // room for the widest source pixels
-        for (auto& byte : sources[v])
-            byte = static_cast<unsigned char>(rng());
+        sources[v] = zotest::RandomBytes((17 + 6 * v) * (11 + 2 * v) * 8 + 64, rng);  // the widest source pixels
     }
     std::vector<Job> jobs;
     for (const ZoPixelConverter* c : converters)

@@ -188,7 +188,6 @@ BAYER12 = np.zeros((4, 6), np.uint16)
     (lambda: zo.convert(BAYER12, "BayerRGB8", "RGB24"), ValueError, ["(4, 6)", "2-byte elements", "1-byte pixels"]),
     (lambda: zo.convert(np.zeros((4, 6, 3), np.uint8), "RGB24", "BGR24"), ValueError, ["'RGB 24-bits, Packed'"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", width=0), ValueError, ["width"]),
-    (lambda: zo.convert(GRAY, "Gray8", "RGB24", height=2 ** 32), ValueError, ["height"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", threads=0), ValueError, ["threads"]),
     (lambda: zo.convert(BAYER12, "BayerRGB12", "RGB24", pattern="RGBG"), ValueError, ["RGGB"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", pattern="RGGB"), ValueError, ["Bayer sources"]),
@@ -201,13 +200,11 @@ BAYER12 = np.zeros((4, 6), np.uint16)
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", out=np.empty(71, np.uint8)), ValueError, ["71", "72"]),
     (lambda: zo.convert(GRAY, "Gray8", "RGB24", out=np.empty((4, 6, 6), np.uint8)[..., :3]), ValueError,
      ["C-contiguous"]),
-    (lambda: zo.convert(GRAY, "Gray8", "RGB24", out=bytearray(100)), TypeError, ["out"]),
     (lambda: zo.convert([[1, 2]], "Gray8", "RGB24"), TypeError, ["numpy array"]),
     (lambda: zo.convert(GRAY, 1.5, "RGB24"), TypeError, ["float"]),
     (lambda: zo.Filter(17), ValueError, ["1 to 16"]),
     (lambda: zo.Filter(8).set_entry("red", 256, 1), ValueError, ["below 256"]),
     (lambda: zo.Filter(8).set_table("alpha", [1]), ValueError, ["red, green, blue"]),
-    (lambda: zo.Filter(8).set_table("red", range(300)), ValueError, ["256"]),
 ])
 def test_bad_arguments_raise_documented_errors(call, error, words):
     with pytest.raises(error) as raised:

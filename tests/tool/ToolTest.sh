@@ -145,7 +145,6 @@ done <<'END'
 2|--flags is given twice|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg --flags interpolate b8.raw x.raw
 2|is the bayer-rggb pattern, but --flags bayer-gbrg says bayer-gbrg|convert --width 4 --height 8 --from BayerRG8 --to RGB24 --flags bayer-gbrg b8.raw x.raw
 2|cannot write '.jpg' files|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 b8.raw x.jpg
-2|--threads needs|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --threads 0 b8.raw x.raw
 2|unknown option -o|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 b8.raw -o x.raw
 1|0x00440003 (YUV 8-bits 4:4:4, Packed) is the source of no conversion; the nearest IDs that have converters are 0x00040003|convert --width 4 --height 8 --from 0x440003 --to RGB24 b8.raw x.raw
 1|frame of Bayer RGB 8-bits takes 32 (4 a line), so 2 frames take 64|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --frames 2 b8.raw x.raw
@@ -159,7 +158,6 @@ done <<'END'
 0|!--gains do nothing|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg --gains 2,1,1 b8.raw x.raw
 0|Bayer pattern and interpolate flags do nothing|convert --width 4 --height 8 --from Gray8 --to RGB24 --flags interpolate b8.raw x.raw
 0|wrote x.raw: 4 x 8 RGB 24-bits in |convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-grbg b8.raw x.raw
-0|wrote standard output: 5 x 4 RGB 24-bits in |convert --from Gray8 --to RGB24 --width 5 --height 4 - - < g1.raw
 0|wrote y.raw: 3 frames of 5 x 4 RGB 24-bits in |convert < <(cat g123.raw) --from Gray8 --to RGB24 --width 5 --height 4 - y.raw
 END
 
