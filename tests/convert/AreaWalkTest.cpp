@@ -36,13 +36,10 @@ struct Expected {
 void ExpectCalls(const std::vector<LineCall>& calls, const std::vector<Expected>& expected, std::uint32_t count)
 {
     ASSERT_EQ(calls.size(), expected.size());
-    for (std::size_t k = 0; k < calls.size(); ++k) {
-        SCOPED_TRACE(k);
-        EXPECT_EQ(calls[k].source, expected[k].source);
-        EXPECT_EQ(calls[k].destination, expected[k].destination);
-        EXPECT_EQ(calls[k].context.currentLine, expected[k].line);
-        EXPECT_EQ(calls[k].count, count);
-    }
+    for (std::size_t k = 0; k < calls.size(); ++k)
+        EXPECT_EQ(std::make_tuple(calls[k].source, calls[k].destination, calls[k].context.currentLine, calls[k].count),
+                  std::make_tuple(expected[k].source, expected[k].destination, expected[k].line, count))
+            << "call " << k;
 }
 
 }  // namespace

@@ -143,23 +143,17 @@ TEST(RGBFilter, SettersCheckIndexAndValueAndKeepTheIdentityFlagsExact)
 
 TEST(RGBFilter, SetMultipliersGoesThroughTheVirtualSetters)
 {
+#define ZO_RECORDED(Set, letter) \
+    std::uint32_t Set(std::uint32_t i, std::uint16_t v) override { return Record(letter, ZoRGBFilter::Set(i, v)); }
     struct Recording : ZoRGBFilter {
         Recording() : ZoRGBFilter(4) { calls.clear(); }
         std::uint32_t Record(char c, std::uint32_t r) { return calls.push_back(c), r; }
-        std::uint32_t SetRedValue(std::uint32_t i, std::uint16_t v) override
-        {
-            return Record('r', ZoRGBFilter::SetRedValue(i, v));
-        }
-        std::uint32_t SetGreenValue(std::uint32_t i, std::uint16_t v) override
-        {
-            return Record('g', ZoRGBFilter::SetGreenValue(i, v));
-        }
-        std::uint32_t SetBlueValue(std::uint32_t i, std::uint16_t v) override
-        {
-            return Record('b', ZoRGBFilter::SetBlueValue(i, v));
-        }
+        ZO_RECORDED(SetRedValue, 'r')
+        ZO_RECORDED(SetGreenValue, 'g')
+        ZO_RECORDED(SetBlueValue, 'b')
         std::string calls;
     } f;
+#undef ZO_RECORDED
     f.SetMultipliers(2.0, 1.0, 0.5);
     std::string expected;
     for (int i = 0; i < 16; ++i)
