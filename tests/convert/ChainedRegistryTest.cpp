@@ -1,7 +1,6 @@
 // The built-in chained converters against the settled table of chains, and
-// the chains' intermediate frame: sized in 64 bits, refused when it cannot be
-// held, its line after an odd height a copy, and nothing of an earlier frame
-// in the output.
+// the chains' intermediate frame: refused when it cannot be held, its line
+// after an odd height a copy, and nothing of an earlier frame in the output.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -13,7 +12,6 @@
 
 #include "ZoGenericConverters.h"
 #include "ZoPixelTypeFactory.h"
-#include "convert/ChainFrame.h"
 #include "support/AreaSupport.h"
 #include "support/ConvertSupport.h"
 
@@ -155,36 +153,18 @@ TEST(ChainedRegistry, EveryRowIsAChainOfItsStagesAndEqualsThemByHand)
     EXPECT_EQ(chainPairs.size(), 225u);
 }
 
-TEST(ChainFrame, SizesInSixtyFourBitsAndRefusesFramesItCannotHold)
+TEST(ChainFrame, SizedInSixtyFourBitsAndRefusedWhenItCannotBeHeld)
 {
-    const struct {
-        std::uint32_t pixel, width;
-        std::uint64_t lines, bytes;  // bytes 0: does not fit
-    } sizes[] = {
-        {3, 65536, 21845, 4294901760u},       // just below 4 GiB
-        {3, 65536, 21846, 0},                 // 4 GiB + 131072: wraps to 131072 in 32 bits
-        {3, 65536, 21847, 0},                 // the frame of 21846 lines with its extra line
-        {6, 4096, 3001, 6ull * 4096 * 3001},  // an ordinary frame
-        {4, 0x40000000u, 1, 0},               // one line beyond 4 GiB
-        {1, 1, 0x100000000ull, 0},            // more lines than 32 bits count
-    };
-    for (const auto& c : sizes) {
-        std::uint64_t bytes = 12345;
-        EXPECT_EQ(zo::ChainFrameBytes(c.pixel, c.width, c.lines, &bytes), c.bytes != 0) << c.pixel << " x " << c.width;
-        EXPECT_EQ(bytes, c.bytes ? c.bytes : 12345u);
-    }
-    std::uint64_t bytes = 1;
-    EXPECT_TRUE(zo::ChainFrameBytes(0, 5, 7, &bytes));
-    EXPECT_EQ(bytes, 0u);
-
-    // A conversion that would need such a frame, or reach outside the source
-    // frame, reads and writes nothing: tiny buffers stand for the frames.
+    // A conversion that would need an intermediate frame (or line) of 4 GiB
+    // or more, or reach outside the source frame, reads and writes nothing:
+    // tiny buffers stand for the frames.
     const ZoPixelConverter& planar = ZoPixelTypeFactory::GetConverter(ZO_PT_GRAY8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
     ASSERT_NE(dynamic_cast<const ZoComplexConverter*>(&planar), nullptr);
     std::vector<unsigned char> source(64, 7), destination(256, kPoison);
     const std::uint32_t refused[][4] = {
-        {65536, 21846, 65536, 21846},  // a line-scan frame: 3 x 65536 x 21846 bytes in between
-        {65536, 21845, 65536, 21845},  // its extra line takes it past 4 GiB - 1
+        {65536, 21846, 65536, 21846},  // 3 x 65536 x 21846 bytes in between: 4 GiB + 131072, 131072 in 32 bits
+        {65536, 21845, 65536, 21845},  // just below 4 GiB, but its extra line takes it past
+        {0x40000000, 1, 0x40000000, 1},  // 3 GiB lines
         {4, 3, 5, 3},                  // wider than the source frame
         {4, 3, 4, 4},                  // taller than the source frame
     };
@@ -193,4 +173,7 @@ TEST(ChainFrame, SizesInSixtyFourBitsAndRefusesFramesItCannotHold)
                   ZO_ERR_BAD_ARGUMENT);
         EXPECT_EQ(destination, std::vector<unsigned char>(256, kPoison));
     }
+    // The line form: one intermediate line of 3 x 0x60000000 bytes.
+    EXPECT_EQ(planar.Convert(source.data(), destination.data(), 0x60000000u), ZO_ERR_BAD_ARGUMENT);
+    EXPECT_EQ(destination, std::vector<unsigned char>(256, kPoison));
 }
