@@ -104,10 +104,9 @@ TEST(RegistryConverters, FirstConstructedWinsAndRegistrationNeedsNoTypes)
     const std::int64_t a = TestId(0x00077001), b = TestId(0x00077002);
     ASSERT_FALSE(ZoPixelTypeFactory::HasPixelType(a));
     static const ZoIdentityConverter fresh(a, b, 1, 1);
-    EXPECT_TRUE(ZoPixelTypeFactory::HasConverter(a, b));
-    EXPECT_EQ(Registered(a, b), &fresh);
-    EXPECT_FALSE(ZoPixelTypeFactory::HasConverter(b, a));
-    EXPECT_EQ(Registered(b, a), nullptr);
+    EXPECT_EQ(std::make_tuple(ZoPixelTypeFactory::HasConverter(a, b), Registered(a, b),
+                              ZoPixelTypeFactory::HasConverter(b, a), Registered(b, a)),
+              std::make_tuple(true, static_cast<const ZoPixelConverter*>(&fresh), false, nullptr));
     // Explicit registration of a taken pair: 18, nothing changes.
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelConverter(a, b, builtIn), 18u);
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelConverter(fresh), 18u);
