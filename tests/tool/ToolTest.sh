@@ -149,7 +149,6 @@ done <<'END'
 1|0x00440003 (YUV 8-bits 4:4:4, Packed) is the source of no conversion; the nearest IDs that have converters are 0x00040003|convert --width 4 --height 8 --from 0x440003 --to RGB24 b8.raw x.raw
 1|frame of Bayer RGB 8-bits takes 32 (4 a line), so 2 frames take 64|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --frames 2 b8.raw x.raw
 1|no whole number of frames|convert --from Gray8 --to RGB24 --width 5 --height 4 - y.raw < g123b.raw
-0|reads 0x00020010 as GRBG, its default|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 b8.raw x.raw
 0|reads 0x00020013 as RGGB, its default|convert --width 4 --height 8 --from 0x20013 --to RGB24 b8.raw x.raw
 0|reads 0x00020014 as GRBG|convert --width 4 --height 8 --from 0x20014 --to RGB24 z64.raw x.raw
 0|!no Bayer pattern given|convert --width 4 --height 8 --from BayerRGB8 --to RGB24 --flags bayer-rggb b8.raw x.raw
