@@ -100,18 +100,16 @@ TEST(RGBFilter, BadMultipliersChangeNothing)
 TEST(RGBFilter, SettersCheckIndexAndValueAndKeepTheIdentityFlagsExact)
 {
     ZoRGBFilter f8(8), f16(16);
-    EXPECT_EQ(f8.SetRedValue(256, 5), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(f8.SetGreenValue(5, 256), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(f8.GetGreenValue8(5), 5);
-    EXPECT_EQ(f8.SetBlueValue(255, 0), ZO_OK);
-    EXPECT_EQ(f8.GetBlueValue8(255) | f8.GetBlueValue16(255), 0);
-    EXPECT_EQ(f16.SetRedValue(5, 300), ZO_OK);
-    EXPECT_EQ(f16.GetRedValue16(5), 300);
-    EXPECT_EQ(f16.GetRedValue8(5), 255);
-    EXPECT_EQ(f16.SetRedValue(65536, 1), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(f16.SetGreenValue(1000, 65535), ZO_OK);
-    EXPECT_EQ(f16.GetGreenValue16(1000), 65535);
-    EXPECT_EQ(f16.GetGreenValue8(1000), 232);  // the 8-bit table was not touched (1000 >= 256)
+    const std::uint32_t bad = ZO_ERR_BAD_ARGUMENT;
+    EXPECT_EQ((std::vector<std::uint32_t>{f8.SetRedValue(256, 5), f8.SetGreenValue(5, 256), f8.SetBlueValue(255, 0),
+                                          f16.SetRedValue(5, 300), f16.SetRedValue(65536, 1),
+                                          f16.SetGreenValue(1000, 65535)}),
+              (std::vector<std::uint32_t>{bad, bad, ZO_OK, ZO_OK, bad, ZO_OK}));
+    // The 8-bit table clamps at 255 and is indexed by the low 8 bits: 1000 reads entry 232, untouched.
+    EXPECT_EQ(std::make_tuple(f8.GetGreenValue8(5), f8.GetBlueValue8(255) | f8.GetBlueValue16(255),
+                              f16.GetRedValue16(5), f16.GetRedValue8(5), f16.GetGreenValue16(1000),
+                              f16.GetGreenValue8(1000)),
+              std::make_tuple(5, 0, 300, 255, 65535, 232));
 
     // Random edits, half the time inside the 8-bit table, half the time
     // putting the identity back: the flags against a full scan.

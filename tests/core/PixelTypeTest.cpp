@@ -125,11 +125,12 @@ TEST(PixelTypeClasses, HaveTheirDefaults)
 
 TEST(PixelTypeClasses, BayerPropertyNeedsTheRgbBit)
 {
-    EXPECT_FALSE(ZoBayerRGB8(0x00010001).IsBayerPattern());
-    EXPECT_FALSE(ZoBayerRGB10(0x00440011).IsBayerPattern());
-    EXPECT_FALSE(ZoPixelType(0x00050000, 8, 1, true).IsBayerPattern());  // 0x40000 | 0x10000
-    EXPECT_TRUE(ZoPixelType(0x00070000, 8, 1, true).IsBayerPattern());   // bit 17 set, space unknown
-    EXPECT_TRUE(ZoPixelType(0x00020000, 8, 1, true).IsBayerPattern());
+    // 0x50000 is 0x40000 | 0x10000; 0x70000 has bit 17 set in an unknown space.
+    EXPECT_EQ(std::make_tuple(ZoBayerRGB8(0x00010001).IsBayerPattern(), ZoBayerRGB10(0x00440011).IsBayerPattern(),
+                              ZoPixelType(0x00050000, 8, 1, true).IsBayerPattern(),
+                              ZoPixelType(0x00070000, 8, 1, true).IsBayerPattern(),
+                              ZoPixelType(0x00020000, 8, 1, true).IsBayerPattern()),
+              std::make_tuple(false, false, false, true, true));
 }
 
 TEST(PixelTypeBufferSize, FollowsTheThreeRules)
