@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "ZoImgLibC.h"
 #include "ZoPixelTypeFactory.h"
 #include "support/AreaSupport.h"
 #include "support/ConvertSupport.h"
@@ -40,12 +41,9 @@ std::vector<unsigned char> ConvertFrame(const Job& j)
     std::vector<unsigned char> d(stride * (j.height + 1) + 3 * j.width * j.height + 64, 0xA5);
     if (!j.height)
         c.Convert(j.source->data(), d.data(), j.width);
-    else if (j.filter)
-        c.Convert(*j.filter, j.source->data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height,
-                  j.flags, j.padding);
-    else
-        c.Convert(j.source->data(), j.width, j.height, d.data(), j.width, j.height, j.width, j.height, j.flags,
-                  j.padding);
+    else  // a null filter: the unfiltered area form
+        ZoPixelConverter_ConvertAreaFilter(&c, j.filter, j.source->data(), j.width, j.height, d.data(), j.width,
+                                           j.height, j.width, j.height, j.flags, j.padding);
     return d;
 }
 

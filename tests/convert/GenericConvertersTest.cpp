@@ -131,9 +131,7 @@ TEST(ComplexConverter, LineAndPixelForms)
     // Direct calls: no filter and line 0 in a fresh record, so each stage
     // gives out[k] = in ^ (k * 0x3B).
     std::vector<unsigned char> d(20, kPoison), expected(20, kPoison);
-    for (int i = 0; i < 9; ++i)
-        for (int k = 0; k < 2; ++k)
-            expected[2 * i + k] = static_cast<unsigned char>(source[i] ^ (k * 0x3B));
+    FilterStage::Apply(ZoPixelConverter::DefaultFilter(1).RedTable8(), 0, 0, 2, source.data(), expected.data(), 9);
     EXPECT_EQ(chain.Convert(source.data(), d.data(), 9), ZO_OK);
     EXPECT_EQ(d, expected);
     std::vector<unsigned char> p(3, kPoison);

@@ -168,22 +168,17 @@ TEST(PixelTypeBufferSize, FollowsTheThreeRules)
     }
 }
 
-// A subclass whose accessors disagree with its stored fields: the buffer size
-// reads every property through the virtual accessors.
-class ReportsPackedBayer12 : public ZoPixelType {
-public:
-    ReportsPackedBayer12() : ZoPixelType(0x00020002, 24, 3, false) {}
-    const std::int64_t& GetTypeID() const override { return mId; }
-    std::uint16_t GetPixelBitSize() const override { return 12; }
-    std::uint16_t GetPixelByteSize() const override { return 2; }
-    bool IsBayerPattern() const override { return true; }
-
-private:
-    std::int64_t mId = 0x00420012;
-};
-
 TEST(PixelTypeBufferSize, ReadsPropertiesThroughTheAccessors)
 {
+    // A subclass whose accessors disagree with its stored fields.
+    struct ReportsPackedBayer12 : ZoPixelType {
+        ReportsPackedBayer12() : ZoPixelType(0x00020002, 24, 3, false) {}
+        const std::int64_t& GetTypeID() const override { return id; }
+        std::uint16_t GetPixelBitSize() const override { return 12; }
+        std::uint16_t GetPixelByteSize() const override { return 2; }
+        bool IsBayerPattern() const override { return true; }
+        std::int64_t id = 0x00420012;
+    };
     EXPECT_EQ(ReportsPackedBayer12().GetBufferSizeFor(5, 1), 9u);
 }
 

@@ -118,14 +118,11 @@ TEST(RegistryConverters, FirstConstructedWinsAndRegistrationNeedsNoTypes)
 }
 
 // Constructed for one pair (where it registers itself), it reports another.
-class Relabelled : public ZoIdentityConverter {
-public:
+struct Relabelled : ZoIdentityConverter {
     Relabelled(std::int64_t built, std::int64_t source, std::int64_t destination)
         : ZoIdentityConverter(built, built, 1, 1), mSource(source), mDestination(destination) {}
     const std::int64_t& GetSourceType() const override { return mSource; }
     const std::int64_t& GetDestinationType() const override { return mDestination; }
-
-private:
     std::int64_t mSource, mDestination;
 };
 

@@ -65,9 +65,7 @@ frame w12n.raw $(repeat 16 '240 255')
 frame wp.raw $(repeat 24 255)
 frame red16.raw 0 248
 head -c 64 /dev/zero > z64.raw
-frame g1.raw $(seq 0 19)
-frame g2.raw $(seq 100 119)
-frame g3.raw $(seq 200 219)
+for f in 1 2 3; do frame g$f.raw $(seq $((f * 100 - 100)) $((f * 100 - 81))); done
 cat g1.raw g2.raw g3.raw > g123.raw
 cat g123.raw z64.raw > g123b.raw
 
