@@ -40,19 +40,6 @@ const std::vector<CatalogueRow>& Catalogue()
     return rows;
 }
 
-TEST(Catalogue, HoldsEveryTypeWithItsNameAndSizes)
-{
-    ASSERT_EQ(Catalogue().size(), 121u);
-    for (const CatalogueRow& row : Catalogue()) {
-        SCOPED_TRACE(::testing::Message() << std::hex << row.id);
-        ASSERT_TRUE(ZoPixelTypeFactory::HasPixelType(row.id));
-        EXPECT_EQ(ZoPixelTypeFactory::GetPixelTypeName(row.id), row.name);
-        const ZoPixelType& t = ZoPixelTypeFactory::GetPixelType(row.id);
-        EXPECT_EQ(std::make_tuple(t.GetTypeID(), t.GetPixelBitSize(), t.GetPixelByteSize(), t.IsBayerPattern()),
-                  std::make_tuple(row.id, row.bits, row.bytes, row.bayer));
-    }
-}
-
 // Every type that any search by attributes can find, in search order. Each
 // search numbers its types in ascending ID order (deprecated aliases have the
 // higher IDs) up to its count, and hands out plain clones owned by the
@@ -93,22 +80,29 @@ std::vector<std::int64_t> EverySearchableType()
     return ids;
 }
 
-TEST(Catalogue, RegistersNothingElse)
+TEST(Catalogue, HoldsEveryTypeWithItsNameAndSizesAndNothingElse)
 {
-    const std::vector<std::int64_t> found = EverySearchableType();
+    ASSERT_EQ(Catalogue().size(), 121u);
     std::set<std::int64_t> expected;
-    for (const CatalogueRow& row : Catalogue())
+    for (const CatalogueRow& row : Catalogue()) {
+        SCOPED_TRACE(::testing::Message() << std::hex << row.id);
+        ASSERT_TRUE(ZoPixelTypeFactory::HasPixelType(row.id));
+        EXPECT_EQ(ZoPixelTypeFactory::GetPixelTypeName(row.id), row.name);
+        const ZoPixelType& t = ZoPixelTypeFactory::GetPixelType(row.id);
+        EXPECT_EQ(std::make_tuple(t.GetTypeID(), t.GetPixelBitSize(), t.GetPixelByteSize(), t.IsBayerPattern()),
+                  std::make_tuple(row.id, row.bits, row.bytes, row.bayer));
         expected.insert(row.id);
+    }
+    const std::vector<std::int64_t> found = EverySearchableType();
     EXPECT_EQ(found.size(), 121u);
     EXPECT_EQ(std::set<std::int64_t>(found.begin(), found.end()), expected);
     // The unflagged 4:4:4 IDs are deliberately not registered.
-    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(0x00040003));
-    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(0x00040005));
+    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(0x00040003) || ZoPixelTypeFactory::HasPixelType(0x00040005));
 }
 
 TEST(CatalogueSearch, TheColourSpaceAndTheTapModeAreMaskedValues)
 {
-    // (Every search of valid attributes: RegistersNothingElse.)
+    // (Every search of valid attributes: HoldsEveryTypeWithItsNameAndSizesAndNothingElse.)
     EXPECT_EQ(ZoPixelTypeFactory::CountPixelTypes(8, 1, false, false, false, false, 0, false), 0u);
     EXPECT_EQ(ZoPixelTypeFactory::CountPixelTypes(8, 0x10000, false, false, false, false, 1, false), 0u);
     EXPECT_EQ(ZoPixelTypeFactory::CountPixelTypes(8, 0x10000, false, false, false, false, 0x3000000, false), 0u);

@@ -24,7 +24,7 @@ const ZoPixelConverter* Registered(std::int64_t source, std::int64_t destination
     return ObservedAddress(ZoPixelTypeFactory::GetConverter(source, destination));
 }
 
-TEST(RegistryTypes, DuplicateRegistrationKeepsTheFirstTypeAndName)
+TEST(RegistryTypes, NamesOfDuplicateAndUnknownIds)
 {
     const ZoRGB24 impostor(ZO_PT_RGB16);
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(ZO_PT_RGB16, &impostor, "impostor"), 18u);
@@ -37,23 +37,19 @@ TEST(RegistryTypes, DuplicateRegistrationKeepsTheFirstTypeAndName)
     EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
     EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, "Other gray"), 18u);
     EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "My gray");
-}
 
-TEST(RegistryTypes, UnknownIdsAreNamedAndRecordedUntilRegistered)
-{
-    const std::int64_t id = TestId(0x00220044);
-    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(id));
-    EXPECT_EQ(ObservedAddress(ZoPixelTypeFactory::GetPixelType(id)), nullptr);
-    EXPECT_EQ(ZoPixelTypeFactory::CreatePixelType(id), nullptr);
-
-    const char* first = ZoPixelTypeFactory::GetPixelTypeName(id);
+    // An unknown ID is named and recorded until it is registered.
+    const std::int64_t unknown = TestId(0x00220044);
+    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(unknown));
+    EXPECT_EQ(ObservedAddress(ZoPixelTypeFactory::GetPixelType(unknown)), nullptr);
+    EXPECT_EQ(ZoPixelTypeFactory::CreatePixelType(unknown), nullptr);
+    const char* first = ZoPixelTypeFactory::GetPixelTypeName(unknown);
     EXPECT_STREQ(first, "Unregistered pixel type");
-    EXPECT_EQ(ZoPixelTypeFactory::GetPixelTypeName(id), first);  // the recorded entry
-    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(id));          // recording a name registers no type
-
-    const ZoRGB32 type(id);
-    EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(id, &type, nullptr), 0u);
-    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(id), "RGB 32-bits, Interlaced");
+    EXPECT_EQ(ZoPixelTypeFactory::GetPixelTypeName(unknown), first);  // the recorded entry
+    EXPECT_FALSE(ZoPixelTypeFactory::HasPixelType(unknown));          // recording a name registers no type
+    const ZoRGB32 rgb(unknown);
+    EXPECT_EQ(ZoPixelTypeFactory::RegisterPixelType(unknown, &rgb, nullptr), 0u);
+    EXPECT_STREQ(ZoPixelTypeFactory::GetPixelTypeName(unknown), "RGB 32-bits, Interlaced");
 }
 
 TEST(RegistryTypes, KeysTheCloneByTheGivenIdAndNamesItFromThatId)
