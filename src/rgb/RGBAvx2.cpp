@@ -114,6 +114,8 @@ std::uint32_t ThreeToFourRun(const unsigned char* s, unsigned char* d, std::uint
     return i + ThreeToFourSsse3(s + std::size_t(i) * 3, d + std::size_t(i) * 4, n - i, blueFirst);
 }
 
+}  // namespace
+
 std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
 {
     return ThreeToFourRun(s, d, n, blueFirst, false);
@@ -122,8 +124,6 @@ std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, st
 {
     return ThreeToFourRun(s, d, n, blueFirst, true);
 }
-
-}  // namespace
 
 const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                 BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
