@@ -1,7 +1,7 @@
 // AVX2 paths of the RGB kernels (this file alone is compiled for AVX2; its
-// table runs from the AVX2 level on, see RGBSimd.cpp). Only RGB16 packing
-// has its own paths here (with ordinary and with streaming stores); the
-// other shuffles keep the SSSE3 ones.
+// table runs from the AVX2 level on, see RGBSimd.cpp). RGB16 packing and
+// three- to four-byte pixels have their own paths here (with ordinary and
+// with streaming stores); the other shuffles keep the SSSE3 ones.
 #include "rgb/RGBPaths.h"
 
 #if defined(__AVX2__)
@@ -91,11 +91,43 @@ std::uint32_t BytesToRGB16StreamAvx2(const unsigned char* s, unsigned char* d, s
     return BytesToRGB16Run(s, d, n, group, true);
 }
 
+// Eight pixels a step: the 32 bytes loaded at the step's first pixel hold
+// its 24 bytes; a dword permute gives lane 0 bytes 0..15 and lane 1 bytes
+// 12..27, so that each lane holds four pixels at its start, which one
+// in-lane shuffle spreads to r g b 0 (or b g r 0). The load ends 8 bytes
+// past the step: the loop stops while that lies inside the n pixels, and
+// the SSSE3 path takes what is left.
+std::uint32_t ThreeToFourRun(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst, bool stream)
+{
+    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6);
+    const __m256i spread = blueFirst ? _mm256_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z,  //
+                                                        2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z)
+                                     : _mm256_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z,  //
+                                                        0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
+    const std::uint64_t inEnd = std::uint64_t(n) * 3;
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 32 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + std::size_t(i) * 3));
+        Store(d + std::size_t(i) * 4, _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, lanes), spread), streaming);
+    };
+    const std::uint32_t i = RunGroups<8, 4>(d, stream, fits, step);
+    return i + ThreeToFourSsse3(s + std::size_t(i) * 3, d + std::size_t(i) * 4, n - i, blueFirst);
+}
+
 }  // namespace
 
-const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourSsse3,   FourToThreeSsse3,       FourToFourSsse3,
-                                BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,         SwapFourSsse3,
-                                ThreeToFourStreamSsse3, BytesToRGB16StreamAvx2};
+std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+{
+    return ThreeToFourRun(s, d, n, blueFirst, false);
+}
+std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
+{
+    return ThreeToFourRun(s, d, n, blueFirst, true);
+}
+
+const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
+                                BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
+                                ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2};
 
 }  // namespace simd
 }  // namespace zo

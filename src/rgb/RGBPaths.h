@@ -40,9 +40,10 @@ struct RGBPaths {
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
 // three- to four-byte pixels with streaming stores too; RGBAvx2.cpp: its own
-// RGB16 paths (sixteen pixels a step, then the SSSE3 one), the SSSE3 paths
-// for the rest; RGBAvx512.cpp: its own RGB16 paths (thirty-two pixels a
-// step, then the AVX2 one), the SSSE3 paths for the rest.
+// RGB16 and three- to four-byte paths (sixteen and eight pixels a step, then
+// the SSSE3 one), the SSSE3 paths for the rest; RGBAvx512.cpp: its own RGB16
+// paths (thirty-two pixels a step, then the AVX2 one), the AVX2 three- to
+// four-byte paths, the SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
@@ -52,6 +53,8 @@ std::uint32_t ThreeToPlanesSsse3(const unsigned char* s, unsigned char* red, uns
                                  unsigned char* blue, std::uint32_t n);
 std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
+std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
 extern const RGBPaths kRGBPathsAVX512;
