@@ -17,32 +17,24 @@ namespace {
 
 constexpr std::uint64_t kUnknownCacheBytes = std::uint64_t(8) << 20;
 
-// The last-level cache: its size and how many logical processors share it.
-struct SharedCache {
-    std::uint64_t bytes = kUnknownCacheBytes;
-    std::uint64_t sharers = 1;
-};
-
-// The largest data or unified cache of the deterministic cache leaf (4 on
-// Intel, 0x8000001D on AMD; both describe a cache the same way, including
-// the number of logical processors sharing it, less one, in bits 14..25).
-SharedCache ReadSharedCache()
+// The size of the largest data or unified cache of the deterministic cache
+// leaf (4 on Intel, 0x8000001D on AMD; both describe a cache the same way).
+std::uint64_t ReadLastLevelCacheBytes()
 {
-    SharedCache cache;
 #if ZO_STREAM_CPUID
     unsigned a = 0, b = 0, c = 0, d = 0;
     if (!__get_cpuid(0, &a, &b, &c, &d))
-        return cache;
+        return kUnknownCacheBytes;
     const bool amd = b == 0x68747541;  // "Auth" of "AuthenticAMD"
     unsigned leaf = 4;
     if (amd) {
         leaf = 0x8000001D;
         if (__get_cpuid_max(0x80000000, nullptr) < leaf)
-            return cache;
+            return kUnknownCacheBytes;
     } else if (a < 4) {
-        return cache;
+        return kUnknownCacheBytes;
     }
-    std::uint64_t largest = 0, sharers = 1;
+    std::uint64_t largest = 0;
     for (unsigned index = 0; index < 16; ++index) {
         __cpuid_count(leaf, index, a, b, c, d);
         const unsigned type = a & 0x1F;  // 0: no more caches; 1 data, 2 instruction, 3 unified
@@ -52,23 +44,13 @@ SharedCache ReadSharedCache()
             continue;
         const std::uint64_t ways = (b >> 22) + 1, partitions = ((b >> 12) & 0x3FF) + 1, line = (b & 0xFFF) + 1;
         const std::uint64_t bytes = ways * partitions * line * (std::uint64_t(c) + 1);
-        if (bytes > largest) {
+        if (bytes > largest)
             largest = bytes;
-            sharers = ((a >> 14) & 0xFFF) + 1;
-        }
     }
-    if (largest) {
-        cache.bytes = largest;
-        cache.sharers = sharers;
-    }
+    if (largest)
+        return largest;
 #endif
-    return cache;
-}
-
-const SharedCache& HostSharedCache()
-{
-    static const SharedCache cache = ReadSharedCache();
-    return cache;
+    return kUnknownCacheBytes;
 }
 
 constexpr std::uint64_t kUnset = ~std::uint64_t(0);
@@ -76,13 +58,10 @@ std::atomic<std::uint64_t> gThreshold{kUnset};
 
 }  // namespace
 
-std::uint64_t LastLevelCacheBytes() { return HostSharedCache().bytes; }
-
-std::uint64_t LastLevelCacheSharers() { return HostSharedCache().sharers; }
-
-std::uint64_t CacheShareThreshold(std::uint64_t cacheBytes, std::uint64_t sharers)
+std::uint64_t LastLevelCacheBytes()
 {
-    return cacheBytes / (sharers ? sharers : 1) * 3 / 4;
+    static const std::uint64_t bytes = ReadLastLevelCacheBytes();
+    return bytes;
 }
 
 std::uint64_t StreamingThreshold()
@@ -90,8 +69,7 @@ std::uint64_t StreamingThreshold()
     const std::uint64_t set = gThreshold.load(std::memory_order_relaxed);
     if (set != kUnset)
         return set;
-    static const std::uint64_t share = CacheShareThreshold(LastLevelCacheBytes(), LastLevelCacheSharers());
-    return share;
+    return LastLevelCacheBytes() / 4;
 }
 
 void SetStreamingThreshold(std::uint64_t bytes) { gThreshold.store(bytes == kUnset ? kUnset - 1 : bytes); }
