@@ -67,44 +67,38 @@ std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
     return t;
 }
 
+// Every instruction set's paths this host runs.
+std::vector<const zo::simd::LutPaths*> HostLutPaths()
+{
+    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
+    for (const zo::simd::LutPaths* p : {zo::simd::Sse2LutPaths(), zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()})
+        if (p)
+            paths.push_back(p);
+    return paths;
+}
+
 TEST(LutPasses, EveryPassMatchesPlainLookupsAndTouchesNothingElse)
 {
     std::mt19937 rng(5);
-    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
-    if (const zo::simd::LutPaths* p = zo::simd::Avx512LutPaths())
-        paths.push_back(p);
     constexpr std::size_t kGuard = 70;
     for (unsigned shape = 0; shape < 5; ++shape) {
         const std::vector<std::uint8_t> tables = TableSet(shape, rng);
         const zo::simd::LutTables8 t{tables.data(), tables.data() + 256, tables.data() + 512};
-        for (const zo::simd::LutPaths* p : paths)
+        for (const zo::simd::LutPaths* p : HostLutPaths())
             for (unsigned pixelBytes : {3u, 4u})
                 for (std::uint32_t count : {0u, 1u, 2u, 3u, 5u, 15u, 16u, 17u, 21u, 22u, 63u, 64u, 65u, 85u, 191u,
                                             192u, 193u, 1000u}) {
                     const std::size_t bytes = std::size_t(count) * pixelBytes;
                     std::vector<std::uint8_t> line = zotest::RandomBytes(bytes + 2 * kGuard, rng);
                     std::vector<std::uint8_t> expected = line;
-                    for (std::size_t i = 0; i < bytes; ++i) {
-                        const unsigned position = i % pixelBytes;
-                        if (position < 3)
-                            expected[kGuard + i] = tables[256 * position + line[kGuard + i]];
-                    }
+                    for (std::size_t i = 0; i < bytes; ++i)
+                        if (i % pixelBytes < 3)
+                            expected[kGuard + i] = tables[256 * (i % pixelBytes) + line[kGuard + i]];
                     (pixelBytes == 3 ? p->bytes3 : p->bytes4)(line.data() + kGuard, count, t);
                     ASSERT_TRUE(line == expected)
                         << p->name << ", table set " << shape << ", " << pixelBytes << "-byte pixels, count " << count;
                 }
     }
-}
-
-// Every instruction set's paths this host runs.
-std::vector<const zo::simd::LutPaths*> HostLutPaths()
-{
-    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
-    for (const zo::simd::LutPaths* p :
-         {zo::simd::Sse2LutPaths(), zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()})
-        if (p)
-            paths.push_back(p);
-    return paths;
 }
 
 // One filtered area conversion into a poisoned buffer with slack.
@@ -162,9 +156,11 @@ std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
     return f;
 }
 
-// The 8-bit plans of multiplier tables, run by every arithmetic pass over
-// random lines, give the lookups' bytes; tables without a form get no plan.
-TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
+// Multiplier tables: the 8-bit plans, run by every arithmetic pass over
+// random lines, give the lookups' bytes; the 16-bit plan of a conversion is
+// made where the level has the pass and equals the lookups on random RGB48
+// lines. Tables without a form get no plan.
+TEST(LutPasses, MultiplierTablePlansMatchLookups)
 {
     std::mt19937 rng(21);
     for (const MultiplierCase& c : kMultiplierCases) {
@@ -177,12 +173,10 @@ TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
                     filter->RedTable8(), filter->GreenTable8(), filter->BlueTable8(), redIndex);
                 const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(t, pixelBytes);
                 ASSERT_EQ(plan != nullptr, c.form8);
-                if (!plan)
-                    continue;
-                for (const zo::simd::LutPaths* p : HostLutPaths()) {
-                    if (!p->form3)
-                        continue;
+                for (const zo::simd::LutPaths* p : HostLutPaths())
                     for (std::uint32_t count : {1u, 5u, 21u, 22u, 64u, 193u, 1000u}) {
+                        if (!plan || !p->form3)
+                            break;
                         std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * pixelBytes + 64, rng);
                         std::vector<std::uint8_t> expected = line;
                         (pixelBytes == 3 ? zo::simd::LutBytes3Scalar : zo::simd::LutBytes4Scalar)(expected.data(),
@@ -191,23 +185,10 @@ TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
                         ASSERT_TRUE(line == expected) << p->name << ", " << pixelBytes << "-byte pixels, count "
                                                       << count << ", red at " << redIndex;
                     }
-                }
             }
-    }
-}
-
-// The 16-bit plan of a conversion: made where the level has the pass, equal
-// to the lookups on random RGB48 lines, absent for tables without a form.
-TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
-{
-    std::mt19937 rng(22);
-    AtEveryLevel([&](CpuLevel) {
-        const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
-        for (const MultiplierCase& c : kMultiplierCases) {
-            SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
-                                            << (c.edit ? ", edited" : ""));
-            const auto filter = MakeFilter(c);
-            const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
+        const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
+        AtEveryLevel([&](CpuLevel) {
+            const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
             const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true);
             const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
             const bool expected =
@@ -215,13 +196,11 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
                                  (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
                                  (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
             ASSERT_EQ(plan != nullptr, expected) << paths.name;
-            if (plan) {
-                EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
-                EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
-            }
             EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
             if (!plan)
-                continue;
+                return;
+            EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
+            EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
             for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u}) {
                 std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
                 std::vector<std::uint8_t> expected = line;
@@ -233,8 +212,8 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
                 ASSERT_TRUE(zo::simd::ApplyLut16(line.data(), count, *plan));
                 ASSERT_TRUE(line == expected) << paths.name << ", count " << count;
             }
-        }
-    });
+        });
+    }
 }
 
 // A 16-bit plan answers only inside its scope, for its own tables; the
@@ -298,22 +277,16 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
     });
 }
 
-// 8-bit tables random, 16-bit tables random over the whole 16-bit range.
+// The filters of the area tests: 8-bit tables random and 16-bit tables
+// random over the whole 16-bit range; white balance as cameras use it
+// (green left as it is); multiplier tables of the fixed-point kind; and the
+// same with one entry written after SetMultipliers (no form: the lookups).
 const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
-
-// White balance as cameras use it: green left as it is.
 const ZoRGBFilter& Gains()
 {
-    static const ZoRGBFilter* filter = [] {
-        auto* f = new ZoRGBFilter(16);
-        f->SetMultipliers(1.8, 1.0, 1.4);
-        return f;
-    }();
+    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, false, true, {}});
     return *filter;
 }
-
-// Multiplier tables of the fixed-point kind, and with one entry written
-// after SetMultipliers (no form: the lookups).
 const ZoRGBFilter& FixedFormGains()
 {
     static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[0]);
