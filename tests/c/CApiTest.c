@@ -103,8 +103,7 @@ static void Conversions(void)
     unsigned char out[9];
     int64_t destination = 0;
     uint32_t n = 0;
-    CHECK(identity != NULL);
-    CHECK(ZoPixelType_HasConverterTo(gray, gray));
+    CHECK(identity != NULL && ZoPixelType_HasConverterTo(gray, gray));
     CHECK(ZoPixelType_GetConverterTo(gray, gray) == identity && ZoPixelType_GetConverterFrom(gray, gray) == identity);
     CHECK(ZoPixelConverter_GetSourceType(identity) == ZO_PT_GRAY8 && ZoPixelConverter_GetDestinationType(identity) == ZO_PT_GRAY8);
     CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7 && ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
@@ -128,10 +127,8 @@ static void Conversions(void)
     }
 
     /* Every destination enumerated from 8-bit gray is served. */
-    while (ZoPixelTypeFactory_EnumConverterFrom(n, ZO_PT_GRAY8, &destination)) {
+    for (n = 0; ZoPixelTypeFactory_EnumConverterFrom(n, ZO_PT_GRAY8, &destination); ++n)
         CHECK(ZoPixelTypeFactory_HasConverter(ZO_PT_GRAY8, destination));
-        ++n;
-    }
     CHECK(n >= 1);
     CHECK(ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, &destination) && ZoPixelTypeFactory_HasConverter(destination, ZO_PT_GRAY8));
     /* Nothing converts 8-bit gray to 48-bit RGB: false and null, not an identity. */
@@ -145,31 +142,22 @@ static void Conversions(void)
     ZoPixelType_Destroy(gray);
 }
 
-static void Version(void)
-{
-    const char* version = ZoImgLib_GetVersion();
-    CHECK(version != NULL && strcmp(version, ZO_TEST_PROJECT_VERSION) == 0);
-}
-
-/* Sizes through the C struct (the rules of counting: BufferSizesTest): a
- * Left Inverted two-tap packed line of odd width writes one pixel before the
- * destination pointer. */
-static void Sizes(void)
+/* The extension from C: the version; sizes through the C struct (the rules
+ * of counting: BufferSizesTest), where a Left Inverted two-tap packed line
+ * of odd width writes one pixel before the destination pointer; the PFNC
+ * functions (every entry and rule: PfncTest). */
+static void Extension(void)
 {
     const ZoPixelConverter* packed =
         ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY12 | ZO_PIXEL_PACKED | ZO_PIXEL_TAP_DUAL_LINV_RINV, ZO_PT_GRAY8);
     ZoAreaBufferSizes sizes = {0, 0, 0};
+    int64_t type = 0;
+    uint32_t flags = 0, code = 0;
+    const char* name = ZoImgLib_GetVersion();
+    CHECK(name != NULL && strcmp(name, ZO_TEST_PROJECT_VERSION) == 0);
     CHECK(ZoPixelConverter_GetAreaBufferSizes(packed, 9, 2, 9, 2, 9, 2, 0, 0, &sizes) == ZO_OK);
     CHECK(sizes.sourceBytes == 12 + 15 && sizes.destinationBytes == 18 && sizes.destinationBytesBefore == 1);
     CHECK(ZoPixelConverter_GetAreaBufferSizes(packed, 4, 4, 4, 4, 4, 4, 0, 0, NULL) == ZO_ERR_BAD_ARGUMENT);
-}
-
-/* The PFNC functions from C (every entry and rule: PfncTest). */
-static void Pfnc(void)
-{
-    int64_t type = 0;
-    uint32_t flags = 0, code = 0;
-    const char* name = NULL;
     CHECK(ZoPfnc_FromName("BayerBG12p", &type, &flags) == ZO_OK);
     CHECK(type == (ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED) && flags == ZO_FLAG_BAYER_BGGR);
     CHECK(ZoPfnc_FromPixelType(ZO_PT_BAYER_RGGB8, 0, &name, &code) == ZO_OK);
@@ -183,9 +171,7 @@ int main(void)
     AttributeSearch();
     NullHandles();
     Conversions();
-    Version();
-    Sizes();
-    Pfnc();
+    Extension();
     if (failures)
         fprintf(stderr, "%d checks failed\n", failures);
     else

@@ -38,8 +38,7 @@ static const Gains kGains[] = { { 1.0, 1.0, 1.0 }, { 1.75, 0.8, 1.3 } };
  * <pattern>12p layout, compared with the library's conversion of the words
  * (with gains that is not the library's conversion of the packed frame,
  * a chain whose second stage runs without the caller's filter, while the
- * element applies the gains when demosaicing). 8-bit
- * Bayer frames come from videotestsrc ! rgb2bayer. */
+ * element applies the gains when demosaicing). */
 static const struct {
   const char *caps, *pfnc;
   gint64 from;
@@ -110,52 +109,6 @@ library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, gui
   return result;
 }
 
-static GstElement *
-launch (const char *description)
-{
-  GError *error = NULL;
-  GstElement *pipeline = gst_parse_launch (description, &error);
-  CHECK (pipeline != NULL, "cannot build '%s': %s", description, error ? error->message : "?");
-  g_clear_error (&error);
-  if (pipeline)
-    gst_element_set_state (pipeline, GST_STATE_PLAYING);
-  return pipeline;
-}
-
-/* Fails on an error message on the bus; returns after end of stream. */
-static void
-finish (GstElement * pipeline, const char *what)
-{
-  GstBus *bus = gst_element_get_bus (pipeline);
-  GstMessage *m = gst_bus_timed_pop_filtered (bus, 20 * GST_SECOND, GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
-  GError *e = NULL;
-  CHECK (m != NULL, "%s: no end of stream", what);
-  if (m && GST_MESSAGE_TYPE (m) == GST_MESSAGE_ERROR) {
-    gst_message_parse_error (m, &e, NULL);
-    CHECK (FALSE, "%s: %s", what, e->message);
-    g_error_free (e);
-  }
-  if (m)
-    gst_message_unref (m);
-  gst_object_unref (bus);
-}
-
-static void
-stop (GstElement * pipeline)
-{
-  gst_element_set_state (pipeline, GST_STATE_NULL);
-  gst_object_unref (pipeline);
-}
-
-static GstSample *
-pull (GstElement * pipeline, const char *name)
-{
-  GstElement *sink = gst_bin_get_by_name (GST_BIN (pipeline), name);
-  GstSample *s = gst_app_sink_try_pull_sample (GST_APP_SINK (sink), 20 * GST_SECOND);
-  gst_object_unref (sink);
-  return s;
-}
-
 /* `frames` in GStreamer's layout pushed through appsrc with caps `in`, into
  * `out`; each output compared, line by line through its own strides, with
  * `expected` (lines of `line` bytes). The element passes buffers through
@@ -165,15 +118,24 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
     guint8 ** expected, gsize line, const Gains * gains, guint threads, gboolean interpolate)
 {
   char description[1024];
-  GstElement *pipeline, *src, *conv;
+  GstElement *pipeline, *src, *sink, *conv;
+  GstBus *bus;
+  GstMessage *m;
+  GError *error = NULL;
   guint f, i;
 
   g_snprintf (description, sizeof description, "appsrc name=src format=time caps=\"%s\" ! zoimgconvert name=conv threads=%u "
       "interpolate=%s red-gain=%g green-gain=%g blue-gain=%g ! video/x-raw,format=%s ! appsink name=sink sync=false",
       in, threads, interpolate ? "true" : "false", gains->red, gains->green, gains->blue, out);
-  if ((pipeline = launch (description)) == NULL)
+  pipeline = gst_parse_launch (description, &error);
+  CHECK (pipeline != NULL, "cannot build '%s': %s", description, error ? error->message : "?");
+  g_clear_error (&error);
+  if (pipeline == NULL)
     return;
+  gst_element_set_state (pipeline, GST_STATE_PLAYING);
   src = gst_bin_get_by_name (GST_BIN (pipeline), "src");
+  sink = gst_bin_get_by_name (GST_BIN (pipeline), "sink");
+  conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
   for (f = 0; f < FRAMES; f++) {
     GstBuffer *b = gst_buffer_new_memdup (frames[f], frame_size);
     GST_BUFFER_PTS (b) = f * GST_SECOND / 30;
@@ -182,7 +144,7 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
   }
   gst_app_src_end_of_stream (GST_APP_SRC (src));
   for (f = 0; f < FRAMES; f++) {
-    GstSample *s = pull (pipeline, "sink");
+    GstSample *s = gst_app_sink_try_pull_sample (GST_APP_SINK (sink), 20 * GST_SECOND);
     GstVideoInfo info;
     GstVideoFrame frame;
     if (s == NULL || !gst_video_info_from_caps (&info, gst_sample_get_caps (s))
@@ -194,54 +156,35 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
     }
     frames_compared++;
     CHECK (GST_VIDEO_INFO_HEIGHT (&info) == (gint) height, "%s: height %d", description, GST_VIDEO_INFO_HEIGHT (&info));
-    for (i = 0; i < height; i++) {
-      const guint8 *got = (const guint8 *) GST_VIDEO_FRAME_PLANE_DATA (&frame, 0)
-          + i * GST_VIDEO_FRAME_PLANE_STRIDE (&frame, 0);
-      if (memcmp (got, expected[f] + i * line, line) != 0) {
+    for (i = 0; i < height; i++)
+      if (memcmp ((const guint8 *) GST_VIDEO_FRAME_PLANE_DATA (&frame, 0) + i * GST_VIDEO_FRAME_PLANE_STRIDE (&frame, 0),
+              expected[f] + i * line, line) != 0) {
         CHECK (FALSE, "%s: frame %u, line %u differs", description, f, i);
         break;
       }
-    }
     gst_video_frame_unmap (&frame);
     gst_sample_unref (s);
   }
-  finish (pipeline, description);
-  conv = gst_bin_get_by_name (GST_BIN (pipeline), "conv");
+  /* An error on the bus fails; end of stream must come. */
+  bus = gst_element_get_bus (pipeline);
+  m = gst_bus_timed_pop_filtered (bus, 20 * GST_SECOND, GST_MESSAGE_ERROR | GST_MESSAGE_EOS);
+  CHECK (m != NULL, "%s: no end of stream", description);
+  if (m && GST_MESSAGE_TYPE (m) == GST_MESSAGE_ERROR) {
+    gst_message_parse_error (m, &error, NULL);
+    CHECK (FALSE, "%s: %s", description, error->message);
+    g_clear_error (&error);
+  }
+  if (m)
+    gst_message_unref (m);
   CHECK (gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)) == g_str_has_prefix (in, "video/x-raw,format="
           "GRAY8,") * g_str_equal (out, "GRAY8"), "%s: passthrough %d", description,
       gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)));
+  gst_object_unref (bus);
   gst_object_unref (conv);
+  gst_object_unref (sink);
   gst_object_unref (src);
-  stop (pipeline);
-}
-
-/* 8-bit Bayer from videotestsrc ! rgb2bayer, lines GST_ROUND_UP_4 (width)
- * bytes apart. */
-static void
-rgb2bayer_frames (guint width, guint height, guint8 ** frames)
-{
-  const gsize size = GST_ROUND_UP_4 (width) * height;
-  char description[512];
-  GstElement *pipeline;
-  guint f;
-  g_snprintf (description, sizeof description, "videotestsrc num-buffers=%d pattern=snow ! video/x-raw,format=ARGB,"
-      "width=%u,height=%u ! rgb2bayer ! video/x-bayer,format=grbg ! appsink name=sink sync=false", FRAMES, width,
-      height);
-  pipeline = launch (description);
-  for (f = 0; f < FRAMES; f++) {
-    GstSample *s = pipeline ? pull (pipeline, "sink") : NULL;
-    GstBuffer *b = s ? gst_sample_get_buffer (s) : NULL;
-    frames[f] = g_malloc0 (size);
-    CHECK (b && gst_buffer_get_size (b) == size, "rgb2bayer: frame %u missing or not %zu bytes", f, size);
-    if (b)
-      gst_buffer_extract (b, 0, frames[f], size);
-    if (s)
-      gst_sample_unref (s);
-  }
-  if (pipeline) {
-    finish (pipeline, description);
-    stop (pipeline);
-  }
+  gst_element_set_state (pipeline, GST_STATE_NULL);
+  gst_object_unref (pipeline);
 }
 
 /* One input format at one width: every gain set and thread count, and for
@@ -249,7 +192,6 @@ rgb2bayer_frames (guint width, guint height, guint8 ** frames)
 static void
 check_case (guint k, guint width)
 {
-  const gboolean bayer = g_str_has_prefix (kCases[k].caps, "video/x-bayer");
   const gsize stride = GST_ROUND_UP_4 (width * kCases[k].a) * kCases[k].b;
   const gsize packed_stride = (width * 3 + 1) / 2;
   const guint source_width = kCases[k].from == 0x40001 ? GST_ROUND_UP_2 (width) : width;
@@ -257,39 +199,27 @@ check_case (guint k, guint width)
   gint64 from = kCases[k].from;
   guint32 flags = kCases[k].flags;
   char caps[256], packed_caps[256];
-  guint f, g, t, i, x, y;
+  guint f, g, t, i, y;
   gsize line;
 
   if (kCases[k].pfnc)
     CHECK (ZoPfnc_FromName (kCases[k].pfnc, &from, &flags) == 0, "PFNC %s has no library type", kCases[k].pfnc);
-  flags |= bayer && kCases[k].interpolate ? 0x100 : 0;
+  flags |= g_str_has_prefix (kCases[k].caps, "video/x-bayer") && kCases[k].interpolate ? 0x100 : 0;
   line = ZoPixelConverter_GetDestinationByteSize (ZoPixelTypeFactory_GetConverter (from, kCases[k].to), width);
   g_snprintf (caps, sizeof caps, "%s,width=%u,height=%u,framerate=30/1", kCases[k].caps, width, HEIGHT);
   g_snprintf (packed_caps, sizeof packed_caps, "%.*s12p,width=%u,height=%u,framerate=30/1",
       (int) strlen (kCases[k].caps) - 4, kCases[k].caps, width, HEIGHT);
-
-  if (bayer && kCases[k].bits == 8)
-    rgb2bayer_frames (width, HEIGHT, frames);
   for (f = 0; f < FRAMES; f++) {
-    if (!(bayer && kCases[k].bits == 8)) {
-      frames[f] = g_malloc (stride * HEIGHT);
-      for (i = 0; i < stride * HEIGHT; i++)
-        frames[f][i] = next_random () & (kCases[k].bits == 12 && i % 2 ? 0x0F : 0xFF);
-    }
+    frames[f] = g_malloc (stride * HEIGHT);
+    for (i = 0; i < stride * HEIGHT; i++)
+      frames[f][i] = next_random () & (kCases[k].bits == 12 && i % 2 ? 0x0F : 0xFF);
+    /* The 12p layout: pixel x's 12 bits from bit 12 x of the line on, the
+     * lowest bit first. */
     packed[f] = g_malloc0 (packed_stride * HEIGHT);
-    for (y = 0; y < HEIGHT && kCases[k].bits == 12; y++) {
-      for (x = 0; x < width; x++) {
-        const guint8 *w = frames[f] + y * stride + 2 * x;
-        guint8 *q = packed[f] + y * packed_stride + (x / 2) * 3;
-        if (x % 2 == 0) {
-          q[0] = w[0];
-          q[1] = (q[1] & 0xF0) | w[1];
-        } else {
-          q[1] = (q[1] & 0x0F) | ((w[0] & 0x0F) << 4);
-          q[2] = (w[0] >> 4) | (w[1] << 4);
-        }
-      }
-    }
+    for (y = 0; y < HEIGHT && kCases[k].bits == 12; y++)
+      for (i = 0; i < 12 * width; i++)
+        if (frames[f][y * stride + 2 * (i / 12) + i % 12 / 8] >> (i % 12 % 8) & 1)
+          packed[f][y * packed_stride + i / 8] |= 1 << (i % 8);
   }
   for (g = 0; g < kCases[k].gains; g++) {
     for (f = 0; f < FRAMES; f++)
