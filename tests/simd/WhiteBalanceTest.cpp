@@ -1,8 +1,9 @@
 // Filtered conversions at every CPU level: the table passes (lookups and
-// the arithmetic forms of multiplier tables) against plain lookups, every
-// Bayer instance against the reference demosaicer, and every conversion into
-// a 24-, 32- or 48-bit layout against its own result at the scalar level
-// (whose filtered kernels look every channel up one by one). Filters hold
+// the arithmetic forms of multiplier tables) against plain lookups, and
+// every conversion into a 24-, 32- or 48-bit layout against its own result
+// at the scalar level (whose filtered kernels look every channel up one by
+// one; the Bayer tests hold the host level's bytes to the reference
+// demosaicer, through random tables too). Filters hold
 // random per-entry tables (16-bit entries up to 65535 and indices from full
 // 16-bit samples), multiplier tables, and multiplier tables with one entry
 // written afterwards; destinations start poisoned and are compared whole,
@@ -296,27 +297,6 @@ const ZoRGBFilter& EditedGains()
 {
     static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[8]);
     return *filter;
-}
-
-// Every Bayer instance, both modes, through the random filter and the gains
-// at every level: the reference model looks each channel up itself.
-TEST(WhiteBalance, BayerMatchesTheReferenceAtEveryLevel)
-{
-    std::mt19937 rng(9);
-    AtEveryLevel([&](CpuLevel) {
-        for (const bayer_test::Instance& in : bayer_test::AllInstances())
-            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
-                for (std::uint32_t width : {1u, 2u, 3u, 5u, 6u, 17u, 34u, 63u, 64u, 66u, 97u, 131u})
-                    for (std::uint32_t wordMask : {0x0FFFu, 0xFFFFu}) {
-                        bayer_test::Case c{width + 3, width, 4, ZO_FLAG_BAYER_BGGR | mode,
-                                           wordMask == 0xFFFF ? &RandomTables() : &Gains(), 5, wordMask};
-                        const ZoPixelConverter& conv =
-                            ZoPixelTypeFactory::GetConverter(in.source, in.destination);
-                        const bayer_test::Outcome o = bayer_test::RunCase(conv, in, c, rng);
-                        ASSERT_EQ(o.result, ZO_OK);
-                        ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
-                    }
-    });
 }
 
 // Every registered conversion into RGB24, BGR24, RGB32 or BGR32 (Bayer in
