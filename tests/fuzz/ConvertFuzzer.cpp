@@ -20,6 +20,13 @@
 
 namespace {
 
+[[noreturn]] void Fail(const zofuzz::Pair& pair, const char* what, std::uint32_t result)
+{
+    std::fprintf(stderr, "0x%llx -> 0x%llx: %s %u\n", static_cast<unsigned long long>(pair.source),
+                 static_cast<unsigned long long>(pair.destination), what, result);
+    std::abort();
+}
+
 ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
 {
     const std::uint32_t bitSizes[] = {8, 10, 12, 16};
@@ -70,12 +77,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const ZoPixelConverter* converter = pair.converter;
     ZoAreaBufferSizes sizes{};
-    if (ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight, destinationWidth,
-                                            destinationHeight, width, height, flags, padding, &sizes) != ZO_OK) {
-        std::fprintf(stderr, "no buffer sizes for 0x%llx -> 0x%llx\n", static_cast<unsigned long long>(pair.source),
-                     static_cast<unsigned long long>(pair.destination));
-        std::abort();
-    }
+    if (const std::uint32_t r = ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight,
+                                                                     destinationWidth, destinationHeight, width,
+                                                                     height, flags, padding, &sizes))
+        Fail(pair, "buffer sizes answered", r);
     // Separate exact allocations: a byte beyond either is a redzone. new[]
     // gives a distinct pointer even for 0 bytes, as callers' buffers are.
     const std::unique_ptr<unsigned char[]> source(new unsigned char[sizes.sourceBytes]);
@@ -94,10 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                        out, destinationWidth, destinationHeight, width, height,
                                                        flags, padding);
     ZoRGBFilter_Destroy(filter);
-    if (result != ZO_OK) {
-        std::fprintf(stderr, "0x%llx -> 0x%llx answered %u\n", static_cast<unsigned long long>(pair.source),
-                     static_cast<unsigned long long>(pair.destination), result);
-        std::abort();
-    }
+    if (result != ZO_OK)
+        Fail(pair, "conversion answered", result);
     return 0;
 }
