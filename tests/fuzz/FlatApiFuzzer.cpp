@@ -131,18 +131,17 @@ void TypeOperation(FuzzedDataProvider& in, Handles& h)
         replace(nullptr);
         break;
     case 4:
-        Check(slot || ZoPixelType_GetTypeID(slot) == ZO_NO_PIXEL_TYPE_ID);
-        Check(slot || (ZoPixelType_GetPixelBitSize(slot) == 0 && ZoPixelType_GetPixelByteSize(slot) == 0 &&
-                       !ZoPixelType_IsBayerPattern(slot)));
+        Check(slot || (ZoPixelType_GetTypeID(slot) == ZO_NO_PIXEL_TYPE_ID && !ZoPixelType_IsBayerPattern(slot) &&
+                       ZoPixelType_GetPixelBitSize(slot) == 0 && ZoPixelType_GetPixelByteSize(slot) == 0));
         break;
     case 5:
         ZoPixelType_GetBufferSizeFor(slot, AnyCount(in), AnyCount(in));
         break;
     case 6: {
         const bool to = ZoPixelType_HasConverterTo(slot, other);
-        Check(to == (ZoPixelType_GetConverterTo(slot, other) != nullptr));
-        Check(ZoPixelType_HasConverterFrom(other, slot) == to);
-        Check((ZoPixelType_GetConverterFrom(other, slot) != nullptr) == to);
+        Check(to == (ZoPixelType_GetConverterTo(slot, other) != nullptr) &&
+              to == ZoPixelType_HasConverterFrom(other, slot) &&
+              to == (ZoPixelType_GetConverterFrom(other, slot) != nullptr));
         break;
     }
     default: {  // registered IDs (a slot's among them) or a bounded pool of others; asks HasPixelType
@@ -262,6 +261,9 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
 // pointers.
 void ExtensionOperation(FuzzedDataProvider& in)
 {
+    const char* name = nullptr;
+    std::uint32_t code = 0, flags = 0;
+    std::int64_t id = 0;
     switch (in.ConsumeIntegralInRange(0, 4)) {
     case 0:
         Check(ZoImgLib_GetVersion() != nullptr);
@@ -271,33 +273,25 @@ void ExtensionOperation(FuzzedDataProvider& in)
         ZoAreaBufferSizes sizes{1, 2, 3};
         const bool out = in.ConsumeBool();
         const std::uint32_t sw = AnyCount(in), sh = AnyCount(in), dw = AnyCount(in), dh = AnyCount(in);
-        const std::uint32_t w = AnyCount(in), h = AnyCount(in), flags = AnyCount(in), padding = AnyCount(in);
+        const std::uint32_t w = AnyCount(in), h = AnyCount(in), f = AnyCount(in), padding = AnyCount(in);
         const std::uint32_t r =
-            ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, flags, padding, out ? &sizes : nullptr);
+            ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, f, padding, out ? &sizes : nullptr);
         Check(r == ZO_ERR_BAD_ARGUMENT || (r == ZO_OK && c && out));
         if (r != ZO_OK)
             Check(sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3);
         break;
     }
     case 2: {
-        const std::string name = in.ConsumeRandomLengthString(40);
-        std::int64_t id = 0;
-        std::uint32_t flags = 0;
-        CheckKnownResult(ZoPfnc_FromName(in.ConsumeBool() ? name.c_str() : nullptr, in.ConsumeBool() ? &id : nullptr,
+        const std::string text = in.ConsumeRandomLengthString(40);
+        CheckKnownResult(ZoPfnc_FromName(in.ConsumeBool() ? text.c_str() : nullptr, in.ConsumeBool() ? &id : nullptr,
                                          in.ConsumeBool() ? &flags : nullptr));
         break;
     }
-    case 3: {
-        std::int64_t id = 0;
-        std::uint32_t flags = 0;
+    case 3:
         CheckKnownResult(
             ZoPfnc_FromCode(AnyCount(in), in.ConsumeBool() ? &id : nullptr, in.ConsumeBool() ? &flags : nullptr));
         break;
-    }
     default: {
-        const char* name = nullptr;
-        std::uint32_t code = 0, flags = 0;
-        std::int64_t id = 0;
         const std::uint32_t r = ZoPfnc_FromPixelType(AnyId(in), AnyCount(in), in.ConsumeBool() ? &name : nullptr,
                                                      in.ConsumeBool() ? &code : nullptr);
         CheckKnownResult(r);
