@@ -49,22 +49,17 @@ std::vector<std::uint8_t> AtScalarLevel(Convert convert)
     return convert();
 }
 
-// Table sets: three random tables; green the identity (usual white
-// balance); first and last equal in content at different addresses; all
-// the identity; all one table.
+// Table sets, each channel one of three random tables (0, 1, 2) or the
+// identity (3): three random tables; green the identity (usual white
+// balance); first and last equal in content at different addresses; all the
+// identity; all one table.
 std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
 {
-    std::vector<std::uint8_t> t = zotest::RandomBytes(3 * 256, rng);
-    for (unsigned i = 0; i < 256; ++i) {
-        if (shape == 1 || shape == 3)
-            t[256 + i] = static_cast<std::uint8_t>(i);
-        if (shape == 3)
-            t[i] = t[512 + i] = static_cast<std::uint8_t>(i);
-        if (shape == 2 || shape == 4)
-            t[512 + i] = t[i];
-        if (shape == 4)
-            t[256 + i] = t[i];
-    }
+    static const unsigned kShapes[5][3] = {{0, 1, 2}, {0, 3, 2}, {0, 1, 0}, {3, 3, 3}, {0, 0, 0}};
+    const std::vector<std::uint8_t> random = zotest::RandomBytes(3 * 256, rng);
+    std::vector<std::uint8_t> t(3 * 256);
+    for (unsigned i = 0; i < 3 * 256; ++i)
+        t[i] = kShapes[shape][i / 256] == 3 ? i % 256 : random[256 * kShapes[shape][i / 256] + i % 256];
     return t;
 }
 
@@ -221,32 +216,28 @@ TEST(LutPasses, MultiplierTablePlansMatchLookups)
 // innermost scope answers; an unwanted scope plans nothing.
 TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
 {
+    using Scope = zo::simd::LutForm16Scope;
+    const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
+    auto planned = [](const ZoRGBFilter& f) {
+        return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16()) != nullptr;
+    };
+    auto open = [](const ZoRGBFilter& f, bool worth) {
+        return std::make_unique<Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(), worth);
+    };
     AtEveryLevel([&](CpuLevel) {
         if (!zo::simd::ActiveLutPaths().words3)
             return;
-        const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
-        auto plan = [](const ZoRGBFilter& f) {
-            return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16());
-        };
-        auto open = [](const ZoRGBFilter& f, bool worth) {
-            return std::make_unique<zo::simd::LutForm16Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(),
-                                                              worth);
-        };
-        EXPECT_EQ(plan(*a), nullptr);
-        {
-            const auto outer = open(*a, true);
-            EXPECT_NE(plan(*a), nullptr);
-            {
-                const auto inner = open(*b, true);
-                EXPECT_NE(plan(*b), nullptr);
-                EXPECT_EQ(plan(*a), nullptr);
-            }
-            EXPECT_NE(plan(*a), nullptr);
-            EXPECT_EQ(plan(*b), nullptr);
-            const auto unwanted = open(*a, false);
-            EXPECT_EQ(plan(*a), nullptr);
-        }
-        EXPECT_EQ(plan(*a), nullptr);
+        EXPECT_FALSE(planned(*a));
+        std::unique_ptr<Scope> outer = open(*a, true);
+        EXPECT_TRUE(planned(*a));
+        std::unique_ptr<Scope> inner = open(*b, true);
+        EXPECT_TRUE(planned(*b) && !planned(*a));
+        inner = nullptr;
+        EXPECT_TRUE(planned(*a) && !planned(*b));
+        inner = open(*a, false);
+        EXPECT_FALSE(planned(*a));
+        inner.reset(), outer.reset();
+        EXPECT_FALSE(planned(*a));
     });
 }
 
