@@ -24,11 +24,8 @@ static int failures = 0, frames_compared = 0;
  * must still split on a line pair. */
 enum { ODD_W = 37, EVEN_W = 36, HEIGHT = 21, FRAMES = 2 };
 
-typedef struct {
-  double red, green, blue;      /* 1, 1, 1: no filter */
-} Gains;
-
-static const Gains kGains[] = { { 1.0, 1.0, 1.0 }, { 1.75, 0.8, 1.3 } };
+/* Red, green and blue gains; 1, 1, 1: no filter. */
+static const double kGains[][3] = { { 1.0, 1.0, 1.0 }, { 1.75, 0.8, 1.3 } };
 
 /* Input formats. GStreamer lines are GST_ROUND_UP_4 (width x a) x b bytes
  * apart. The library's source comes from a PFNC name (type and pattern:
@@ -80,7 +77,7 @@ next_random (void)
  * row), as in the library's chained conversions. */
 static guint8 *
 library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, guint source_width, guint width,
-    guint32 flags, const Gains * gains)
+    guint32 flags, const double *gains)
 {
   const ZoPixelConverter *c = ZoPixelTypeFactory_GetConverter (from, to);
   gsize src_line, dst_line, margin = 256;
@@ -95,9 +92,9 @@ library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, gui
   for (y = 0; y <= HEIGHT; y++)
     memcpy (src + y * src_line, frame + (y < HEIGHT ? y : HEIGHT - 2) * stride, src_line);
   dst = g_malloc0 (dst_line * (HEIGHT + 2) + 2 * margin);
-  if (gains->red != 1.0 || gains->green != 1.0 || gains->blue != 1.0) {
+  if (gains[0] != 1.0 || gains[1] != 1.0 || gains[2] != 1.0) {
     filter = ZoRGBFilter_Init (16);
-    ZoRGBFilter_SetMultipliers (filter, gains->red, gains->green, gains->blue, 0, 0, 0);
+    ZoRGBFilter_SetMultipliers (filter, gains[0], gains[1], gains[2], 0, 0, 0);
   }
   r = ZoPixelConverter_ConvertAreaFilter (c, filter, src, source_width, HEIGHT, dst + margin, width, HEIGHT, width,
       HEIGHT, flags, 0);
@@ -114,9 +111,10 @@ library_convert (gint64 from, gint64 to, const guint8 * frame, gsize stride, gui
  * `expected` (lines of `line` bytes). The element passes buffers through
  * when the raw format stays (GRAY8 to GRAY8), and only then. */
 static void
-check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *out, guint height,
-    guint8 ** expected, gsize line, const Gains * gains, guint threads, gboolean interpolate)
+check_appsrc (const char *in, guint8 ** frames, gsize frame_size, guint k, guint8 ** expected, gsize line,
+    const double *gains, guint threads)
 {
+  const char *out = kCases[k].out;
   char description[1024];
   GstElement *pipeline, *src, *sink, *conv;
   GstBus *bus;
@@ -126,7 +124,7 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
 
   g_snprintf (description, sizeof description, "appsrc name=src format=time caps=\"%s\" ! zoimgconvert name=conv threads=%u "
       "interpolate=%s red-gain=%g green-gain=%g blue-gain=%g ! video/x-raw,format=%s ! appsink name=sink sync=false",
-      in, threads, interpolate ? "true" : "false", gains->red, gains->green, gains->blue, out);
+      in, threads, kCases[k].interpolate ? "true" : "false", gains[0], gains[1], gains[2], out);
   pipeline = gst_parse_launch (description, &error);
   CHECK (pipeline != NULL, "cannot build '%s': %s", description, error ? error->message : "?");
   g_clear_error (&error);
@@ -155,8 +153,8 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, const char *ou
       break;
     }
     frames_compared++;
-    CHECK (GST_VIDEO_INFO_HEIGHT (&info) == (gint) height, "%s: height %d", description, GST_VIDEO_INFO_HEIGHT (&info));
-    for (i = 0; i < height; i++)
+    CHECK (GST_VIDEO_INFO_HEIGHT (&info) == HEIGHT, "%s: height %d", description, GST_VIDEO_INFO_HEIGHT (&info));
+    for (i = 0; i < HEIGHT; i++)
       if (memcmp ((const guint8 *) GST_VIDEO_FRAME_PLANE_DATA (&frame, 0) + i * GST_VIDEO_FRAME_PLANE_STRIDE (&frame, 0),
               expected[f] + i * line, line) != 0) {
         CHECK (FALSE, "%s: frame %u, line %u differs", description, f, i);
@@ -223,13 +221,11 @@ check_case (guint k, guint width)
   }
   for (g = 0; g < kCases[k].gains; g++) {
     for (f = 0; f < FRAMES; f++)
-      expected[f] = library_convert (from, kCases[k].to, frames[f], stride, source_width, width, flags, &kGains[g]);
+      expected[f] = library_convert (from, kCases[k].to, frames[f], stride, source_width, width, flags, kGains[g]);
     for (t = 1; t <= kCases[k].threads; t++) {
-      check_appsrc (caps, frames, stride * HEIGHT, kCases[k].out, HEIGHT, expected, line, &kGains[g], t,
-          kCases[k].interpolate);
+      check_appsrc (caps, frames, stride * HEIGHT, k, expected, line, kGains[g], t);
       if (kCases[k].bits == 12)
-        check_appsrc (packed_caps, packed, packed_stride * HEIGHT, kCases[k].out, HEIGHT, expected, line,
-            &kGains[g], t, kCases[k].interpolate);
+        check_appsrc (packed_caps, packed, packed_stride * HEIGHT, k, expected, line, kGains[g], t);
     }
     for (f = 0; f < FRAMES; f++)
       g_free (expected[f]);
@@ -243,31 +239,28 @@ check_case (guint k, guint width)
 /* The output formats the element offers for an input format, as its source
  * pad answers a caps query with the input caps fixed upstream: the formats
  * of every structure, in this list's order, each once. Negotiation offers
- * exactly the registered pairs (and the input's own raw format). */
+ * exactly the registered pairs (and the input's own raw format): every
+ * input the five RGB layouts, then the formats of the second column. */
 static void
 check_negotiation (void)
 {
   static const char *const all[] = { "BGRx", "RGBx", "BGR", "RGB", "RGB16", "GRAY16_LE", "GRAY8", "YUY2" };
-  static const struct {
-    const char *caps, *formats;
-  } cases[] = {
-    { "video/x-bayer,format=bggr", "BGRx RGBx BGR RGB RGB16 " },
-    { "video/x-bayer,format=grbg16le", "BGRx RGBx BGR RGB RGB16 " },
-    { "video/x-bayer,format=rggb12p", "BGRx RGBx BGR RGB RGB16 " },
-    { "video/x-raw,format=YUY2", "BGRx RGBx BGR RGB RGB16 " },
-    { "video/x-raw,format=GRAY8", "BGRx RGBx BGR RGB RGB16 GRAY8 " },
-    { "video/x-raw,format=GRAY16_LE", "BGRx RGBx BGR RGB RGB16 GRAY16_LE GRAY8 " },
+  static const char *const cases[][2] = {
+    { "video/x-bayer,format=bggr", "" }, { "video/x-bayer,format=grbg16le", "" },
+    { "video/x-bayer,format=rggb12p", "" }, { "video/x-raw,format=YUY2", "" },
+    { "video/x-raw,format=GRAY8", "GRAY8 " }, { "video/x-raw,format=GRAY16_LE", "GRAY16_LE GRAY8 " },
   };
   guint c, k;
 
   for (c = 0; c < G_N_ELEMENTS (cases); c++) {
     char description[512];
+    gchar *expected = g_strconcat ("BGRx RGBx BGR RGB RGB16 ", cases[c][1], NULL);
     GString *names = g_string_new ("");
     GstElement *pipeline, *conv;
     GstPad *pad;
     GstCaps *caps;
     g_snprintf (description, sizeof description,
-        "appsrc ! %s,width=8,height=8,framerate=30/1 ! zoimgconvert name=conv ! fakesink", cases[c].caps);
+        "appsrc ! %s,width=8,height=8,framerate=30/1 ! zoimgconvert name=conv ! fakesink", cases[c][0]);
     if ((pipeline = gst_parse_launch (description, NULL)) == NULL) {
       CHECK (FALSE, "cannot build '%s'", description);
       continue;
@@ -281,9 +274,9 @@ check_negotiation (void)
         g_string_append_printf (names, "%s ", all[k]);
       gst_caps_unref (one);
     }
-    CHECK (strcmp (names->str, cases[c].formats) == 0, "%s offers '%s', expected '%s'", cases[c].caps, names->str,
-        cases[c].formats);
+    CHECK (strcmp (names->str, expected) == 0, "%s offers '%s', expected '%s'", cases[c][0], names->str, expected);
     g_string_free (names, TRUE);
+    g_free (expected);
     gst_caps_unref (caps);
     gst_object_unref (pad);
     gst_object_unref (conv);
