@@ -63,8 +63,6 @@ static AnyFn Bind(Library library, const char* name)
     return fn;
 }
 
-enum { kPoison = 0xA5 };
-
 /* The interlaced 8-bit gray deinterlacer: the source holds two fields one
  * after the other; the first goes to the even lines, the second to the odd
  * ones, swapped by ZO_FLAG_INVERT_DEINTERLACER. A 7-pixel window of 9-pixel
@@ -72,7 +70,7 @@ enum { kPoison = 0xA5 };
  * bytes are written (a guard line after the frame stays poisoned too). */
 static void Deinterlace(GetConverterFn getConverter, ConvertAreaFn convertArea)
 {
-    enum { W = 9, H = 6, Width = 7, Padding = 3, Line = W + Padding };
+    enum { W = 9, H = 6, Width = 7, Padding = 3, Line = W + Padding, kPoison = 0xA5 };
     unsigned char source[W * H], actual[Line * (H + 1)], expected[Line * (H + 1)];
     const ConverterHandle deinterlace = getConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
     uint32_t invert, i, x, y;
