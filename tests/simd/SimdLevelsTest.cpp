@@ -38,11 +38,6 @@ constexpr std::uint32_t kHeight = 5;  // odd: a last replicated pair of one line
 constexpr std::size_t kGuard = 4096;  // dual-tap blocks may place pixels outside short lines
 constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
 
-bool IsBayer(std::int64_t id)
-{
-    return ZoPixelTypeFactory::HasPixelType(id) && ZoPixelTypeFactory::GetPixelType(id).IsBayerPattern();
-}
-
 // One area conversion of a width x kHeight frame into a buffer filled with
 // `poison`: guards before and after the frame, room for the planes of a
 // planar destination and for the line an interlaced source adds. The frame
@@ -83,12 +78,14 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
         SCOPED_TRACE(testing::Message() << std::hex << pair.first << " -> " << pair.second);
         const bool interlaced = (pair.first & ZO_PIXEL_INTERLACED) != 0;
+        const bool bayer = ZoPixelTypeFactory::HasPixelType(pair.first) &&
+                           ZoPixelTypeFactory::GetPixelType(pair.first).IsBayerPattern();
         for (std::size_t w = 0; w < std::size(kWidths); ++w) {
             const std::uint32_t width = kWidths[w];
             const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
             // Both field orders, and two of the three filters, in turn.
             const std::uint32_t field = interlaced && w % 2 ? ZO_FLAG_INVERT_DEINTERLACER : 0;
-            for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : plainFlags)
+            for (std::uint32_t flags : bayer ? bayerFlags : plainFlags)
                 for (const ZoRGBFilter* filter : {filters[w % 3], filters[(w + 1) % 3]})
                     for (unsigned char poison : kPoisons) {
                         auto convert = [&](CpuLevel level) {

@@ -274,21 +274,15 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
 // (green left as it is); multiplier tables of the fixed-point kind; and the
 // same with one entry written after SetMultipliers (no form: the lookups).
 const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
-const ZoRGBFilter& Gains()
+const ZoRGBFilter& Gains(unsigned which = 0)
 {
-    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, false, true, {}});
-    return *filter;
+    static const std::unique_ptr<ZoRGBFilter> filters[] = {
+        MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, false, true, {}}), MakeFilter(kMultiplierCases[0]),
+        MakeFilter(kMultiplierCases[8])};
+    return *filters[which];
 }
-const ZoRGBFilter& FixedFormGains()
-{
-    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[0]);
-    return *filter;
-}
-const ZoRGBFilter& EditedGains()
-{
-    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[8]);
-    return *filter;
-}
+const ZoRGBFilter& FixedFormGains() { return Gains(1); }
+const ZoRGBFilter& EditedGains() { return Gains(2); }
 
 // Every registered conversion into RGB24, BGR24, RGB32 or BGR32 (Bayer in
 // both modes), at awkward widths, through random tables or the gains: each
