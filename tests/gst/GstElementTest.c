@@ -59,15 +59,6 @@ static const struct {
   { "video/x-raw,format=GRAY8", NULL, 0x10001, 0, 1, 1, 8, "GRAY8", 0x10001, TRUE, 1, 1 },
 };
 
-/* A deterministic pseudo-random byte stream. */
-static guint32 rng_state = 12345;
-static guint8
-next_random (void)
-{
-  rng_state = rng_state * 1103515245u + 12345u;
-  return (guint8) (rng_state >> 8);
-}
-
 /* The library's conversion of a frame whose lines lie `stride` bytes apart,
  * read as lines of GetSourceByteSize (source_width) bytes, into lines of
  * GetDestinationByteSize (width) bytes. Generous margins around both
@@ -199,7 +190,7 @@ check_case (guint k, guint width)
   for (f = 0; f < FRAMES; f++) {
     frames[f] = g_malloc (stride * HEIGHT);
     for (i = 0; i < stride * HEIGHT; i++)
-      frames[f][i] = next_random () & (kCases[k].bits == 12 && i % 2 ? 0x0F : 0xFF);
+      frames[f][i] = g_random_int () & (kCases[k].bits == 12 && i % 2 ? 0x0F : 0xFF);
     /* The 12p layout: pixel x's 12 bits from bit 12 x of the line on, the
      * lowest bit first. */
     packed[f] = g_malloc0 (packed_stride * HEIGHT);
@@ -278,6 +269,7 @@ main (int argc, char **argv)
 {
   guint k;
   gst_init (&argc, &argv);
+  g_random_set_seed (12345);
   if (gst_element_factory_find ("zoimgconvert") == NULL) {
     fprintf (stderr, "zoimgconvert not found: is the plugin's directory on GST_PLUGIN_PATH?\n");
     return 1;
