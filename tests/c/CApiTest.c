@@ -157,10 +157,10 @@ static void Extension(void)
     CHECK(ZoPixelConverter_GetAreaBufferSizes(packed, 9, 2, 9, 2, 9, 2, 0, 0, &sizes) == ZO_OK);
     CHECK(sizes.sourceBytes == 12 + 15 && sizes.destinationBytes == 18 && sizes.destinationBytesBefore == 1);
     CHECK(ZoPixelConverter_GetAreaBufferSizes(packed, 4, 4, 4, 4, 4, 4, 0, 0, NULL) == ZO_ERR_BAD_ARGUMENT);
-    CHECK(ZoPfnc_FromName("BayerBG12p", &type, &flags) == ZO_OK);
-    CHECK(type == (ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED) && flags == ZO_FLAG_BAYER_BGGR);
-    CHECK(ZoPfnc_FromPixelType(ZO_PT_BAYER_RGGB8, 0, &name, &code) == ZO_OK);
-    CHECK(name != NULL && strcmp(name, "BayerRG8") == 0 && code == 0x01080009);
+    CHECK(ZoPfnc_FromName("BayerBG12p", &type, &flags) == ZO_OK && type == (ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED) &&
+          flags == ZO_FLAG_BAYER_BGGR);
+    CHECK(ZoPfnc_FromPixelType(ZO_PT_BAYER_RGGB8, 0, &name, &code) == ZO_OK && strcmp(name, "BayerRG8") == 0 &&
+          code == 0x01080009);
     CHECK(ZoPfnc_GetEntry(63, &name, &code, &type, &flags) && !ZoPfnc_GetEntry(64, &name, &code, &type, &flags));
 }
 

@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ZoRGBFilter* filter = in.ConsumeBool() ? MakeFilter(in) : nullptr;
     const bool plainForm = !filter && in.ConsumeBool();  // ConvertArea rather than a null filter
 
-    const ZoPixelConverter* converter = pair.converter;
+    const ZoPixelConverter* const converter = pair.converter;
     ZoAreaBufferSizes sizes{};
     if (const std::uint32_t r = ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight,
                                                                      destinationWidth, destinationHeight, width,

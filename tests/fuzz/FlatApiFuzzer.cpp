@@ -107,9 +107,8 @@ void TypeOperation(FuzzedDataProvider& in, Handles& h)
     switch (in.ConsumeIntegralInRange(0, 7)) {
     case 0: {
         const std::int64_t id = AnyId(in);
-        ZoPixelType* created = ZoPixelTypeFactory_CreatePixelType(id);
-        Check((created != nullptr) == ZoPixelTypeFactory_HasPixelType(id));
-        replace(created);
+        replace(ZoPixelTypeFactory_CreatePixelType(id));
+        Check((slot != nullptr) == ZoPixelTypeFactory_HasPixelType(id));
         break;
     }
     case 1:
@@ -122,8 +121,7 @@ void TypeOperation(FuzzedDataProvider& in, Handles& h)
         break;
     case 2: {
         ZoPixelType* copy = ZoPixelType_Clone(other);
-        Check((copy != nullptr) == (other != nullptr));
-        Check(!copy || ZoPixelType_GetTypeID(copy) == ZoPixelType_GetTypeID(other));
+        Check(copy ? other && ZoPixelType_GetTypeID(copy) == ZoPixelType_GetTypeID(other) : !other);
         replace(copy);
         break;
     }

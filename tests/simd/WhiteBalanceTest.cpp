@@ -104,8 +104,7 @@ std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const Zo
 {
     constexpr std::size_t kSlack = 64;
     std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, zotest::kPoison);
-    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
-                           flags, 0),
+    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height, flags, 0),
               ZO_OK);
     return out;
 }
