@@ -13,9 +13,10 @@ static int failures = 0;
 #define CHECK(condition) \
     do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++failures; } } while (0)
 
-/* Names, whether the ID is a type, and buffer sizes (0: no type), from C;
- * every type's name and size: CatalogueTest and PixelTypeTest. */
-static void NamesAndSizes(void)
+/* Names, whether the ID is a type, and buffer sizes (0: no type), from C
+ * (every type's name and size: CatalogueTest and PixelTypeTest); searches by
+ * attributes and clones. */
+static void Types(void)
 {
     static const struct {
         int64_t id;
@@ -28,31 +29,26 @@ static void NamesAndSizes(void)
         {ZO_PT_BAYER_RGB12 | ZO_PIXEL_PACKED, "Bayer RGB 12-bits, Packed", 7, 1, 12},
         {ZO_PT_RGB24, "RGB 24-bits", 3, 1, 12}, /* unpacked 24-bit: 4 bytes a pixel */
     };
+    const int64_t expected[] = {0x00020010, 0x00020013};
+    ZoPixelType* type;
+    ZoPixelType* copy;
     size_t i;
     for (i = 0; i < sizeof kTypes / sizeof kTypes[0]; ++i) {
         const char* name = ZoPixelTypeFactory_GetPixelTypeName(kTypes[i].id);
-        ZoPixelType* type = ZoPixelTypeFactory_CreatePixelType(kTypes[i].id);
+        type = ZoPixelTypeFactory_CreatePixelType(kTypes[i].id);
         const int registered = strcmp(kTypes[i].name, "Unregistered pixel type") != 0;
         CHECK(name != NULL && strcmp(name, kTypes[i].name) == 0);
         CHECK(ZoPixelTypeFactory_HasPixelType(kTypes[i].id) == registered && (type != NULL) == registered);
         CHECK(kTypes[i].bytes == 0 || ZoPixelType_GetBufferSizeFor(type, kTypes[i].width, kTypes[i].height) == kTypes[i].bytes);
         ZoPixelType_Destroy(type);
     }
-}
-
-static void AttributeSearch(void)
-{
-    /* 8-bit Bayer (any non-zero integer is true): the current type, then
-     * its deprecated alias, then nothing. */
-    const int64_t expected[] = {0x00020010, 0x00020013};
-    uint32_t index;
-    ZoPixelType* type;
-    ZoPixelType* copy;
-    for (index = 0; index < 3; ++index) {
-        type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_RGB, 0, 0, 0, 0, 0, -7, index);
-        CHECK(index == 2 ? type == NULL
-                         : ZoPixelType_GetTypeID(type) == expected[index] && ZoPixelType_IsBayerPattern(type) &&
-                               ZoPixelType_GetPixelBitSize(type) == 8 && ZoPixelType_GetPixelByteSize(type) == 1);
+    /* Search by attributes, 8-bit Bayer (any non-zero integer is true): the
+     * current type, then its deprecated alias, then nothing. */
+    for (i = 0; i < 3; ++i) {
+        type = ZoPixelTypeFactory_CreatePixelType2(8, ZO_PIXEL_COLORSPACE_RGB, 0, 0, 0, 0, 0, -7, (uint32_t)i);
+        CHECK(i == 2 ? type == NULL
+                     : ZoPixelType_GetTypeID(type) == expected[i] && ZoPixelType_IsBayerPattern(type) &&
+                           ZoPixelType_GetPixelBitSize(type) == 8 && ZoPixelType_GetPixelByteSize(type) == 1);
         ZoPixelType_Destroy(type);
     }
     /* Packed given as 2, interlaced as 0x100. */
@@ -166,8 +162,7 @@ static void Extension(void)
 
 int main(void)
 {
-    NamesAndSizes();
-    AttributeSearch();
+    Types();
     NullHandles();
     Conversions();
     Extension();

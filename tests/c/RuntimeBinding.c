@@ -99,21 +99,17 @@ static void LoadConvertUnload(const char* path)
         ++gFailures;
         return;
     }
-    {
-        GetConverterFn getConverter = (GetConverterFn)Bind(library, "ZoPixelTypeFactory_GetConverter");
-        ConvertAreaFn convertArea = (ConvertAreaFn)Bind(library, "ZoPixelConverter_ConvertArea");
-        GetNameFn typeName = (GetNameFn)Bind(library, "ZoPixelTypeFactory_GetPixelTypeName");
-        GetTypeIdFn typeId = (GetTypeIdFn)Bind(library, "ZoPixelType_GetTypeID");
-
-        if (gFailures)
-            return;
-        /* 64-bit arguments and results cross the boundary intact. */
-        CHECK(typeId(NULL) == ZO_NO_PIXEL_TYPE_ID);
-        CHECK(strcmp(typeName(0x7777), "Unregistered pixel type") == 0);
-        CHECK(getConverter(ZO_PT_GRAY8, 0x7777) == NULL);
-        CHECK(convertArea(NULL, NULL, 1, 1, NULL, 1, 1, 1, 1, 0, 0) == ZO_ERR_BAD_ARGUMENT);
-        Deinterlace(getConverter, convertArea);
-    }
+    GetConverterFn getConverter = (GetConverterFn)Bind(library, "ZoPixelTypeFactory_GetConverter");
+    ConvertAreaFn convertArea = (ConvertAreaFn)Bind(library, "ZoPixelConverter_ConvertArea");
+    GetNameFn typeName = (GetNameFn)Bind(library, "ZoPixelTypeFactory_GetPixelTypeName");
+    GetTypeIdFn typeId = (GetTypeIdFn)Bind(library, "ZoPixelType_GetTypeID");
+    if (gFailures)
+        return;
+    /* 64-bit arguments and results cross the boundary intact. */
+    CHECK(typeId(NULL) == ZO_NO_PIXEL_TYPE_ID && strcmp(typeName(0x7777), "Unregistered pixel type") == 0);
+    CHECK(getConverter(ZO_PT_GRAY8, 0x7777) == NULL &&
+          convertArea(NULL, NULL, 1, 1, NULL, 1, 1, 1, 1, 0, 0) == ZO_ERR_BAD_ARGUMENT);
+    Deinterlace(getConverter, convertArea);
 
     /* Unloading runs the library's teardown; the module is then gone, so the
      * next load runs the start-up again. */
