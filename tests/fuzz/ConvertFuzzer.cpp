@@ -29,8 +29,7 @@ namespace {
 
 ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
 {
-    const std::uint32_t bitSizes[] = {8, 10, 12, 16};
-    ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray(bitSizes));
+    ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray<std::uint32_t>({8, 10, 12, 16}));
     if (!filter)
         std::abort();
     const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0);
@@ -46,13 +45,11 @@ ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
         const std::uint32_t index = in.ConsumeIntegralInRange<std::uint32_t>(0, 2 * entries);
         const std::uint16_t value = in.ConsumeIntegral<std::uint16_t>();
         const std::uint32_t expected = index < entries && value < entries ? ZO_OK : ZO_ERR_BAD_ARGUMENT;
-        std::uint32_t result = 0;
-        switch (in.ConsumeIntegralInRange(0, 2)) {
-        case 0: result = ZoRGBFilter_SetRedValue(filter, index, value); break;
-        case 1: result = ZoRGBFilter_SetGreenValue(filter, index, value); break;
-        default: result = ZoRGBFilter_SetBlueValue(filter, index, value); break;
-        }
-        if (result != expected)
+        const int channel = in.ConsumeIntegralInRange(0, 2);
+        const auto set = channel == 0 ? ZoRGBFilter_SetRedValue
+                         : channel == 1 ? ZoRGBFilter_SetGreenValue
+                                        : ZoRGBFilter_SetBlueValue;
+        if (set(filter, index, value) != expected)
             std::abort();
     }
     return filter;

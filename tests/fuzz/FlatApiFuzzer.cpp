@@ -235,8 +235,7 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
     }
     case 4: {
         const std::uint32_t index = AnyCount(in);
-        const std::uint8_t red = ZoRGBFilter_GetRedValue8(slot, index);
-        Check(red == ZoRGBFilter_GetRedValue8(slot, index & 0xFF));
+        Check(ZoRGBFilter_GetRedValue8(slot, index) == ZoRGBFilter_GetRedValue8(slot, index & 0xFF));
         ZoRGBFilter_GetGreenValue8(slot, index);
         ZoRGBFilter_GetBlueValue8(slot, index);
         break;

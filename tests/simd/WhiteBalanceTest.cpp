@@ -10,6 +10,7 @@
 // slack included.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -66,10 +67,9 @@ std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
 // Every instruction set's paths this host runs.
 std::vector<const zo::simd::LutPaths*> HostLutPaths()
 {
-    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
-    for (const zo::simd::LutPaths* p : {zo::simd::Sse2LutPaths(), zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()})
-        if (p)
-            paths.push_back(p);
+    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths(), zo::simd::Sse2LutPaths(),
+                                                 zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()};
+    paths.erase(std::remove(paths.begin(), paths.end(), nullptr), paths.end());
     return paths;
 }
 
@@ -145,9 +145,7 @@ std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
 {
     auto f = std::make_unique<ZoRGBFilter>(c.bits);
     EXPECT_EQ(f->SetMultipliers(c.red, c.green, c.blue, c.redOffset, 0, c.blueOffset), ZO_OK);
-    if (c.edit) {
-        EXPECT_EQ(f->SetBlueValue(100, 3), ZO_OK);
-    }
+    EXPECT_TRUE(!c.edit || f->SetBlueValue(100, 3) == ZO_OK);
     return f;
 }
 
