@@ -104,22 +104,20 @@ static void Conversions(void)
     CHECK(ZoPixelConverter_GetSourceByteSize(identity, 7) == 7 && ZoPixelConverter_GetDestinationByteSize(identity, 7) == 7);
 
     memset(out, 0xEE, sizeof out);
-    CHECK(ZoPixelConverter_ConvertLine(identity, line, out, 7) == ZO_OK);
-    CHECK(memcmp(out, line, 7) == 0 && out[7] == 0xEE && out[8] == 0xEE);
+    CHECK(ZoPixelConverter_ConvertLine(identity, line, out, 7) == ZO_OK && memcmp(out, line, 7) == 0 && out[7] == 0xEE &&
+          out[8] == 0xEE);
 
     /* A whole area through a filter that doubles red: the identity copy
      * ignores the filter. */
-    {
-        ZoRGBFilter* filter = ZoRGBFilter_Init(8);
-        unsigned char frame[6] = {10, 20, 30, 40, 50, 60}, copy[8];
-        memset(copy, 0xEE, sizeof copy);
-        CHECK(filter != NULL && ZoRGBFilter_GetEntryCount(filter) == 256);
-        CHECK(ZoRGBFilter_SetMultipliers(filter, 2.0, 1.0, 1.0, 0, 0, 0) == ZO_OK);
-        CHECK(ZoRGBFilter_GetRedValue8(filter, 100) == 200 && ZoRGBFilter_GetRedValue8(filter, 200) == 255);
-        CHECK(ZoPixelConverter_ConvertAreaFilter(identity, filter, frame, 3, 2, copy, 3, 2, 3, 2, 0, 0) == ZO_OK);
-        CHECK(memcmp(copy, frame, 6) == 0 && copy[6] == 0xEE);
-        ZoRGBFilter_Destroy(filter);
-    }
+    ZoRGBFilter* filter = ZoRGBFilter_Init(8);
+    unsigned char frame[6] = {10, 20, 30, 40, 50, 60}, copy[8];
+    memset(copy, 0xEE, sizeof copy);
+    CHECK(filter != NULL && ZoRGBFilter_GetEntryCount(filter) == 256 &&
+          ZoRGBFilter_SetMultipliers(filter, 2.0, 1.0, 1.0, 0, 0, 0) == ZO_OK);
+    CHECK(ZoRGBFilter_GetRedValue8(filter, 100) == 200 && ZoRGBFilter_GetRedValue8(filter, 200) == 255);
+    CHECK(ZoPixelConverter_ConvertAreaFilter(identity, filter, frame, 3, 2, copy, 3, 2, 3, 2, 0, 0) == ZO_OK &&
+          memcmp(copy, frame, 6) == 0 && copy[6] == 0xEE);
+    ZoRGBFilter_Destroy(filter);
 
     /* Every destination enumerated from 8-bit gray is served. */
     for (n = 0; ZoPixelTypeFactory_EnumConverterFrom(n, ZO_PT_GRAY8, &destination); ++n)
@@ -127,13 +125,10 @@ static void Conversions(void)
     CHECK(n >= 1);
     CHECK(ZoPixelTypeFactory_EnumConverterTo(0, ZO_PT_GRAY8, &destination) && ZoPixelTypeFactory_HasConverter(destination, ZO_PT_GRAY8));
     /* Nothing converts 8-bit gray to 48-bit RGB: false and null, not an identity. */
-    {
-        ZoPixelType* rgb48 = ZoPixelTypeFactory_CreatePixelType(ZO_PT_RGB48);
-        CHECK(!ZoPixelType_HasConverterTo(gray, rgb48) && !ZoPixelType_HasConverterFrom(rgb48, gray));
-        CHECK(ZoPixelType_GetConverterTo(gray, rgb48) == NULL && ZoPixelType_GetConverterFrom(rgb48, gray) == NULL);
-        ZoPixelType_Destroy(rgb48);
-    }
-
+    ZoPixelType* rgb48 = ZoPixelTypeFactory_CreatePixelType(ZO_PT_RGB48);
+    CHECK(!ZoPixelType_HasConverterTo(gray, rgb48) && !ZoPixelType_HasConverterFrom(rgb48, gray));
+    CHECK(ZoPixelType_GetConverterTo(gray, rgb48) == NULL && ZoPixelType_GetConverterFrom(rgb48, gray) == NULL);
+    ZoPixelType_Destroy(rgb48);
     ZoPixelType_Destroy(gray);
 }
 

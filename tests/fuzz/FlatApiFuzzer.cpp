@@ -246,8 +246,8 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
         const std::uint16_t red = ZoRGBFilter_GetRedValue16(slot, index);
         ZoRGBFilter_GetGreenValue16(slot, index);
         ZoRGBFilter_GetBlueValue16(slot, index);
-        if (index < 256)  // the 8-bit entry is the 16-bit one clamped
-            Check(ZoRGBFilter_GetRedValue8(slot, index) == std::min<std::uint16_t>(red, 255));
+        // The 8-bit entry is the 16-bit one clamped.
+        Check(index >= 256 || ZoRGBFilter_GetRedValue8(slot, index) == std::min<std::uint16_t>(red, 255));
         break;
     }
     }
@@ -274,8 +274,7 @@ void ExtensionOperation(FuzzedDataProvider& in)
         const std::uint32_t r =
             ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, f, padding, out ? &sizes : nullptr);
         Check(r == ZO_ERR_BAD_ARGUMENT || (r == ZO_OK && c && out));
-        if (r != ZO_OK)
-            Check(sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3);
+        Check(r == ZO_OK || (sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3));
         break;
     }
     case 2: {
@@ -292,10 +291,9 @@ void ExtensionOperation(FuzzedDataProvider& in)
         const std::uint32_t r = ZoPfnc_FromPixelType(AnyId(in), AnyCount(in), in.ConsumeBool() ? &name : nullptr,
                                                      in.ConsumeBool() ? &code : nullptr);
         CheckKnownResult(r);
-        if (r == ZO_OK && name)
-            Check(std::strlen(name) < 256);
-        if (ZoPfnc_GetEntry(AnyCount(in) % 4096, in.ConsumeBool() ? &name : nullptr, &code, &id, &flags) && name)
-            Check(std::strlen(name) < 256);
+        Check(r != ZO_OK || !name || std::strlen(name) < 256);
+        Check(!ZoPfnc_GetEntry(AnyCount(in) % 4096, in.ConsumeBool() ? &name : nullptr, &code, &id, &flags) || !name ||
+              std::strlen(name) < 256);
         break;
     }
     }

@@ -269,10 +269,8 @@ main (int argc, char **argv)
     fprintf (stderr, "zoimgconvert not found: is the plugin's directory on GST_PLUGIN_PATH?\n");
     return 1;
   }
-  for (k = 0; k < G_N_ELEMENTS (kCases); k++) {
-    check_case (k, ODD_W);
-    check_case (k, EVEN_W);
-  }
+  for (k = 0; k < 2 * G_N_ELEMENTS (kCases); k++)
+    check_case (k / 2, k % 2 ? EVEN_W : ODD_W);
   if (failures > 0) {
     fprintf (stderr, "%d failure(s)\n", failures);
     return 1;
