@@ -128,11 +128,9 @@ static void LoadConvertUnload(const char* path)
 int main(int argc, char** argv)
 {
     const char* path = argc > 1 ? argv[1] : "ZoImgLib64.dll";
-    int load;
-
     /* Several loads in one process: every start-up must register everything
      * again and every teardown must leave nothing behind that breaks it. */
-    for (load = 0; load < 3 && gFailures == 0; ++load)
+    for (int load = 0; load < 3 && gFailures == 0; ++load)
         LoadConvertUnload(path);
     if (gFailures) {
         fprintf(stderr, "%d check(s) failed\n", gFailures);

@@ -32,9 +32,8 @@ ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
     ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray<std::uint32_t>({8, 10, 12, 16}));
     if (!filter)
         std::abort();
-    const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0);
-    const double green = in.ConsumeFloatingPointInRange(0.0, 4.0);
-    const double blue = in.ConsumeFloatingPointInRange(0.0, 4.0);
+    const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0), green = in.ConsumeFloatingPointInRange(0.0, 4.0),
+                 blue = in.ConsumeFloatingPointInRange(0.0, 4.0);
     const std::uint32_t r = ZoRGBFilter_SetMultipliers(filter, red, green, blue, in.ConsumeIntegral<std::uint16_t>(),
                                                        in.ConsumeIntegral<std::uint16_t>(),
                                                        in.ConsumeIntegral<std::uint16_t>());

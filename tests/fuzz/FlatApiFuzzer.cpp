@@ -92,10 +92,8 @@ struct Handles {
     ZoRGBFilter* filters[kSlots] = {};
     ~Handles()
     {
-        for (ZoPixelType* t : types)
-            ZoPixelType_Destroy(t);
-        for (ZoRGBFilter* f : filters)
-            ZoRGBFilter_Destroy(f);
+        for (int i = 0; i < kSlots; ++i)
+            ZoPixelType_Destroy(types[i]), ZoRGBFilter_Destroy(filters[i]);
     }
 };
 

@@ -105,7 +105,6 @@ static void
 check_appsrc (const char *in, guint8 ** frames, gsize frame_size, guint k, guint8 ** expected, gsize line,
     const double *gains, guint threads)
 {
-  const char *out = kCases[k].out;
   char description[1024];
   GstElement *pipeline, *src, *sink, *conv;
   GError *error = NULL;
@@ -113,7 +112,7 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, guint k, guint
 
   g_snprintf (description, sizeof description, "appsrc name=src format=time caps=\"%s\" ! zoimgconvert name=conv threads=%u "
       "interpolate=%s red-gain=%g green-gain=%g blue-gain=%g ! video/x-raw,format=%s ! appsink name=sink sync=false",
-      in, threads, kCases[k].interpolate ? "true" : "false", gains[0], gains[1], gains[2], out);
+      in, threads, kCases[k].interpolate ? "true" : "false", gains[0], gains[1], gains[2], kCases[k].out);
   pipeline = gst_parse_launch (description, &error);
   CHECK (pipeline != NULL, "cannot build '%s': %s", description, error ? error->message : "?");
   g_clear_error (&error);
@@ -156,7 +155,7 @@ check_appsrc (const char *in, guint8 ** frames, gsize frame_size, guint k, guint
   CHECK (gst_app_sink_try_pull_sample (GST_APP_SINK (sink), 20 * GST_SECOND) == NULL
       && gst_app_sink_is_eos (GST_APP_SINK (sink)), "%s: no end of stream after %d frames", description, FRAMES);
   CHECK (gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)) == g_str_has_prefix (in, "video/x-raw,format="
-          "GRAY8,") * g_str_equal (out, "GRAY8"), "%s: passthrough %d", description,
+          "GRAY8,") * g_str_equal (kCases[k].out, "GRAY8"), "%s: passthrough %d", description,
       gst_base_transform_is_passthrough (GST_BASE_TRANSFORM (conv)));
   gst_object_unref (conv);
   gst_object_unref (sink);

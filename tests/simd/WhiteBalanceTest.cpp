@@ -157,8 +157,7 @@ TEST(LutPasses, MultiplierTablePlansMatchLookups)
 {
     std::mt19937 rng(21);
     for (const MultiplierCase& c : kMultiplierCases) {
-        SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
-                                        << (c.edit ? ", edited" : ""));
+        SCOPED_TRACE(testing::Message() << "multiplier case " << &c - kMultiplierCases);
         const auto filter = MakeFilter(c);
         for (unsigned redIndex : {0u, 2u})
             for (unsigned pixelBytes : {3u, 4u}) {
@@ -342,10 +341,9 @@ TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
     std::mt19937 rng(31);
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
     std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
-    const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]);
-    const std::unique_ptr<const ZoRGBFilter> corrected = MakeFilter(kMultiplierCases[9]);
-    for (const ZoRGBFilter* filter :
-         {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
+    const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]),
+                                             corrected = MakeFilter(kMultiplierCases[9]);
+    for (const ZoRGBFilter* filter : {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
         for (std::uint32_t flags : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE}) {
             const std::vector<std::uint8_t> expected =
                 AtScalarLevel([&] { return ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags); });
