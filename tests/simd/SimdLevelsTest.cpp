@@ -8,6 +8,7 @@
 // family's choice of paths under the ceiling.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <iostream>
 #include <random>
@@ -37,23 +38,24 @@ constexpr std::uint32_t kHeight = 5;  // odd: a last replicated pair of one line
 constexpr std::size_t kGuard = 4096;  // dual-tap blocks may place pixels outside short lines
 constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
 
-// One area conversion of a width x kHeight frame into a buffer filled with
+// One area conversion of a width x height frame into a buffer filled with
 // `poison`: guards before and after the frame, room for the planes of a
 // planar destination and for the line an interlaced source adds. The frame
 // starts `lineOffset` bytes past a 64-byte boundary if that is not negative.
 Bytes Convert(const ZoPixelConverter& c, const Bytes& source, std::uint32_t width, std::uint32_t flags,
-              const ZoRGBFilter* filter, unsigned char poison, int lineOffset = -1)
+              const ZoRGBFilter* filter, unsigned char poison, int lineOffset = -1, std::uint32_t height = kHeight)
 {
     const std::uint32_t padding = width % 4;
-    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (kHeight + 1) + 3 * width * kHeight +
+    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (height + 1) + 3 * width * height +
                 2 * kGuard + 128, poison);
     unsigned char* frame = d.data() + kGuard;
     if (lineOffset >= 0)
         frame += (64 - reinterpret_cast<std::uintptr_t>(frame) % 64) % 64 + lineOffset;
-    // A null filter: the converter's default, as the filterless form converts.
-    ZoPixelConverter_ConvertAreaFilter(&c, filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight,
-                                       flags, padding);
-    return Bytes(frame - kGuard, frame - kGuard + d.size() - 128);
+    if (filter)
+        c.Convert(*filter, source.data(), width, height, frame, width, height, width, height, flags, padding);
+    else
+        c.Convert(source.data(), width, height, frame, width, height, width, height, flags, padding);
+    return lineOffset < 0 ? d : Bytes(frame - kGuard, frame - kGuard + d.size() - 128);
 }
 
 TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
@@ -84,20 +86,23 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
             // Both field orders, and two of the three filters, in turn.
             const std::uint32_t field = interlaced && w % 2 ? ZO_FLAG_INVERT_DEINTERLACER : 0;
             for (std::uint32_t flags : bayer ? bayerFlags : plainFlags)
-                for (const ZoRGBFilter* filter : {filters[w % 3], filters[(w + 1) % 3]})
-                    for (unsigned char poison : kPoisons) {
-                        auto convert = [&](CpuLevel level) {
-                            const zotest::CpuCeilingScope ceiling(level);
-                            return Convert(c, source, width, flags | field, filter, poison);
-                        };
-                        const Bytes scalar = convert(CpuLevel::kScalar);
-                        for (CpuLevel level : vectorLevels)
-                            ASSERT_TRUE(zotest::SameBytes(convert(level), scalar))
+                for (const ZoRGBFilter* filter : {filters[w % 3], filters[(w + 1) % 3]}) {
+                    auto convert = [&](CpuLevel level) {
+                        const zotest::CpuCeilingScope ceiling(level);
+                        return std::array<Bytes, 2>{Convert(c, source, width, flags | field, filter, kPoisons[0]),
+                                                    Convert(c, source, width, flags | field, filter, kPoisons[1])};
+                    };
+                    const std::array<Bytes, 2> scalar = convert(CpuLevel::kScalar);
+                    for (CpuLevel level : vectorLevels) {
+                        const std::array<Bytes, 2> actual = convert(level);
+                        for (int p = 0; p < 2; ++p)
+                            ASSERT_TRUE(zotest::SameBytes(actual[p], scalar[p]))
                                 << zo::simd::CpuLevelName(level) << ", width " << std::dec << width << ", flags "
                                 << std::hex << (flags | field)
                                 << (!filter ? "" : filter == &gains8 ? ", 8-bit gains" : ", 16-bit gains")
-                                << ", poison " << int(poison);
+                                << ", poison " << int(kPoisons[p]);
                     }
+                }
         }
     }
 }
@@ -123,18 +128,17 @@ TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
         ++checked;
         for (std::uint32_t width : {256u, 257u, 333u, 1023u}) {  // padded lines: width % 4 bytes
             const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
-            for (int offset : {0, 1, 7}) {
-                const auto convert = [&](CpuLevel level) {
-                    const zotest::CpuCeilingScope ceiling(level);
-                    return Convert(c, source, width, 0, nullptr, zotest::kPoison, offset);
-                };
-                const Bytes expected = convert(CpuLevel::kScalar);
-                const StreamEverything streaming;
+            const auto convert = [&](CpuLevel level, int offset) {
+                const zotest::CpuCeilingScope ceiling(level);
+                return Convert(c, source, width, 0, nullptr, zotest::kPoison, offset, 3);
+            };
+            const Bytes expected = convert(CpuLevel::kScalar, 0);  // ordinary stores: the same at every offset
+            const StreamEverything streaming;
+            for (int offset : {0, 1, 7})
                 for (CpuLevel level : zotest::HostCpuLevels())
-                    ASSERT_TRUE(zotest::SameBytes(convert(level), expected))
+                    ASSERT_TRUE(zotest::SameBytes(convert(level, offset), expected))
                         << std::hex << pair.first << " -> " << pair.second << std::dec << " width " << width
                         << " offset " << offset << " level " << zo::simd::CpuLevelName(level);
-            }
         }
     }
     EXPECT_GT(checked, 20);
