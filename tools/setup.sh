@@ -10,10 +10,11 @@ packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev libpng-dev)
 packages+=(clang libclang-rt-14-dev)
 # The zoimglib Python package, its tests and the README example.
 packages+=(python3 python3-numpy python3-pytest python3-pil)
-# GStreamer element (gst/) and its tests: headers, gst-launch/gst-inspect and the
-# stock elements the test pipelines use (videotestsrc, rgb2bayer, appsrc, ...).
+# GStreamer element (gst/) and its tests: headers, gst-launch/gst-inspect, the
+# stock elements the test pipelines use (appsrc, appsink, videotestsrc) and the
+# display elements of the README's pipeline (videoconvert, autovideosink).
 packages+=(libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-tools
-           gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad)
+           gstreamer1.0-plugins-base gstreamer1.0-plugins-good)
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
 
