@@ -1,13 +1,27 @@
 // AVX2 inside of an interpolating line (this file alone is compiled for
 // AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the SSE2
-// block of BayerSse2.cpp on 32 pixels.
+// block of BayerSse2.cpp on 32 pixels. Filtered lines whose 8-bit tables
+// have an arithmetic form take the same block with each channel evaluated
+// through its form (simd/LutArith.h) on the 16-bit lanes just before they
+// are packed: the bytes a table pass over the identity line would give,
+// without the second pass over the line.
 #include "bayer/BayerPaths.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
 
+#include "simd/LutArith.h"
+#include "simd/LutV256.h"
+
 namespace zo {
 namespace {
+
+using Arith = simd::LutArith<simd::V256>;
+
+// The forms of red, green and blue, each broadcast to every lane.
+struct ChannelForms {
+    Arith::Params red, green, blue;
+};
 
 inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 {
@@ -43,9 +57,12 @@ inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m
 
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 
-template <unsigned Bytes, bool BlueFirst>
+// Mode: -1 the identity, else the form's mode (Arith::EvalFixed; `forms`
+// read only then); Green false: green's table is the identity (as white
+// balance usually leaves it) and is not evaluated.
+template <unsigned Bytes, bool BlueFirst, int Mode = -1, bool Green = true>
 std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
-                     std::uint32_t from, std::uint32_t to, int phase)
+                     std::uint32_t from, std::uint32_t to, int phase, const ChannelForms* forms = nullptr)
 {
     const __m256i zero = _mm256_setzero_si256();
     // 4-byte pixels to 3-byte pixels within each 128-bit lane (12 bytes).
@@ -71,6 +88,16 @@ std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdi
              _mm256_unpackhi_epi8(c0, zero), _mm256_unpackhi_epi8(c1, zero), _mm256_unpackhi_epi8(c2, zero),
              _mm256_unpackhi_epi8(b0, zero), _mm256_unpackhi_epi8(b1, zero), _mm256_unpackhi_epi8(b2, zero), phase,
              rh, gh, bh);
+        if constexpr (Mode >= 0) {
+            rl = Arith::EvalFixed<Mode>(rl, forms->red);
+            rh = Arith::EvalFixed<Mode>(rh, forms->red);
+            if constexpr (Green) {
+                gl = Arith::EvalFixed<Mode>(gl, forms->green);
+                gh = Arith::EvalFixed<Mode>(gh, forms->green);
+            }
+            bl = Arith::EvalFixed<Mode>(bl, forms->blue);
+            bh = Arith::EvalFixed<Mode>(bh, forms->blue);
+        }
         const __m256i red = _mm256_packus_epi16(rl, rh);
         const __m256i green = _mm256_packus_epi16(gl, gh);
         const __m256i blue = _mm256_packus_epi16(bl, bh);
@@ -115,9 +142,39 @@ std::uint32_t BayerBytesAvx2(unsigned bytes, bool blueFirst, const unsigned char
     return BayerBytesSse2(bytes, blueFirst, line, above, below, dst, from, to, phase);
 }
 
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: blue first for BGR.
+    const ChannelForms forms = {Arith::Channel(plan, BlueFirst ? 2 : 0), Arith::Channel(plan, 1),
+                                Arith::Channel(plan, BlueFirst ? 0 : 2)};
+    std::uint32_t x = from;
+    Arith::WithMode(plan, [&](auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        x = plan.identity[1] ? Blocks<Bytes, BlueFirst, kMode, false>(line, above, below, dst, from, to, phase, &forms)
+                             : Blocks<Bytes, BlueFirst, kMode, true>(line, above, below, dst, from, to, phase, &forms);
+    });
+    return x;
+}
+
+// 32 pixels a step through the forms; the caller's pair loop (the tables'
+// lookups) finishes the line.
+std::uint32_t BayerBytesFormedAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, const simd::LutFormPlan8& plan)
+{
+    if (bytes == 4)
+        return blueFirst ? FormedBlocks<4, true>(line, above, below, dst, from, to, phase, plan)
+                         : FormedBlocks<4, false>(line, above, below, dst, from, to, phase, plan);
+    return blueFirst ? FormedBlocks<3, true>(line, above, below, dst, from, to, phase, plan)
+                     : FormedBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
+}
+
 }  // namespace
 
-const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2};
+const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2,
+                                    BayerBytesFormedAvx2};
 
 }  // namespace zo
 #endif

@@ -69,6 +69,35 @@ bool WithTablePass(const ZoRGBFilter& filter, Run run)
     }
 }
 
+// Runs run(out) with the formed output (Formed8) for an interpolated line
+// of 8-bit samples through `filter` and returns true; false (nothing run)
+// for the identity filter, a layout without a pass, a level without the
+// formed vector path, or tables without an arithmetic form (checked as the
+// table pass checks them: simd::FormPlan8's per-thread cache, compared with
+// the tables on every line).
+template <class Writer, class Run>
+bool WithFormedLine(const ZoRGBFilter& filter, Run run)
+{
+    using L = TablePassLayout<Writer>;
+    if constexpr (L::kUses) {
+        if (filter.IsIdentity8() || !BayerActivePaths().bytesFormed)
+            return false;
+        const std::uint8_t* const red = filter.RedTable8();
+        const std::uint8_t* const green = filter.GreenTable8();
+        const std::uint8_t* const blue = filter.BlueTable8();
+        const simd::LutFormPlan8* plan =
+            simd::FormPlan8(simd::LutTablesInByteOrder(red, green, blue, L::kRedIndex), L::kPixelBytes);
+        if (!plan)
+            return false;
+        run(Formed8<Writer>{{red, green, blue, 0}, plan});
+        return true;
+    } else {
+        (void)filter;
+        (void)run;
+        return false;
+    }
+}
+
 // Replicating: the first line of the pair is converted through the identity
 // output, given to pass(line, count), and then copied to the second (as
 // ReplicateCall does).

@@ -22,6 +22,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "simd/Lut.h"
 #include "simd/LutForm.h"
@@ -170,16 +171,35 @@ struct LutArith {
             BytesTail<Mode>(line + i, bytes - i, plan, phase);
     }
 
-    static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    // Calls run(std::integral_constant<int, Mode>) with the EvalFixed mode
+    // of an 8-bit plan.
+    template <class Run>
+    static void WithMode(const LutFormPlan8& plan, Run run)
     {
         if (plan.saturating)
-            plan.corrected ? BytesLine<5>(line, bytes, plan) : BytesLine<4>(line, bytes, plan);
+            plan.corrected ? run(std::integral_constant<int, 5>{}) : run(std::integral_constant<int, 4>{});
         else if (plan.corrected)
-            BytesLine<3>(line, bytes, plan);
+            run(std::integral_constant<int, 3>{});
         else if (plan.general)
-            BytesLine<1>(line, bytes, plan);
+            run(std::integral_constant<int, 1>{});
         else
-            BytesLine<0>(line, bytes, plan);
+            run(std::integral_constant<int, 0>{});
+    }
+
+    static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    {
+        WithMode(plan, [&](auto mode) { BytesLine<decltype(mode)::value>(line, bytes, plan); });
+    }
+
+    // The parameters of the channel at byte `position` (0-2) of a pixel in
+    // every lane, for kernels that hold each channel in its own register
+    // (lane j of the plan's first half is byte j of a pixel-aligned register).
+    static Params Channel(const LutFormPlan8& plan, unsigned position)
+    {
+        Params r;
+        for (unsigned q = 0; q < kLutParamCount; ++q)
+            r.p[q] = V::Set1(plan.lanes[0][0][q][position]);
+        return r;
     }
 
     static void Form3(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan)
