@@ -1,0 +1,87 @@
+// Bayer 8-bit interpolation with white balance where the tables have an
+// arithmetic form: the vector kernels evaluate the form before they store.
+// One filter per evaluation mode of the form, each with green changed too
+// (and one with green left alone), into every 24- and 32-bit layout: every
+// level gives the scalar level's bytes (the scalar kernels look the channels
+// up one by one).
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "ZoImgLib.h"
+#include "simd/Cpu.h"
+#include "simd/Lut.h"
+#include "simd/LutForm.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
+
+namespace {
+
+using zo::simd::CpuLevel;
+
+enum class Mode { kFast, kGeneral, kCorrected, kFastSaturating, kCorrectedSaturating };
+
+Mode ModeOf(const zo::simd::LutFormPlan8& plan)
+{
+    if (plan.saturating)
+        return plan.corrected ? Mode::kCorrectedSaturating : Mode::kFastSaturating;
+    return plan.corrected ? Mode::kCorrected : plan.general ? Mode::kGeneral : Mode::kFast;
+}
+
+struct Gains {
+    double red, green, blue;
+    std::uint16_t redOffset, greenOffset, blueOffset;
+    Mode mode;
+};
+
+const Gains kGains[] = {
+    {0.9, 0.8, 0.6, 0, 0, 0, Mode::kFast},                  // every table ends below 255
+    {HUGE_VAL, 1.0, 1.2, 9, 0, 0, Mode::kGeneral},         // red: entry 0, then 255
+    {1.4, 0.9, 1.2, 0, 0, 0, Mode::kCorrected},             // 1.4 * 5 is lifted to 7; green ends below 255
+    {1.8, 1.2, 1.6, 0, 0, 0, Mode::kFastSaturating},
+    {1.8, 1.4, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.8, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},  // green the identity, skipped
+};
+
+TEST(FusedWhiteBalance, Bayer8InterpolationMatchesTheScalarLevelInEveryMode)
+{
+    constexpr std::uint32_t kWidth = 203, kHeight = 4;
+    std::mt19937 rng(41);
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    for (const Gains& g : kGains) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, g.greenOffset, g.blueOffset), ZO_OK);
+        const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(
+            zo::simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), 0), 3);
+        ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+        EXPECT_EQ(ModeOf(*plan), g.mode) << g.red << " " << g.green << " " << g.blue;
+        for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32}) {
+            const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, destination);
+            const std::uint32_t flags = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
+            auto convert = [&] {
+                std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
+                                              zotest::kPoison);
+                EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth,
+                                       kHeight, flags, 0),
+                          ZO_OK);
+                return out;
+            };
+            std::vector<std::uint8_t> expected;
+            {
+                const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+                expected = convert();
+            }
+            for (CpuLevel level : zotest::HostCpuLevels()) {
+                const zotest::CpuCeilingScope ceiling(level);
+                ASSERT_TRUE(convert() == expected) << zo::simd::CpuLevelName(level) << ", gains " << g.red << " "
+                                                   << g.green << " " << g.blue << ", destination 0x" << std::hex
+                                                   << destination;
+            }
+        }
+    }
+}
+
+}  // namespace
