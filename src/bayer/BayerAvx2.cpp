@@ -171,10 +171,112 @@ std::uint32_t BayerBytesFormedAvx2(unsigned bytes, bool blueFirst, const unsigne
                      : FormedBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
 }
 
+// ---- RGB48 through 16-bit table forms ----
+
+// Shuffles that interleave eight pixels' red, green and blue words (one
+// register each) into three registers of RGB48: m[k][c] moves channel c's
+// words into output register k.
+struct Rgb48Shuffles {
+    alignas(16) signed char m[3][3][16];
+};
+constexpr Rgb48Shuffles MakeRgb48Shuffles()
+{
+    Rgb48Shuffles s{};
+    for (int k = 0; k < 3; ++k)
+        for (int c = 0; c < 3; ++c)
+            for (int j = 0; j < 8; ++j) {
+                const int word = 8 * k + j;
+                const bool mine = word % 3 == c;
+                s.m[k][c][2 * j] = static_cast<signed char>(mine ? 2 * (word / 3) : -1);
+                s.m[k][c][2 * j + 1] = static_cast<signed char>(mine ? 2 * (word / 3) + 1 : -1);
+            }
+    return s;
+}
+constexpr Rgb48Shuffles kRgb48Shuffles = MakeRgb48Shuffles();
+
+inline void Store48(unsigned char* d, __m128i r, __m128i g, __m128i b)
+{
+    const __m128i channels[3] = {r, g, b};
+    for (int k = 0; k < 3; ++k) {
+        __m128i out = _mm_setzero_si128();
+        for (int c = 0; c < 3; ++c)
+            out = _mm_or_si128(out, _mm_shuffle_epi8(channels[c], _mm_load_si128(reinterpret_cast<const __m128i*>(
+                                                                       kRgb48Shuffles.m[k][c]))));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * k), out);
+    }
+}
+
+// The forms of red, green and blue in every lane, with the exact form's
+// doubles.
+struct WordForms {
+    Arith::Params channel[3];
+    alignas(32) double scale[3][16];
+    alignas(32) double offset[3][16];
+};
+
+// Sixteen pixels a step. Samples below 2^14 (10- and 12-bit data) are summed
+// in 16-bit lanes (as the SSE2 path does); a block with larger samples takes
+// the SSE2 identity blocks and the forms over the 96 bytes they wrote.
+template <int Mode, bool Wide>
+std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
+                            const WordForms& forms)
+{
+    const __m256i high = _mm256_set1_epi16(static_cast<short>(0xC000));
+    std::uint32_t x = from;
+    for (; x + 16 <= to; x += 16) {
+        const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
+        const unsigned char* a = c + above;
+        const unsigned char* b = c + below;
+        const __m256i a0 = Load(a - 2), a1 = Load(a), a2 = Load(a + 2);
+        const __m256i c0 = Load(c - 2), c1 = Load(c), c2 = Load(c + 2);
+        const __m256i b0 = Load(b - 2), b1 = Load(b), b2 = Load(b + 2);
+        const __m256i any =
+            _mm256_or_si256(_mm256_or_si256(_mm256_or_si256(a0, a1), _mm256_or_si256(a2, c0)),
+                            _mm256_or_si256(_mm256_or_si256(c1, c2), _mm256_or_si256(_mm256_or_si256(b0, b1), b2)));
+        unsigned char* d = dst + static_cast<std::size_t>(x) * 6;
+        if (!_mm256_testz_si256(any, high)) {
+            BayerWords48Sse2(line, above, below, dst, x, x + 16, phase);
+            // Register k starts 16k words, (16k) mod 3 words into a pixel.
+            for (unsigned k = 0; k < 3; ++k)
+                Arith::Words<Mode, Wide>(d + 32 * k, plan, k);
+            continue;
+        }
+        __m256i rgb[3];
+        Half(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, rgb[0], rgb[1], rgb[2]);
+        for (unsigned ch = 0; ch < 3; ++ch)
+            rgb[ch] = Arith::EvalWord<Mode, Wide>(rgb[ch], forms.channel[ch], forms.scale[ch], forms.offset[ch]);
+        Store48(d, _mm256_castsi256_si128(rgb[0]), _mm256_castsi256_si128(rgb[1]), _mm256_castsi256_si128(rgb[2]));
+        Store48(d + 48, _mm256_extracti128_si256(rgb[0], 1), _mm256_extracti128_si256(rgb[1], 1),
+                _mm256_extracti128_si256(rgb[2], 1));
+    }
+    return x;
+}
+
+std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                     unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                     const simd::LutFormPlan16& plan)
+{
+    WordForms forms;
+    for (unsigned ch = 0; ch < 3; ++ch) {
+        forms.channel[ch] = Arith::Channel16(plan, ch);
+        for (unsigned j = 0; j < 16; ++j) {
+            forms.scale[ch][j] = plan.scale[ch][0];
+            forms.offset[ch][j] = plan.offset[ch][0];
+        }
+    }
+    std::uint32_t x = from;
+    Arith::WithMode16(plan, [&](auto mode, auto wide) {
+        x = FormedWords48<decltype(mode)::value, decltype(wide)::value>(line, above, below, dst, from, to, phase, plan,
+                                                                       forms);
+    });
+    return x;
+}
+
 }  // namespace
 
 const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2,
-                                    BayerBytesFormedAvx2};
+                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2};
 
 }  // namespace zo
 #endif

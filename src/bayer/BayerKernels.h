@@ -95,6 +95,12 @@ struct Filtered48 {
     }
 };
 
+// The same through 16-bit tables that have an arithmetic form (`plan`):
+// lookups in the scalar loops, the forms in the vector path.
+struct Formed48 : Filtered48 {
+    const simd::LutFormPlan16* plan;
+};
+
 struct Identity48 {
     static constexpr unsigned kBytes = 6;
     static constexpr unsigned shift = 0;
@@ -414,6 +420,14 @@ template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>> : BayerInteriorWords<RedIndex, 3> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write32<RedIndex>, true>> : BayerInteriorWords<RedIndex, 4> {};
+template <>
+struct BayerInteriorSimd<Samples16, Formed48> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Formed48& out)
+    {
+        return BayerActivePaths().words48Formed(line, above, below, dst, from, to, phase, *out.plan);
+    }
+};
 template <>
 struct BayerInteriorSimd<Samples16, Identity48> {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,

@@ -19,6 +19,7 @@ namespace zo {
 
 namespace simd {
 struct LutFormPlan8;
+struct LutFormPlan16;
 }
 
 // 8-bit samples into a 3- or 4-byte layout, red first or blue first.
@@ -42,18 +43,26 @@ using BayerBytesFormedPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, c
                                                std::uint32_t from, std::uint32_t to, int phase,
                                                const simd::LutFormPlan8& plan);
 
+// 16-bit samples into RGB48 through 16-bit tables that have an arithmetic
+// form (`plan`, red, green, blue): the same, evaluated before the store.
+using BayerWords48FormedPath = std::uint32_t (*)(const unsigned char* line, std::ptrdiff_t above,
+                                                 std::ptrdiff_t below, unsigned char* dst, std::uint32_t from,
+                                                 std::uint32_t to, int phase, const simd::LutFormPlan16& plan);
+
 struct BayerPaths {
     const char* name;
     BayerBytesPath bytes;
     BayerWordsPath words;
     BayerWords48Path words48;
-    BayerBytesFormedPath bytesFormed;  // null: no such path (filtered lines take the table pass)
+    // Null: no such path (filtered lines take the identity line and the table pass).
+    BayerBytesFormedPath bytesFormed;
+    BayerWords48FormedPath words48Formed;
 };
 
 // BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step;
 // BayerAvx2.cpp: 8-bit samples 32 pixels a step, then the SSE2 path, and the
 // SSE2 paths for 16-bit samples; 8-bit samples through table forms 32 pixels
-// a step (the only formed path).
+// a step and RGB48 through table forms sixteen (the only formed paths).
 std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
                              std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
                              int phase);
