@@ -84,4 +84,69 @@ TEST(FusedWhiteBalance, Bayer8InterpolationMatchesTheScalarLevelInEveryMode)
     }
 }
 
+// 16-bit tables: one filter per form of the RGB48 kernels, over areas large
+// enough for the per-call plan, from 12-bit samples (the kernels' 16-bit
+// sums; WhiteBalanceTest feeds full 16-bit samples).
+struct Gains16 {
+    std::uint32_t bits;
+    double red, green, blue;
+    std::uint16_t redOffset, blueOffset;
+    bool exact, corrected, general, wide;
+};
+
+const Gains16 kGains16[] = {
+    {12, 1.8, 1.2, 1.6, 0, 0, false, false, false, false},
+    {16, 1.4737219, 1.1, 2.018331, 0, 0, false, false, true, true},  // two-multiply fraction
+    {12, 3.0, 0.0, 1.0, 5, 4000, false, false, true, false},
+    {16, 1.8, 1.2, 1.4, 0, 0, true, false, true, false},
+    {12, 1.8, 1.2, 1.4, 0, 0, false, true, false, false},
+};
+
+TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
+{
+    constexpr std::uint32_t kWidth = 258, kHeight = 256;  // 66048 pixels
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
+    std::mt19937 rng(43);
+    std::vector<std::uint8_t> input =
+        zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
+    for (std::size_t i = 1; i < input.size(); i += 2)
+        input[i] &= 0x0F;
+    const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
+    for (const Gains16& g : kGains16) {
+        ZoRGBFilter filter(g.bits);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, 0, g.blueOffset), ZO_OK);
+        {
+            const zo::simd::LutForm16Scope scope(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
+                                                 true);
+            const zo::simd::LutFormPlan16* plan =
+                scope.Plan(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16());
+            if (zo::simd::HostCpuLevel() >= CpuLevel::kAVX2) {
+                ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->exact, g.exact) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->corrected, g.corrected) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->general, g.general) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->wide, g.wide) << g.red << " " << g.green << " " << g.blue;
+            }
+        }
+        auto convert = [&] {
+            std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
+                                          zotest::kPoison);
+            EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth, kHeight,
+                                   flags, 0),
+                      ZO_OK);
+            return out;
+        };
+        std::vector<std::uint8_t> expected;
+        {
+            const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+            expected = convert();
+        }
+        for (CpuLevel level : zotest::HostCpuLevels()) {
+            const zotest::CpuCeilingScope ceiling(level);
+            ASSERT_TRUE(convert() == expected)
+                << zo::simd::CpuLevelName(level) << ", gains " << g.red << " " << g.green << " " << g.blue;
+        }
+    }
+}
+
 }  // namespace
