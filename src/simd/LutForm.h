@@ -114,11 +114,14 @@ struct LutFormPlan8 {
 // parameter q of word lane j in a register that starts p words into a pixel.
 // exact: the exact form (k and delta in the lanes, the multiplier and the
 // offset of each lane in scale and offset); corrected: the corrected form.
+// identity[c]: channel c's table gives every index itself (LutForm16Scope
+// sets it).
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
     bool general, wide, exact, corrected;
+    bool identity[3];
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of
