@@ -1,9 +1,10 @@
-// Bayer 8-bit interpolation with white balance where the tables have an
-// arithmetic form: the vector kernels evaluate the form before they store.
-// One filter per evaluation mode of the form, each with green changed too
-// (and one with green left alone), into every 24- and 32-bit layout: every
-// level gives the scalar level's bytes (the scalar kernels look the channels
-// up one by one).
+// White balance where the tables have an arithmetic form and the vector
+// kernels evaluate the form before they store (Bayer 8-bit interpolation,
+// YUYV into 32-bit layouts, 12-bit Bayer into RGB48). One filter per
+// evaluation mode of the form, each with green changed too (and one with
+// green left alone), into every layout these kernels write: every level
+// gives the scalar level's bytes (the scalar kernels look the channels up
+// one by one).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -46,11 +47,20 @@ const Gains kGains[] = {
     {1.8, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},  // green the identity, skipped
 };
 
-TEST(FusedWhiteBalance, Bayer8InterpolationMatchesTheScalarLevelInEveryMode)
+TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
 {
     constexpr std::uint32_t kWidth = 203, kHeight = 4;
     std::mt19937 rng(41);
-    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 2 * (kHeight + 1) + 64, rng);
+    const std::uint32_t kBilinear = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
+    const struct {
+        std::int64_t source, destination;
+        std::uint32_t flags;
+    } kConversions[] = {
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB24, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR24, kBilinear},
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR32, kBilinear},
+        {ZO_PT_YUV8, ZO_PT_RGB32, 0},               {ZO_PT_YUV8, ZO_PT_BGR32, 0},
+    };
     for (const Gains& g : kGains) {
         ZoRGBFilter filter(8);
         ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, g.greenOffset, g.blueOffset), ZO_OK);
@@ -58,9 +68,9 @@ TEST(FusedWhiteBalance, Bayer8InterpolationMatchesTheScalarLevelInEveryMode)
             zo::simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), 0), 3);
         ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
         EXPECT_EQ(ModeOf(*plan), g.mode) << g.red << " " << g.green << " " << g.blue;
-        for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32}) {
-            const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, destination);
-            const std::uint32_t flags = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
+        for (const auto& c : kConversions) {
+            const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(c.source, c.destination);
+            const std::uint32_t flags = c.flags;
             auto convert = [&] {
                 std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
                                               zotest::kPoison);
@@ -77,8 +87,8 @@ TEST(FusedWhiteBalance, Bayer8InterpolationMatchesTheScalarLevelInEveryMode)
             for (CpuLevel level : zotest::HostCpuLevels()) {
                 const zotest::CpuCeilingScope ceiling(level);
                 ASSERT_TRUE(convert() == expected) << zo::simd::CpuLevelName(level) << ", gains " << g.red << " "
-                                                   << g.green << " " << g.blue << ", destination 0x" << std::hex
-                                                   << destination;
+                                                   << g.green << " " << g.blue << std::hex << ", source 0x"
+                                                   << c.source << ", destination 0x" << c.destination;
             }
         }
     }
