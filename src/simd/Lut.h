@@ -69,9 +69,10 @@
 //     pixels with shuffled stores, outruns the SSE2 identity block).
 // The corrected form (gains such as 1.4) costs about twice the plain one
 // inside the kernel. YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
-// level (yuv/YUVAvx512.cpp; host wb/id 1.48 / 1.53 -> 1.22 / 1.24 in two
-// runs at load 5-6.5, 1080p / 4096 x 3000); its AVX2 kernel and the RGB
-// filtered conversions still take the pass after their identity line.
+// level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
+// load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
+// 1.23-1.30); its AVX2 kernel and the RGB filtered conversions still take
+// the pass after their identity line.
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
