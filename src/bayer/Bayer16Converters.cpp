@@ -54,7 +54,8 @@ std::uint32_t Interpolated16(const BayerLineCall& call, const ZoRGBFilter& filte
 // RGB48: whole samples through the 16-bit tables. Tables with an arithmetic
 // form (checked once per area conversion, see Convert below) take the
 // identity line and then the 16-bit arithmetic pass, which writes the bytes
-// the lookups write; any other table is looked up inside the kernel (a
+// the lookups write (interpolated lines, where the level has the formed
+// vector path: the forms evaluated inside it, one pass); any other table is looked up inside the kernel (a
 // lookup pass, scalar or with dword gathers, measured slower than that).
 // Identity48 writes each sample value as it is, the very index Filtered48
 // looks up (interpolated values never exceed 65535).
@@ -284,6 +285,13 @@ std::uint32_t ZoBayerRGB16ToRGB48::ConvertLinesInterpolated(const unsigned char*
         With48(
             ActiveFilter(context), [&](const auto& out) { InterpolateCall<Samples16>(call, out); },
             [&](const simd::LutFormPlan16& plan) {
+                if (BayerActivePaths().words48Formed) {
+                    // One pass: the forms evaluated inside the vector path.
+                    const ZoRGBFilter& filter = ActiveFilter(context);
+                    InterpolateCall<Samples16>(
+                        call, Formed48{{filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16()}, &plan});
+                    return;
+                }
                 InterpolateCall<Samples16>(call, Identity48{});
                 simd::ApplyLut16(call.destination, call.count, plan);
             });

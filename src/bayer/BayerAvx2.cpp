@@ -1,13 +1,27 @@
 // AVX2 inside of an interpolating line (this file alone is compiled for
 // AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the SSE2
-// block of BayerSse2.cpp on 32 pixels.
+// block of BayerSse2.cpp on 32 pixels. Filtered lines whose 8-bit tables
+// have an arithmetic form take the same block with each channel evaluated
+// through its form (simd/LutArith.h) on the 16-bit lanes just before they
+// are packed: the bytes a table pass over the identity line would give,
+// without the second pass over the line.
 #include "bayer/BayerPaths.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
 
+#include "simd/LutArith.h"
+#include "simd/LutV256.h"
+
 namespace zo {
 namespace {
+
+using Arith = simd::LutArith<simd::V256>;
+
+// The forms of red, green and blue, each broadcast to every lane.
+struct ChannelForms {
+    Arith::Params red, green, blue;
+};
 
 inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 {
@@ -43,9 +57,12 @@ inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m
 
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 
-template <unsigned Bytes, bool BlueFirst>
+// Mode: -1 the identity, else the form's mode (Arith::EvalFixed; `forms`
+// read only then); Green false: green's table is the identity (as white
+// balance usually leaves it) and is not evaluated.
+template <unsigned Bytes, bool BlueFirst, int Mode = -1, bool Green = true>
 std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
-                     std::uint32_t from, std::uint32_t to, int phase)
+                     std::uint32_t from, std::uint32_t to, int phase, const ChannelForms* forms = nullptr)
 {
     const __m256i zero = _mm256_setzero_si256();
     // 4-byte pixels to 3-byte pixels within each 128-bit lane (12 bytes).
@@ -71,6 +88,16 @@ std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdi
              _mm256_unpackhi_epi8(c0, zero), _mm256_unpackhi_epi8(c1, zero), _mm256_unpackhi_epi8(c2, zero),
              _mm256_unpackhi_epi8(b0, zero), _mm256_unpackhi_epi8(b1, zero), _mm256_unpackhi_epi8(b2, zero), phase,
              rh, gh, bh);
+        if constexpr (Mode >= 0) {
+            rl = Arith::EvalFixed<Mode>(rl, forms->red);
+            rh = Arith::EvalFixed<Mode>(rh, forms->red);
+            if constexpr (Green) {
+                gl = Arith::EvalFixed<Mode>(gl, forms->green);
+                gh = Arith::EvalFixed<Mode>(gh, forms->green);
+            }
+            bl = Arith::EvalFixed<Mode>(bl, forms->blue);
+            bh = Arith::EvalFixed<Mode>(bh, forms->blue);
+        }
         const __m256i red = _mm256_packus_epi16(rl, rh);
         const __m256i green = _mm256_packus_epi16(gl, gh);
         const __m256i blue = _mm256_packus_epi16(bl, bh);
@@ -115,9 +142,141 @@ std::uint32_t BayerBytesAvx2(unsigned bytes, bool blueFirst, const unsigned char
     return BayerBytesSse2(bytes, blueFirst, line, above, below, dst, from, to, phase);
 }
 
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: blue first for BGR.
+    const ChannelForms forms = {Arith::Channel(plan, BlueFirst ? 2 : 0), Arith::Channel(plan, 1),
+                                Arith::Channel(plan, BlueFirst ? 0 : 2)};
+    std::uint32_t x = from;
+    Arith::WithMode(plan, [&](auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        x = plan.identity[1] ? Blocks<Bytes, BlueFirst, kMode, false>(line, above, below, dst, from, to, phase, &forms)
+                             : Blocks<Bytes, BlueFirst, kMode, true>(line, above, below, dst, from, to, phase, &forms);
+    });
+    return x;
+}
+
+// 32 pixels a step through the forms; the caller's pair loop (the tables'
+// lookups) finishes the line.
+std::uint32_t BayerBytesFormedAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, const simd::LutFormPlan8& plan)
+{
+    if (bytes == 4)
+        return blueFirst ? FormedBlocks<4, true>(line, above, below, dst, from, to, phase, plan)
+                         : FormedBlocks<4, false>(line, above, below, dst, from, to, phase, plan);
+    return blueFirst ? FormedBlocks<3, true>(line, above, below, dst, from, to, phase, plan)
+                     : FormedBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
+}
+
+// ---- RGB48 through 16-bit table forms ----
+
+// Shuffles that interleave eight pixels' red, green and blue words (one
+// register each) into three registers of RGB48: m[k][c] moves channel c's
+// words into output register k.
+struct Rgb48Shuffles {
+    alignas(16) signed char m[3][3][16];
+};
+constexpr Rgb48Shuffles MakeRgb48Shuffles()
+{
+    Rgb48Shuffles s{};
+    for (int k = 0; k < 3; ++k)
+        for (int c = 0; c < 3; ++c)
+            for (int j = 0; j < 8; ++j) {
+                const int word = 8 * k + j;
+                const bool mine = word % 3 == c;
+                s.m[k][c][2 * j] = static_cast<signed char>(mine ? 2 * (word / 3) : -1);
+                s.m[k][c][2 * j + 1] = static_cast<signed char>(mine ? 2 * (word / 3) + 1 : -1);
+            }
+    return s;
+}
+constexpr Rgb48Shuffles kRgb48Shuffles = MakeRgb48Shuffles();
+
+inline void Store48(unsigned char* d, __m128i r, __m128i g, __m128i b)
+{
+    const __m128i channels[3] = {r, g, b};
+    for (int k = 0; k < 3; ++k) {
+        __m128i out = _mm_setzero_si128();
+        for (int c = 0; c < 3; ++c)
+            out = _mm_or_si128(out, _mm_shuffle_epi8(channels[c], _mm_load_si128(reinterpret_cast<const __m128i*>(
+                                                                       kRgb48Shuffles.m[k][c]))));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16 * k), out);
+    }
+}
+
+// The forms of red, green and blue in every lane, with the exact form's
+// doubles.
+struct WordForms {
+    Arith::Params channel[3];
+    alignas(32) double scale[3][16];
+    alignas(32) double offset[3][16];
+};
+
+// Sixteen pixels a step. Samples below 2^14 (10- and 12-bit data) are summed
+// in 16-bit lanes (as the SSE2 path does); a block with larger samples takes
+// the SSE2 identity blocks and the forms over the 96 bytes they wrote.
+template <int Mode, bool Wide>
+std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
+                            const WordForms& forms)
+{
+    const __m256i high = _mm256_set1_epi16(static_cast<short>(0xC000));
+    std::uint32_t x = from;
+    for (; x + 16 <= to; x += 16) {
+        const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
+        const unsigned char* a = c + above;
+        const unsigned char* b = c + below;
+        const __m256i a0 = Load(a - 2), a1 = Load(a), a2 = Load(a + 2);
+        const __m256i c0 = Load(c - 2), c1 = Load(c), c2 = Load(c + 2);
+        const __m256i b0 = Load(b - 2), b1 = Load(b), b2 = Load(b + 2);
+        const __m256i any =
+            _mm256_or_si256(_mm256_or_si256(_mm256_or_si256(a0, a1), _mm256_or_si256(a2, c0)),
+                            _mm256_or_si256(_mm256_or_si256(c1, c2), _mm256_or_si256(_mm256_or_si256(b0, b1), b2)));
+        unsigned char* d = dst + static_cast<std::size_t>(x) * 6;
+        if (!_mm256_testz_si256(any, high)) {
+            BayerWords48Sse2(line, above, below, dst, x, x + 16, phase);
+            // Register k starts 16k words, (16k) mod 3 words into a pixel.
+            for (unsigned k = 0; k < 3; ++k)
+                Arith::Words<Mode, Wide>(d + 32 * k, plan, k);
+            continue;
+        }
+        __m256i rgb[3];
+        Half(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, rgb[0], rgb[1], rgb[2]);
+        for (unsigned ch = 0; ch < 3; ++ch)
+            rgb[ch] = Arith::EvalWord<Mode, Wide>(rgb[ch], forms.channel[ch], forms.scale[ch], forms.offset[ch]);
+        Store48(d, _mm256_castsi256_si128(rgb[0]), _mm256_castsi256_si128(rgb[1]), _mm256_castsi256_si128(rgb[2]));
+        Store48(d + 48, _mm256_extracti128_si256(rgb[0], 1), _mm256_extracti128_si256(rgb[1], 1),
+                _mm256_extracti128_si256(rgb[2], 1));
+    }
+    return x;
+}
+
+std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                     unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                     const simd::LutFormPlan16& plan)
+{
+    WordForms forms;
+    for (unsigned ch = 0; ch < 3; ++ch) {
+        forms.channel[ch] = Arith::Channel16(plan, ch);
+        for (unsigned j = 0; j < 16; ++j) {
+            forms.scale[ch][j] = plan.scale[ch][0];
+            forms.offset[ch][j] = plan.offset[ch][0];
+        }
+    }
+    std::uint32_t x = from;
+    Arith::WithMode16(plan, [&](auto mode, auto wide) {
+        x = FormedWords48<decltype(mode)::value, decltype(wide)::value>(line, above, below, dst, from, to, phase, plan,
+                                                                       forms);
+    });
+    return x;
+}
+
 }  // namespace
 
-const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2};
+const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2,
+                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2};
 
 }  // namespace zo
 #endif

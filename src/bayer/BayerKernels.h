@@ -13,6 +13,7 @@
 #include "bayer/BayerLayout.h"
 #include "bayer/BayerPaths.h"
 #include "core/PixelIO.h"
+#include "simd/LutForm.h"
 
 namespace zo {
 
@@ -73,6 +74,14 @@ struct Identity8 {
     }
 };
 
+// The same for 8-bit samples through tables that have an arithmetic form
+// (`plan`: simd/LutForm.h, in byte order of the layout): the scalar loops
+// look the channels up, the vector path evaluates the forms (the same bytes).
+template <class Writer>
+struct Formed8 : Filtered8<Writer, false> {
+    const simd::LutFormPlan8* plan;
+};
+
 // RGB48 through the filter's 16-bit tables (16-bit values index them).
 struct Filtered48 {
     static constexpr unsigned kBytes = 6;
@@ -84,6 +93,12 @@ struct Filtered48 {
     {
         WriteRGB48::Put(d, red[r], green[g], blue[b]);
     }
+};
+
+// The same through 16-bit tables that have an arithmetic form (`plan`):
+// lookups in the scalar loops, the forms in the vector path.
+struct Formed48 : Filtered48 {
+    const simd::LutFormPlan16* plan;
 };
 
 struct Identity48 {
@@ -350,14 +365,15 @@ void InterpolatePairs(const unsigned char* line, std::ptrdiff_t above, std::ptrd
 }
 
 // The vector inside of inner lines where one exists (8-bit samples through
-// an identity filter into 24/32-bit layouts; 16-bit samples through an
+// an identity filter, or through table forms where the level has the formed
+// path, into 24/32-bit layouts; 16-bit samples through an
 // identity filter into 24/32/48-bit layouts, `shift` theirs): the active
 // level's path (BayerPaths.h); returns the first pixel it left to the scalar
 // loop.
 template <class Src, class Out>
 struct BayerInteriorSimd {
     static std::uint32_t Run(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, unsigned char*, std::uint32_t from,
-                             std::uint32_t, int, unsigned)
+                             std::uint32_t, int, const Out&)
     {
         return from;
     }
@@ -365,18 +381,31 @@ struct BayerInteriorSimd {
 
 template <unsigned RedIndex, unsigned Bytes>
 struct BayerInteriorBytes {
+    template <class Out>
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out&)
     {
         return BayerActivePaths().bytes(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase);
     }
 };
 template <unsigned RedIndex, unsigned Bytes>
 struct BayerInteriorWords {
+    template <class Out>
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned shift)
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
     {
-        return BayerActivePaths().words(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase, shift);
+        return BayerActivePaths().words(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase, out.shift);
+    }
+};
+// Only chosen where the level has the formed path (BayerTablePass.h).
+template <unsigned RedIndex, unsigned Bytes>
+struct BayerInteriorFormed {
+    template <class Out>
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
+    {
+        return BayerActivePaths().bytesFormed(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase,
+                                              *out.plan);
     }
 };
 template <unsigned RedIndex>
@@ -384,13 +413,25 @@ struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>> : BayerI
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Identity8<Write32<RedIndex>, false>> : BayerInteriorBytes<RedIndex, 4> {};
 template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Formed8<Write24<RedIndex>>> : BayerInteriorFormed<RedIndex, 3> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Formed8<Write32<RedIndex>>> : BayerInteriorFormed<RedIndex, 4> {};
+template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>> : BayerInteriorWords<RedIndex, 3> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write32<RedIndex>, true>> : BayerInteriorWords<RedIndex, 4> {};
 template <>
+struct BayerInteriorSimd<Samples16, Formed48> {
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Formed48& out)
+    {
+        return BayerActivePaths().words48Formed(line, above, below, dst, from, to, phase, *out.plan);
+    }
+};
+template <>
 struct BayerInteriorSimd<Samples16, Identity48> {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, unsigned)
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Identity48&)
     {
         return BayerActivePaths().words48(line, above, below, dst, from, to, phase);
     }
@@ -424,8 +465,7 @@ void InterpolateLine(const unsigned char* line, unsigned char* dst, std::uint32_
         const std::uint32_t end = 2 + ((count - 3) & ~1u);
         if (hasAbove && hasBelow) {
             const std::uint32_t from =
-                Vector ? BayerInteriorSimd<Src, Out>::Run(line, above, below, dst, 2, end, phase, out.shift)
-                       : 2;
+                Vector ? BayerInteriorSimd<Src, Out>::Run(line, above, below, dst, 2, end, phase, out) : 2;
             switch (phase) {
             case 0: InterpolatePairs<Src, Out, 0>(line, above, below, dst, from, end, out); break;
             case 1: InterpolatePairs<Src, Out, 1>(line, above, below, dst, from, end, out); break;

@@ -17,6 +17,11 @@
 
 namespace zo {
 
+namespace simd {
+struct LutFormPlan8;
+struct LutFormPlan16;
+}
+
 // 8-bit samples into a 3- or 4-byte layout, red first or blue first.
 using BayerBytesPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
                                          std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
@@ -29,16 +34,35 @@ using BayerWordsPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const u
 using BayerWords48Path = std::uint32_t (*)(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                            unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
 
+// 8-bit samples into a 3- or 4-byte layout through 8-bit tables that have an
+// arithmetic form (`plan`, simd/LutForm.h, in byte order of the layout):
+// each channel evaluated through its form before it is stored, the bytes the
+// tables' lookups give.
+using BayerBytesFormedPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
+                                               std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                                               std::uint32_t from, std::uint32_t to, int phase,
+                                               const simd::LutFormPlan8& plan);
+
+// 16-bit samples into RGB48 through 16-bit tables that have an arithmetic
+// form (`plan`, red, green, blue): the same, evaluated before the store.
+using BayerWords48FormedPath = std::uint32_t (*)(const unsigned char* line, std::ptrdiff_t above,
+                                                 std::ptrdiff_t below, unsigned char* dst, std::uint32_t from,
+                                                 std::uint32_t to, int phase, const simd::LutFormPlan16& plan);
+
 struct BayerPaths {
     const char* name;
     BayerBytesPath bytes;
     BayerWordsPath words;
     BayerWords48Path words48;
+    // Null: no such path (filtered lines take the identity line and the table pass).
+    BayerBytesFormedPath bytesFormed;
+    BayerWords48FormedPath words48Formed;
 };
 
 // BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step;
 // BayerAvx2.cpp: 8-bit samples 32 pixels a step, then the SSE2 path, and the
-// SSE2 paths for 16-bit samples.
+// SSE2 paths for 16-bit samples; 8-bit samples through table forms 32 pixels
+// a step and RGB48 through table forms sixteen (the only formed paths).
 std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
                              std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
                              int phase);

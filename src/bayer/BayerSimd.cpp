@@ -22,7 +22,7 @@ std::uint32_t NoWords48(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, un
     return from;
 }
 
-const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48};
+const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr};
 
 const BayerPaths* ChooseBayerPaths(simd::CpuLevel level)
 {

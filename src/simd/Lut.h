@@ -49,12 +49,30 @@
 // 1.20; SSE2 1.52 / 1.48 and 1.70 / 1.44; host RGB48 1.32 / 1.19.
 // (Bytes whose tables all end at 255 drop the limit and let the pack
 // saturate: about a fifth off the AVX2 8-bit rows.)
-// So the 1.3 target holds for the host's 4096-wide Bayer 8 rows and, with
-// plain-floor gains, the 4096-wide RGB48 rows; the 1.4 RGB48 rows stay at
-// 1.35-1.46. A pass over a line already written costs about half the
-// fastest identity kernels' time whatever it computes, which keeps the
-// 1080p rows above 1.3 (left open: the forms inside the Bayer kernels,
-// before the store).
+// A pass over a line already written costs about half the fastest identity
+// kernels' time whatever it computes. So the Bayer kernels no longer take it
+// where they can avoid it: interpolated lines of 8-bit samples into 24/32-bit
+// layouts and of 16-bit samples into RGB48, at the AVX2 level and up, whose
+// tables have a form evaluate the form on the channel lanes just before they
+// pack and store them (bayer/BayerAvx2.cpp, through LutArith.h's EvalFixed
+// and EvalWord; green tables that are the identity are skipped). Measured
+// (one run per level, load about 6.5 on the two cores, before -> after,
+// 1080p / 4096 x 3000, gains 1.8, 1.0, 1.4):
+//   host (AVX-512 VBMI; the Bayer kernels are AVX2): Bayer 8 -> RGB24
+//     1.32 / 1.34 -> 1.24 / 1.26, -> BGRA 1.31 / 1.39 -> 1.16 / 1.23,
+//     12-bit Bayer -> RGB48 1.53 / 1.25 -> 1.33 / 1.18;
+//   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 1.70 / 1.63 -> 1.34 / 1.31, -> BGRA
+//     1.77 / 1.63 -> 1.26 / 1.24, RGB48 1.49 / 1.33 -> 1.22 / 1.07;
+//   Gain16 rows (1.8, 1.0, 1.6): host Bayer 8 -> RGB24 1.55 / 1.30 -> 1.12 /
+//     1.19, RGB48 1.38 / 1.08 -> 1.06 / 0.97; avx2 1.34 / 1.36 -> 1.26 /
+//     1.16 and 1.20 / 1.12 -> 0.95 / 0.97 (the formed RGB48 block, sixteen
+//     pixels with shuffled stores, outruns the SSE2 identity block).
+// The corrected form (gains such as 1.4) costs about twice the plain one
+// inside the kernel. YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
+// level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
+// load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
+// 1.23-1.30); its AVX2 kernel and the RGB filtered conversions still take
+// the pass after their identity line.
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per

@@ -22,6 +22,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "simd/Lut.h"
 #include "simd/LutForm.h"
@@ -170,16 +171,35 @@ struct LutArith {
             BytesTail<Mode>(line + i, bytes - i, plan, phase);
     }
 
-    static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    // Calls run(std::integral_constant<int, Mode>) with the EvalFixed mode
+    // of an 8-bit plan.
+    template <class Run>
+    static void WithMode(const LutFormPlan8& plan, Run run)
     {
         if (plan.saturating)
-            plan.corrected ? BytesLine<5>(line, bytes, plan) : BytesLine<4>(line, bytes, plan);
+            plan.corrected ? run(std::integral_constant<int, 5>{}) : run(std::integral_constant<int, 4>{});
         else if (plan.corrected)
-            BytesLine<3>(line, bytes, plan);
+            run(std::integral_constant<int, 3>{});
         else if (plan.general)
-            BytesLine<1>(line, bytes, plan);
+            run(std::integral_constant<int, 1>{});
         else
-            BytesLine<0>(line, bytes, plan);
+            run(std::integral_constant<int, 0>{});
+    }
+
+    static void BytesAnyMode(unsigned char* line, std::size_t bytes, const LutFormPlan8& plan)
+    {
+        WithMode(plan, [&](auto mode) { BytesLine<decltype(mode)::value>(line, bytes, plan); });
+    }
+
+    // The parameters of the channel at byte `position` (0-2) of a pixel in
+    // every lane, for kernels that hold each channel in its own register
+    // (lane j of the plan's first half is byte j of a pixel-aligned register).
+    static Params Channel(const LutFormPlan8& plan, unsigned position)
+    {
+        Params r;
+        for (unsigned q = 0; q < kLutParamCount; ++q)
+            r.p[q] = V::Set1(plan.lanes[0][0][q][position]);
+        return r;
     }
 
     static void Form3(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan)
@@ -194,19 +214,56 @@ struct LutArith {
 
     // ---- 16-bit tables on RGB48 lines ----
 
-    // Mode: 0 fast, 1 general, 2 exact; Wide: the two-multiply fraction.
+    // Mode: 0 fast, 1 general, 2 exact, 3 corrected; Wide: the two-multiply
+    // fraction. scale and offset: the exact form's doubles in lane order.
+    template <int Mode, bool Wide>
+    static T EvalWord(T v, const Params& P, const double* scale, const double* offset)
+    {
+        if constexpr (Mode == 2) {
+            if constexpr (V::kExact)
+                return EvalExact(v, P, scale, offset);
+            else
+                return v;  // never planned: such sets verify no exact form
+        } else if constexpr (Mode == 3) {
+            return EvalCorrected(v, P);
+        } else {
+            return Eval<Mode == 1, Wide>(v, P);
+        }
+    }
+
+    // Calls run(std::integral_constant<int, Mode>, std::bool_constant<Wide>)
+    // with the EvalWord mode of a 16-bit plan.
+    template <class Run>
+    static void WithMode16(const LutFormPlan16& plan, Run run)
+    {
+        using Narrow = std::false_type;
+        if (plan.exact)
+            run(std::integral_constant<int, 2>{}, Narrow{});
+        else if (plan.corrected)
+            run(std::integral_constant<int, 3>{}, Narrow{});
+        else if (plan.general)
+            plan.wide ? run(std::integral_constant<int, 1>{}, std::true_type{})
+                      : run(std::integral_constant<int, 1>{}, Narrow{});
+        else
+            plan.wide ? run(std::integral_constant<int, 0>{}, std::true_type{})
+                      : run(std::integral_constant<int, 0>{}, Narrow{});
+    }
+
+    // The parameters of channel c (0 red, 1 green, 2 blue) in every lane.
+    static Params Channel16(const LutFormPlan16& plan, unsigned c)
+    {
+        // Lane 0 of a register starting c words into a pixel is channel c.
+        Params r;
+        for (unsigned q = 0; q < kLutParamCount; ++q)
+            r.p[q] = V::Set1(plan.lanes[c][q][0]);
+        return r;
+    }
+
     template <int Mode, bool Wide>
     static void Words(unsigned char* at, const LutFormPlan16& plan, unsigned phase)
     {
-        const T v = V::Load(at);
-        if constexpr (Mode == 2) {
-            if constexpr (V::kExact)
-                V::Store(at, EvalExact(v, Load(plan.lanes[phase]), plan.scale[phase], plan.offset[phase]));
-        } else if constexpr (Mode == 3) {
-            V::Store(at, EvalCorrected(v, Load(plan.lanes[phase])));
-        } else {
-            V::Store(at, Eval<Mode == 1, Wide>(v, Load(plan.lanes[phase])));
-        }
+        V::Store(at, EvalWord<Mode, Wide>(V::Load(at), Load(plan.lanes[phase]), plan.scale[phase],
+                                          plan.offset[phase]));
     }
 
     template <int General, bool Wide>
@@ -234,14 +291,9 @@ struct LutArith {
     static void Words3(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan)
     {
         const std::size_t bytes = std::size_t(count) * 6;
-        if (plan.exact)
-            WordsLine<2, false>(line, bytes, plan);
-        else if (plan.corrected)
-            WordsLine<3, false>(line, bytes, plan);
-        else if (plan.general)
-            plan.wide ? WordsLine<1, true>(line, bytes, plan) : WordsLine<1, false>(line, bytes, plan);
-        else
-            plan.wide ? WordsLine<0, true>(line, bytes, plan) : WordsLine<0, false>(line, bytes, plan);
+        WithMode16(plan, [&](auto mode, auto wide) {
+            WordsLine<decltype(mode)::value, decltype(wide)::value>(line, bytes, plan);
+        });
     }
 
     // ---- The check of a 16-bit table at all 65536 indices ----

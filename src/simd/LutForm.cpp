@@ -341,6 +341,7 @@ void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool g
                    LutFormPlan8& plan)
 {
     plan.pixelBytes = pixelBytes;
+    plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
     plan.general = general && !corrected;
     plan.corrected = corrected;
     for (unsigned phase = 0; phase < 3; ++phase)
@@ -363,6 +364,7 @@ void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool g
 void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, bool exact, bool corrected,
                     LutFormPlan16& plan)
 {
+    plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
     plan.general = (general || exact) && !corrected;
     plan.wide = wide && !exact && !corrected;
     plan.exact = exact;
@@ -426,6 +428,12 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
             saturating = EvalLutSaturating8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
     FillFormPlan8(forms, pixelBytes, general, corrected, cache.plan);
     cache.plan.saturating = saturating;
+    for (unsigned c = 0; c < 3; ++c) {
+        unsigned i = 0;
+        while (i < 256 && tables[c][i] == i)
+            ++i;
+        cache.plan.identity[c] = i == 256;
+    }
     cache.has = true;
     return &cache.plan;
 }
@@ -460,6 +468,12 @@ LutForm16Scope::LutForm16Scope(const std::uint16_t* red, const std::uint16_t* gr
     if (!matches)
         return;
     FillFormPlan16(forms, general, wide, exact, corrected, mPlan);
+    for (unsigned c = 0; c < 3; ++c) {
+        std::uint32_t i = 0;
+        while (i < 65536 && mTables[c][i] == i)
+            ++i;
+        mPlan.identity[c] = i == 65536;
+    }
     mValid = true;
 }
 

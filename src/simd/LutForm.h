@@ -101,21 +101,27 @@ enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit,
 // The fourth byte of a 4-byte pixel takes the identity form.
 // saturating: the fast or corrected form without its limit, leaving lanes
 // past 255 to the pack's saturation (every table ends at 255).
+// identity[p]: the table at byte p of a pixel gives every index itself
+// (kernels that hold the channels apart skip it; FormPlan8 sets it).
 struct LutFormPlan8 {
     alignas(64) std::uint16_t lanes[3][2][kLutParamCount][32];
     unsigned pixelBytes;
     bool general, corrected, saturating;
+    bool identity[3];
 };
 
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:
 // parameter q of word lane j in a register that starts p words into a pixel.
 // exact: the exact form (k and delta in the lanes, the multiplier and the
 // offset of each lane in scale and offset); corrected: the corrected form.
+// identity[c]: channel c's table gives every index itself (LutForm16Scope
+// sets it).
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
     bool general, wide, exact, corrected;
+    bool identity[3];
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of

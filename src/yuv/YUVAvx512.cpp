@@ -12,6 +12,8 @@
 #if defined(__AVX512BW__) && defined(__AVX512VBMI__)
 #include <immintrin.h>
 
+#include "simd/LutArith.h"
+#include "simd/LutV512.h"
 #include "yuv/YUVTransform.h"
 
 namespace zo {
@@ -129,9 +131,77 @@ std::uint32_t Pixels444AVX512(const unsigned char* src, unsigned char* dst, std:
     return kYUVPathsAVX2.pixels444(src, dst, count, pixelBytes, yOffset, uOffset, vOffset, dstBytes, redIndex);
 }
 
+// ---- Filtered: table forms evaluated before the store ----
+
+using Arith = simd::LutArith<simd::V512>;
+
+struct ChannelForms {
+    Arith::Params red, green, blue;
+};
+
+const Tables& SharedTables()
+{
+    static const Tables kTables;
+    return kTables;
+}
+
+// As Pairs8To32, each channel clamped to 0-255 (what the pack does) and
+// evaluated through its form before the pack. Green false: green's table is
+// the identity, not evaluated.
+template <unsigned RedIndex, int Mode, bool Green>
+std::uint32_t Pairs8To32Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               const ChannelForms& forms)
+{
+    const Tables t = SharedTables();
+    const __m512i zero = _mm512_setzero_si512();
+    const __m512i top = _mm512_set1_epi16(255);
+    auto clamp = [&](__m512i v) { return _mm512_min_epi16(_mm512_max_epi16(v, zero), top); };
+    const std::uint32_t groups = pairs / 16;
+    for (std::uint32_t i = 0; i < groups; ++i, src += 64, dst += 128) {
+        __m512i r, g, b;
+        Transform422(_mm512_loadu_si512(src), t, r, g, b);
+        r = Arith::EvalFixed<Mode>(clamp(r), forms.red);
+        if (Green)
+            g = Arith::EvalFixed<Mode>(clamp(g), forms.green);
+        b = Arith::EvalFixed<Mode>(clamp(b), forms.blue);
+        const __m512i ends = RedIndex == 0 ? _mm512_packus_epi16(r, b) : _mm512_packus_epi16(b, r);
+        const __m512i middle = _mm512_packus_epi16(g, zero);
+        _mm512_storeu_si512(dst, _mm512_permutex2var_epi8(ends, t.out[0], middle));
+        _mm512_storeu_si512(dst + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle));
+    }
+    return groups * 16;
+}
+
+template <unsigned RedIndex>
+std::uint32_t Pairs8To32FormedAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                      const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: red at byte RedIndex.
+    const ChannelForms forms = {Arith::Channel(plan, RedIndex), Arith::Channel(plan, 1),
+                                Arith::Channel(plan, 2 - RedIndex)};
+    std::uint32_t done = 0;
+    Arith::WithMode(plan, [&](auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        done = plan.identity[1] ? Pairs8To32Formed<RedIndex, kMode, false>(src, dst, pairs, forms)
+                                : Pairs8To32Formed<RedIndex, kMode, true>(src, dst, pairs, forms);
+    });
+    return done;
+}
+
+std::uint32_t Pairs8FormedAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                 std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                 const simd::LutFormPlan8& plan)
+{
+    if (sampleBytes != 1 || dstBytes != 4)
+        return 0;
+    return redIndex ? Pairs8To32FormedAnyMode<2>(src, dst, pairs, plan)
+                    : Pairs8To32FormedAnyMode<0>(src, dst, pairs, plan);
+}
+
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512};
+const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512,
+                                        Pairs8FormedAVX512};
 
 }  // namespace zo
 

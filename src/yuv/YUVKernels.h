@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "core/PixelIO.h"
 #include "simd/Lut.h"
@@ -102,6 +103,12 @@ std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                     std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex);
+// The same through tables that have a form, evaluated before the store
+// (one pass); false (nothing done) where the level has no such path for
+// these arguments, else true with the pairs converted in `done`.
+bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                           std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                           const simd::LutFormPlan8& plan, std::uint32_t& done);
 std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                 std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                 std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
@@ -151,7 +158,9 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // layouts do better: the filter is applied to the final channel values just
 // before they are stored, so the vector path writes the destination directly
 // and the pass follows over the pixels it wrote, while they are still in the
-// first-level cache.
+// first-level cache. Better still, where the level has it (AVX-512 VBMI,
+// 8-bit 4:2:2 into 32-bit layouts) and the tables have an arithmetic form,
+// the vector path evaluates the form itself before it stores: one pass.
 constexpr std::uint32_t kFilterChunkPixels = 256;
 
 template <class Writer>
@@ -180,6 +189,25 @@ inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChan
     simd::ApplyLut8(dst, pixels, Writer::kBytes, YUVByteOrderTables<Writer>(t));
 }
 
+// Filtered 8-bit lines into 24/32-bit layouts whose tables have a form
+// (checked as the table pass checks them): the vector path evaluates the
+// form before it stores, where the level has that path. False: not taken.
+template <class Writer, class Reader>
+inline bool YUV422Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
+                         const YUVChannelTables& t, std::uint32_t& done)
+{
+    if constexpr (kTablePassLayout<Writer> && std::is_same<Reader, YUV8PairReader>::value) {
+        if (t.identity)
+            return false;
+        const simd::LutFormPlan8* plan = simd::FormPlan8(YUVByteOrderTables<Writer>(t), Writer::kBytes);
+        return plan && YUV8PairsFormedVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes,
+                                             WriterShape<Writer>::kRedIndex, *plan, done);
+    } else {
+        (void)src, (void)dst, (void)pairs, (void)reader, (void)t, (void)done;
+        return false;
+    }
+}
+
 template <class Writer>
 inline void FilterRGB32(const unsigned char* rgb32, unsigned char* dst, std::uint32_t n, const YUVChannelTables& t)
 {
@@ -199,6 +227,8 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
     std::uint32_t done = 0;
     if (vector && t.identity) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
+    } else if (vector && YUV422Formed<Writer>(src, dst, pairs, reader, t, done)) {
+        // one pass: the rest of the line below
     } else if (vector && UseYUVTablePass<Writer>(t)) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
         YUVTablePass<Writer>(dst, 2 * done, t);

@@ -24,7 +24,7 @@ std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, s
     return 0;
 }
 
-const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444};
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr};
 
 const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
@@ -70,6 +70,17 @@ std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst,
                                    std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
 {
     return YUVActivePaths().pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
+}
+
+bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                           std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                           const simd::LutFormPlan8& plan, std::uint32_t& done)
+{
+    const auto formed = YUVActivePaths().pairs8Formed;
+    if (!formed || sampleBytes != 1 || dstBytes != 4)
+        return false;
+    done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan);
+    return true;
 }
 
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,

@@ -10,6 +10,10 @@
 
 namespace zo {
 
+namespace simd {
+struct LutFormPlan8;
+}
+
 // One instruction set's entry points (never null).
 struct YUVVectorPaths {
     const char* name;
@@ -20,6 +24,13 @@ struct YUVVectorPaths {
     std::uint32_t (*pixels444)(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
+    // Filtered 8-bit 4:2:2 through tables that have an arithmetic form
+    // (`plan`, simd/LutForm.h, in byte order of the layout), evaluated before
+    // the store: as pairs8 with the filter applied; null where the set has
+    // none (filtered lines take the identity path and the table pass).
+    std::uint32_t (*pairs8Formed)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                  std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                  const simd::LutFormPlan8& plan);
 };
 
 // Every path this build and this CPU can run, best last (for tests).

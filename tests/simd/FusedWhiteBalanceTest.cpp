@@ -1,0 +1,162 @@
+// White balance where the tables have an arithmetic form and the vector
+// kernels evaluate the form before they store (Bayer 8-bit interpolation,
+// YUYV into 32-bit layouts, 12-bit Bayer into RGB48). One filter per
+// evaluation mode of the form, each with green changed too (and one with
+// green left alone), into every layout these kernels write: every level
+// gives the scalar level's bytes (the scalar kernels look the channels up
+// one by one).
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include "ZoImgLib.h"
+#include "simd/Cpu.h"
+#include "simd/Lut.h"
+#include "simd/LutForm.h"
+#include "support/AreaSupport.h"
+#include "support/CpuLevels.h"
+
+namespace {
+
+using zo::simd::CpuLevel;
+
+enum class Mode { kFast, kGeneral, kCorrected, kFastSaturating, kCorrectedSaturating };
+
+Mode ModeOf(const zo::simd::LutFormPlan8& plan)
+{
+    if (plan.saturating)
+        return plan.corrected ? Mode::kCorrectedSaturating : Mode::kFastSaturating;
+    return plan.corrected ? Mode::kCorrected : plan.general ? Mode::kGeneral : Mode::kFast;
+}
+
+struct Gains {
+    double red, green, blue;
+    std::uint16_t redOffset, greenOffset, blueOffset;
+    Mode mode;
+};
+
+const Gains kGains[] = {
+    {0.9, 0.8, 0.6, 0, 0, 0, Mode::kFast},                  // every table ends below 255
+    {HUGE_VAL, 1.0, 1.2, 9, 0, 0, Mode::kGeneral},         // red: entry 0, then 255
+    {1.4, 0.9, 1.2, 0, 0, 0, Mode::kCorrected},             // 1.4 * 5 is lifted to 7; green ends below 255
+    {1.8, 1.2, 1.6, 0, 0, 0, Mode::kFastSaturating},
+    {1.8, 1.4, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.8, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},  // green the identity, skipped
+};
+
+TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
+{
+    constexpr std::uint32_t kWidth = 203, kHeight = 4;
+    std::mt19937 rng(41);
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 2 * (kHeight + 1) + 64, rng);
+    const std::uint32_t kBilinear = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
+    const struct {
+        std::int64_t source, destination;
+        std::uint32_t flags;
+    } kConversions[] = {
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB24, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR24, kBilinear},
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR32, kBilinear},
+        {ZO_PT_YUV8, ZO_PT_RGB32, 0},               {ZO_PT_YUV8, ZO_PT_BGR32, 0},
+    };
+    for (const Gains& g : kGains) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, g.greenOffset, g.blueOffset), ZO_OK);
+        const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(
+            zo::simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), 0), 3);
+        ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+        EXPECT_EQ(ModeOf(*plan), g.mode) << g.red << " " << g.green << " " << g.blue;
+        for (const auto& c : kConversions) {
+            const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(c.source, c.destination);
+            const std::uint32_t flags = c.flags;
+            auto convert = [&] {
+                std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
+                                              zotest::kPoison);
+                EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth,
+                                       kHeight, flags, 0),
+                          ZO_OK);
+                return out;
+            };
+            std::vector<std::uint8_t> expected;
+            {
+                const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+                expected = convert();
+            }
+            for (CpuLevel level : zotest::HostCpuLevels()) {
+                const zotest::CpuCeilingScope ceiling(level);
+                ASSERT_TRUE(convert() == expected) << zo::simd::CpuLevelName(level) << ", gains " << g.red << " "
+                                                   << g.green << " " << g.blue << std::hex << ", source 0x"
+                                                   << c.source << ", destination 0x" << c.destination;
+            }
+        }
+    }
+}
+
+// 16-bit tables: one filter per form of the RGB48 kernels, over areas large
+// enough for the per-call plan, from 12-bit samples (the kernels' 16-bit
+// sums; WhiteBalanceTest feeds full 16-bit samples).
+struct Gains16 {
+    std::uint32_t bits;
+    double red, green, blue;
+    std::uint16_t redOffset, blueOffset;
+    bool exact, corrected, general, wide;
+};
+
+const Gains16 kGains16[] = {
+    {12, 1.8, 1.2, 1.6, 0, 0, false, false, false, false},
+    {16, 1.4737219, 1.1, 2.018331, 0, 0, false, false, true, true},  // two-multiply fraction
+    {12, 3.0, 0.0, 1.0, 5, 4000, false, false, true, false},
+    {16, 1.8, 1.2, 1.4, 0, 0, true, false, true, false},
+    {12, 1.8, 1.2, 1.4, 0, 0, false, true, false, false},
+    {12, 1.8, 1.0, 1.4, 0, 0, false, true, false, false},  // green the identity, skipped
+};
+
+TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
+{
+    constexpr std::uint32_t kWidth = 258, kHeight = 256;  // 66048 pixels
+    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
+    std::mt19937 rng(43);
+    std::vector<std::uint8_t> input =
+        zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
+    for (std::size_t i = 1; i < input.size(); i += 2)
+        input[i] &= 0x0F;
+    const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
+    for (const Gains16& g : kGains16) {
+        ZoRGBFilter filter(g.bits);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, 0, g.blueOffset), ZO_OK);
+        if (zo::simd::HostCpuLevel() >= CpuLevel::kAVX2) {  // the forms planned at the host's level
+            const zotest::CpuCeilingScope ceiling(zo::simd::HostCpuLevel());
+            const zo::simd::LutForm16Scope scope(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
+                                                 true);
+            const zo::simd::LutFormPlan16* plan =
+                scope.Plan(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16());
+            ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+            EXPECT_EQ(plan->exact, g.exact) << g.red << " " << g.green << " " << g.blue;
+            EXPECT_EQ(plan->corrected, g.corrected) << g.red << " " << g.green << " " << g.blue;
+            EXPECT_EQ(plan->general, g.general) << g.red << " " << g.green << " " << g.blue;
+            EXPECT_EQ(plan->wide, g.wide) << g.red << " " << g.green << " " << g.blue;
+        }
+        auto convert = [&] {
+            std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
+                                          zotest::kPoison);
+            EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth, kHeight,
+                                   flags, 0),
+                      ZO_OK);
+            return out;
+        };
+        std::vector<std::uint8_t> expected;
+        {
+            const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+            expected = convert();
+        }
+        for (CpuLevel level : zotest::HostCpuLevels()) {
+            const zotest::CpuCeilingScope ceiling(level);
+            ASSERT_TRUE(convert() == expected)
+                << zo::simd::CpuLevelName(level) << ", gains " << g.red << " " << g.green << " " << g.blue;
+        }
+    }
+}
+
+}  // namespace
