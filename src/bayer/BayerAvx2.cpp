@@ -216,11 +216,12 @@ struct WordForms {
 
 // Sixteen pixels a step. Samples below 2^14 (10- and 12-bit data) are summed
 // in 16-bit lanes (as the SSE2 path does); a block with larger samples takes
-// the SSE2 identity blocks and the forms over the 96 bytes they wrote.
-template <int Mode, bool Wide>
-std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
-                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
-                            const WordForms& forms)
+// the SSE2 blocks. `forms(rgb)` maps the red, green and blue registers before
+// they are stored, `formsAfter(d)` the 96 bytes an SSE2 block wrote at d (the
+// identity line: neither does anything).
+template <class Forms, class FormsAfter>
+std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, Forms forms, FormsAfter formsAfter)
 {
     const __m256i high = _mm256_set1_epi16(static_cast<short>(0xC000));
     std::uint32_t x = from;
@@ -237,20 +238,42 @@ std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std
         unsigned char* d = dst + static_cast<std::size_t>(x) * 6;
         if (!_mm256_testz_si256(any, high)) {
             BayerWords48Sse2(line, above, below, dst, x, x + 16, phase);
-            // Register k starts 16k words, (16k) mod 3 words into a pixel.
-            for (unsigned k = 0; k < 3; ++k)
-                Arith::Words<Mode, Wide>(d + 32 * k, plan, k);
+            formsAfter(d);
             continue;
         }
         __m256i rgb[3];
         Half(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, rgb[0], rgb[1], rgb[2]);
-        for (unsigned ch = 0; ch < 3; ++ch)
-            rgb[ch] = Arith::EvalWord<Mode, Wide>(rgb[ch], forms.channel[ch], forms.scale[ch], forms.offset[ch]);
+        forms(rgb);
         Store48(d, _mm256_castsi256_si128(rgb[0]), _mm256_castsi256_si128(rgb[1]), _mm256_castsi256_si128(rgb[2]));
         Store48(d + 48, _mm256_extracti128_si256(rgb[0], 1), _mm256_extracti128_si256(rgb[1], 1),
                 _mm256_extracti128_si256(rgb[2], 1));
     }
     return x;
+}
+
+// The identity RGB48 line.
+std::uint32_t BayerWords48Avx2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                               unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+{
+    return Words48Blocks(line, above, below, dst, from, to, phase, [](__m256i(&)[3]) {}, [](unsigned char*) {});
+}
+
+template <int Mode, bool Wide>
+std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
+                            const WordForms& forms)
+{
+    return Words48Blocks(
+        line, above, below, dst, from, to, phase,
+        [&](__m256i(&rgb)[3]) {
+            for (unsigned ch = 0; ch < 3; ++ch)
+                rgb[ch] = Arith::EvalWord<Mode, Wide>(rgb[ch], forms.channel[ch], forms.scale[ch], forms.offset[ch]);
+        },
+        [&](unsigned char* d) {
+            // Register k starts 16k words, (16k) mod 3 words into a pixel.
+            for (unsigned k = 0; k < 3; ++k)
+                Arith::Words<Mode, Wide>(d + 32 * k, plan, k);
+        });
 }
 
 std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
@@ -275,7 +298,7 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
 
 }  // namespace
 
-const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Sse2,
+const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Avx2,
                                     BayerBytesFormedAvx2, BayerWords48FormedAvx2};
 
 }  // namespace zo
