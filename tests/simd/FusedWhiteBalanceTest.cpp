@@ -10,6 +10,8 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "ZoImgLib.h"
@@ -30,6 +32,30 @@ Mode ModeOf(const zo::simd::LutFormPlan8& plan)
     if (plan.saturating)
         return plan.corrected ? Mode::kCorrectedSaturating : Mode::kFastSaturating;
     return plan.corrected ? Mode::kCorrected : plan.general ? Mode::kGeneral : Mode::kFast;
+}
+
+// Converts `input` (width x height) through `filter` at the scalar level and
+// at every level the host has; every level must give the scalar bytes.
+void ExpectEveryLevelMatchesScalar(const ZoPixelConverter& conv, const ZoRGBFilter& filter,
+                                   const std::vector<std::uint8_t>& input, std::uint32_t width, std::uint32_t height,
+                                   std::uint32_t flags, const std::string& what)
+{
+    auto convert = [&] {
+        std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + 64,
+                                      zotest::kPoison);
+        EXPECT_EQ(conv.Convert(filter, input.data(), width, height, out.data(), width, height, width, height, flags, 0),
+                  ZO_OK);
+        return out;
+    };
+    std::vector<std::uint8_t> expected;
+    {
+        const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
+        expected = convert();
+    }
+    for (CpuLevel level : zotest::HostCpuLevels()) {
+        const zotest::CpuCeilingScope ceiling(level);
+        ASSERT_TRUE(convert() == expected) << zo::simd::CpuLevelName(level) << ", " << what;
+    }
 }
 
 struct Gains {
@@ -70,26 +96,10 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
         EXPECT_EQ(ModeOf(*plan), g.mode) << g.red << " " << g.green << " " << g.blue;
         for (const auto& c : kConversions) {
             const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(c.source, c.destination);
-            const std::uint32_t flags = c.flags;
-            auto convert = [&] {
-                std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
-                                              zotest::kPoison);
-                EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth,
-                                       kHeight, flags, 0),
-                          ZO_OK);
-                return out;
-            };
-            std::vector<std::uint8_t> expected;
-            {
-                const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
-                expected = convert();
-            }
-            for (CpuLevel level : zotest::HostCpuLevels()) {
-                const zotest::CpuCeilingScope ceiling(level);
-                ASSERT_TRUE(convert() == expected) << zo::simd::CpuLevelName(level) << ", gains " << g.red << " "
-                                                   << g.green << " " << g.blue << std::hex << ", source 0x"
-                                                   << c.source << ", destination 0x" << c.destination;
-            }
+            std::ostringstream what;
+            what << "gains " << g.red << " " << g.green << " " << g.blue << std::hex << ", source 0x" << c.source
+                 << ", destination 0x" << c.destination;
+            ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, c.flags, what.str());
         }
     }
 }
@@ -138,24 +148,9 @@ TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
             EXPECT_EQ(plan->general, g.general) << g.red << " " << g.green << " " << g.blue;
             EXPECT_EQ(plan->wide, g.wide) << g.red << " " << g.green << " " << g.blue;
         }
-        auto convert = [&] {
-            std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(kWidth)) * (kHeight + 1) + 64,
-                                          zotest::kPoison);
-            EXPECT_EQ(conv.Convert(filter, input.data(), kWidth, kHeight, out.data(), kWidth, kHeight, kWidth, kHeight,
-                                   flags, 0),
-                      ZO_OK);
-            return out;
-        };
-        std::vector<std::uint8_t> expected;
-        {
-            const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
-            expected = convert();
-        }
-        for (CpuLevel level : zotest::HostCpuLevels()) {
-            const zotest::CpuCeilingScope ceiling(level);
-            ASSERT_TRUE(convert() == expected)
-                << zo::simd::CpuLevelName(level) << ", gains " << g.red << " " << g.green << " " << g.blue;
-        }
+        std::ostringstream what;
+        what << "gains " << g.red << " " << g.green << " " << g.blue;
+        ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, flags, what.str());
     }
 }
 
