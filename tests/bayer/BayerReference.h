@@ -54,15 +54,10 @@ inline std::vector<Instance> AllInstances()
 // Colour (0 red, 1 green, 2 blue) of pixel (x, y) for a pattern flag.
 inline int ColourAt(std::uint32_t patternFlag, std::uint32_t x, std::uint32_t y)
 {
-    const char* rows;
-    if (patternFlag & ZO_FLAG_BAYER_GRBG)
-        rows = "GRBG";
-    else if (patternFlag & ZO_FLAG_BAYER_GBRG)
-        rows = "GBRG";
-    else if (patternFlag & ZO_FLAG_BAYER_RGGB)
-        rows = "RGGB";
-    else
-        rows = "BGGR";
+    const char* rows = patternFlag & ZO_FLAG_BAYER_GRBG   ? "GRBG"
+                       : patternFlag & ZO_FLAG_BAYER_GBRG ? "GBRG"
+                       : patternFlag & ZO_FLAG_BAYER_RGGB ? "RGGB"
+                                                          : "BGGR";
     const char c = rows[(y & 1) * 2 + (x & 1)];
     return c == 'R' ? 0 : c == 'G' ? 1 : 2;
 }

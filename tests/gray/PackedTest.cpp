@@ -14,6 +14,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
+#include "gray/TapPlacement.h"
 
 namespace {
 
@@ -31,8 +32,6 @@ struct Instance {
     std::uint32_t mask;
     int aShift;
 };
-
-const std::int64_t kDual[] = {0x1000000, 0x2000000, 0x4000000, 0x8000000};
 
 // The registered instances (tests/data/registry.csv): the class gives the kind.
 std::vector<Instance> RegisteredInstances()
@@ -52,13 +51,6 @@ unsigned BytesPerPixel(Kind k)
 {
     const unsigned bytes[] = {2, 1, 2, 3, 4};
     return bytes[int(k)];
-}
-
-// Tap bits 0x1000000, 0x2000000, 0x4000000, 0x8000000: modes 1 to 4.
-int ModeOf(std::int64_t source)
-{
-    const int modes[16] = {0, 1, 2, 0, 3, 0, 0, 0, 4};
-    return modes[(source >> 24) & 0xF];
 }
 
 // Writes sample `word` (from W0 for A, W1 for B) of instance `in` at pixel `p`.
@@ -91,17 +83,10 @@ void ReferenceWrite(const Instance& in, bool isA, std::uint32_t word, unsigned c
 // before and after): every group of the line, odd last pixel included.
 void ReferenceLine(const Instance& in, const unsigned char* src, unsigned char* line, std::uint32_t n)
 {
-    const long h = n / 2, nn = n;
-    const int mode = ModeOf(in.source);
-    const long bpp = BytesPerPixel(in.kind);
-    for (long i = 0; i < (nn + 1) / 2; ++i) {
-        const unsigned char* g = src + 3 * i;
-        const std::uint32_t w0 = g[0] | (g[1] << 8), w1 = g[1] | (g[2] << 8);
-        const long a[] = {2 * i, i, i, h - 1 - i, h - 1 - i};  // where A and B land, by mode
-        const long b[] = {2 * i + 1, h + i, nn - 1 - i, h + i, nn - 1 - i};
-        ReferenceWrite(in, true, w0, line + a[mode] * bpp);
-        ReferenceWrite(in, false, w1, line + b[mode] * bpp);
-    }
+    tap_test::PlacePairs(in.source, n, [&](long at, bool isA, long i) {
+        const unsigned char* g = src + 3 * i + (isA ? 0 : 1);
+        ReferenceWrite(in, isA, g[0] | (g[1] << 8), line + at * long(BytesPerPixel(in.kind)));
+    });
 }
 
 constexpr std::size_t kGuard = 16;  // bytes of poison on each side of a line

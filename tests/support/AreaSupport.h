@@ -121,6 +121,27 @@ inline std::vector<Area> AwkwardAreas(bool interlaced)
     return areas;
 }
 
+// Converts area `a` of random source bytes through `c` (with `filter`, or the
+// plain area form) into a poisoned destination and compares every byte with
+// what `reference` writes into the expected buffer.
+template <class Reference>
+::testing::AssertionResult AreaMatches(const ZoPixelConverter& c, const ZoRGBFilter* filter, const Area& a,
+                                       bool planar, std::mt19937& rng, Reference reference)
+{
+    AreaBuffers b = MakeBuffers(a, c.GetSourceByteSize(), c.GetDestinationByteSize(), planar, rng);
+    reference(b);
+    const std::uint32_t rc =
+        filter ? c.Convert(*filter, b.source.data(), a.sourceWidth, a.sourceHeight, b.destination.data(),
+                           a.destinationWidth, a.destinationHeight, a.width, a.height, a.flags, a.padding)
+               : c.Convert(b.source.data(), a.sourceWidth, a.sourceHeight, b.destination.data(), a.destinationWidth,
+                           a.destinationHeight, a.width, a.height, a.flags, a.padding);
+    const ::testing::AssertionResult same = SameBytes(b.destination, b.expected);
+    if (rc == ZO_OK && same)
+        return same;
+    return ::testing::AssertionFailure() << "result " << rc << ", " << same.message() << " (width " << a.width
+                                         << ", height " << a.height << ", flags " << a.flags << ")";
+}
+
 template <class T>
 bool IsA(const ZoPixelConverter* c)
 {

@@ -44,15 +44,27 @@ void Randomise(ZoRGBFilter& filter, yuvref::Tables& t, std::mt19937& rng)
     }
 }
 
-// Every instance, odd and even widths, poisoned destinations with guard
-// bytes: direct line calls (identity filter), then the filtered area
-// conversion with random tables and padded destination lines, where
-// interlaced sources fill even then odd lines. The single-pixel form is
-// refused and a zero count writes nothing.
+// Direct line calls (identity filter) of odd and even widths into poisoned
+// destinations with guard bytes.
+void CheckLines(const ZoPixelConverter& c, const Instance& in, std::mt19937& rng)
+{
+    const unsigned db = yuvref::DestBytes(in.dest), sb = in.SourcePixelBytes();
+    for (unsigned w : kWidths) {
+        const auto line = RandomBytes((w + 2) * sb, rng);
+        std::vector<unsigned char> got((w + 1) * db + kGuard, kPoison), want = got;
+        EXPECT_EQ(c.Convert(line.data(), got.data(), w), ZO_OK);
+        yuvref::Line(in, line.data(), want.data(), w, yuvref::Tables::Identity());
+        ASSERT_EQ(got, want) << Describe(in) << " param " << in.param << " width " << w;
+    }
+}
+
+// Every instance: line calls, then the filtered area conversion with random
+// tables and padded destination lines, where interlaced sources fill even
+// then odd lines. The single-pixel form is refused and a zero count writes
+// nothing.
 TEST(YUVConverters, EveryInstanceMatchesReference)
 {
     std::mt19937 rng(7);
-    const yuvref::Tables identity = yuvref::Tables::Identity();
     ASSERT_EQ(yuvref::RegisteredInstances().size(), 50u);
     for (const Instance& in : yuvref::RegisteredInstances()) {
         const ZoPixelConverter& c = Registered(in);
@@ -63,22 +75,15 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
         EXPECT_EQ(c.Convert(got.data(), got.data()), ZO_ERR_NOT_SUPPORTED);
         EXPECT_EQ(c.Convert(got.data(), got.data(), 0), ZO_OK);
         EXPECT_EQ(got, std::vector<unsigned char>(16, kPoison));
+        CheckLines(c, in, rng);
         for (unsigned w : kWidths) {
-            SCOPED_TRACE(Describe(in) + " width " + std::to_string(w));
-            const auto line = RandomBytes((w + 2) * sb, rng);
-            got.assign((w + 1) * db + kGuard, kPoison);
-            std::vector<unsigned char> want = got;
-            EXPECT_EQ(c.Convert(line.data(), got.data(), w), ZO_OK);
-            yuvref::Line(in, line.data(), want.data(), w, identity);
-            ASSERT_EQ(got, want);
-
             ZoRGBFilter filter(8);
             yuvref::Tables t;
             Randomise(filter, t, rng);
             const unsigned h = 4, padding = 5, srcLine = w * sb, dstLine = w * db + padding;
             const auto src = RandomBytes(h * srcLine + 2 * sb, rng);
             got.assign(h * dstLine + kGuard, kPoison);
-            want = got;
+            std::vector<unsigned char> want = got;
             EXPECT_EQ(c.Convert(filter, src.data(), w, h, got.data(), w, h, w, h, 0, padding), ZO_OK);
             // The walk's order of line calls, so overlapping writes land alike.
             for (unsigned pass = 0; pass < (interlaced ? 2u : 1u); ++pass)
@@ -87,7 +92,7 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
                     const unsigned dstRow = interlaced ? 2 * i + pass : i;
                     yuvref::Line(in, src.data() + srcRow * srcLine, want.data() + dstRow * dstLine, w, t);
                 }
-            ASSERT_EQ(got, want);
+            ASSERT_EQ(got, want) << Describe(in) << " width " << w;
         }
     }
 }
@@ -97,7 +102,6 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
 TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
 {
     std::mt19937 rng(5);
-    const yuvref::Tables identity = yuvref::Tables::Identity();
     struct Case {
         std::unique_ptr<const ZoPixelConverter> converter;
         Instance in;
@@ -114,15 +118,7 @@ TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
     };
     for (const Case& k : cases) {
         EXPECT_NE(&Registered(k.in), k.converter.get());
-        const unsigned db = yuvref::DestBytes(k.in.dest);
-        for (unsigned w : {1u, 7u, 33u, 70u}) {
-            SCOPED_TRACE(Describe(k.in) + " param " + std::to_string(k.in.param) + " width " + std::to_string(w));
-            const auto src = RandomBytes((w + 2) * k.in.SourcePixelBytes(), rng);
-            std::vector<unsigned char> got((w + 1) * db + kGuard, kPoison), want = got;
-            k.converter->Convert(src.data(), got.data(), w);
-            yuvref::Line(k.in, src.data(), want.data(), w, identity);
-            ASSERT_EQ(got, want);
-        }
+        CheckLines(*k.converter, k.in, rng);
     }
     EXPECT_EQ(cases[4].converter->GetSourceByteSize(), 3u);  // whatever the extra bytes
 }
