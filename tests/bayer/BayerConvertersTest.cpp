@@ -7,6 +7,7 @@
 #include "ZoBayerConverters.h"
 #include "ZoImgLib.h"
 #include "bayer/BayerReference.h"
+#include "support/AreaSupport.h"
 
 using namespace bayer_test;
 
@@ -143,25 +144,18 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
 
     std::mt19937 rng(5);
     const std::uint32_t w = 13, h = 6;
-    std::vector<std::uint8_t> source(w * h);
-    for (auto& b : source)
-        b = std::uint8_t(rng());
-    std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
-    const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
-    fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
-
-    LineRelay relay(fresh, 1, LinesOf(fresh));
-    relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
-    EXPECT_EQ(relayed, direct);
-    EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h, ZO_OK));
-
-    // Replicating through the relay: two lines per Bayer call, the relay
-    // itself steps two lines.
-    LineRelay pairs(fresh, 2, LinesOf(fresh));
-    std::vector<std::uint8_t> d1(w * h * 3, 1), d2(w * h * 3, 2);
-    fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
-    pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
-    EXPECT_EQ(d1, d2);
+    const std::vector<std::uint8_t> source = zotest::RandomBytes(w * h, rng);
+    // Interpolating: a line per Bayer call; replicating: two, the relay
+    // itself stepping two lines.
+    for (std::uint32_t flags : {ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE, std::uint32_t{ZO_FLAG_BAYER_GBRG}}) {
+        const std::uint32_t lines = (flags & ZO_FLAG_BAYER_INTERPOLATE) ? 1 : 2;
+        LineRelay relay(fresh, lines, LinesOf(fresh));
+        std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
+        fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
+        relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
+        EXPECT_EQ(relayed, direct) << flags;
+        EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h / lines, ZO_OK));
+    }
 }
 
 // Lines per line call follow the calling thread's current flags: 2 when
