@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ZoImgLib.h"
+#include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
 
 namespace bayer_test {
@@ -143,19 +144,7 @@ inline void PutPixel(const Instance& in, const ZoRGBFilter& f, const std::uint32
     for (int i = 0; i < 3; ++i)
         v[i] = in.wordFamily ? (raw[i] >> in.shift) % 256 : raw[i];
     const std::uint8_t r = f.GetRedValue8(v[0]), g = f.GetGreenValue8(v[1]), b = f.GetBlueValue8(v[2]);
-    switch (in.layout) {
-    case Layout::RGB16: {
-        const unsigned w = (unsigned(r) / 8) * 2048 + (unsigned(g) / 4) * 32 + unsigned(b) / 8;
-        d[0] = std::uint8_t(w & 0xFF);
-        d[1] = std::uint8_t(w >> 8);
-        break;
-    }
-    case Layout::RGB24: d[0] = r; d[1] = g; d[2] = b; break;
-    case Layout::BGR24: d[0] = b; d[1] = g; d[2] = r; break;
-    case Layout::RGB32: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
-    case Layout::BGR32: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
-    default: break;
-    }
+    zotest::WriteRGB(in.destination, d, r, g, b);
 }
 
 // A filter whose 8-bit and 16-bit tables hold random values.

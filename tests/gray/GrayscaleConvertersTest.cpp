@@ -26,40 +26,33 @@ struct Instance {
     std::uint32_t sourceBytes, destinationBytes;
 };
 
-// RGB16 word of an 8-bit gray value: 5, 6 and 5 bits of it.
-std::uint32_t RGB16Of(std::uint32_t g) { return ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3); }
-
 void Put16(unsigned char* d, std::uint32_t w)
 {
     d[0] = static_cast<unsigned char>(w);
     d[1] = static_cast<unsigned char>(w >> 8);
 }
 
-void PutGray(unsigned char* d, std::uint32_t bytes, std::uint32_t g)
+void PutGray(const Instance& in, unsigned char* d, std::uint32_t g)
 {
-    if (bytes == 2)
-        return Put16(d, RGB16Of(g));
-    d[0] = d[1] = d[2] = static_cast<unsigned char>(g);
-    if (bytes == 4)
-        d[3] = 0;
+    WriteRGB(in.destination, d, int(g), int(g), int(g));
 }
 
 // The line form, one pixel. The table-based kinds index a table of
 // 2^(8 + shift) entries with the sample masked to that size.
 void ReferencePixel(const Instance& in, const unsigned char* s, unsigned char* d)
 {
-    const std::uint32_t w = Word(s), sh = in.parameter, db = in.destinationBytes;
+    const std::uint32_t w = Word(s), sh = in.parameter;
     switch (in.kind) {
     case Kind::RightShift: Put16(d, w >> sh); break;
     case Kind::LeftShift: Put16(d, (w << sh) & 0xFFFF); break;
     case Kind::To8: d[0] = static_cast<unsigned char>(w >> sh); break;
     case Kind::HighByte: d[0] = s[1]; break;
-    case Kind::WordToRGB24: PutGray(d, db, (w >> sh) & 0xFF); break;
+    case Kind::WordToRGB24: PutGray(in, d, (w >> sh) & 0xFF); break;
     case Kind::WordToRGB16:
-    case Kind::WordToRGB32: PutGray(d, db, (w & ((256u << sh) - 1)) >> sh); break;
+    case Kind::WordToRGB32: PutGray(in, d, (w & ((256u << sh) - 1)) >> sh); break;
     case Kind::ByteToRGB16:
     case Kind::ByteToRGB24:
-    case Kind::ByteToRGB32: PutGray(d, db, s[in.parameter]); break;  // the last byte of the pixel
+    case Kind::ByteToRGB32: PutGray(in, d, s[in.parameter]); break;  // the last byte of the pixel
     }
 }
 

@@ -68,12 +68,8 @@ void ReferenceWrite(const Instance& in, bool isA, std::uint32_t word, unsigned c
         return;
     }
     const unsigned char g = static_cast<unsigned char>(word >> (isA ? in.aShift : in.bShift));
-    if (in.kind == Kind::RGB16) {
-        const std::uint32_t w = ((g >> 3) << 11) | ((g >> 2) << 5) | (g >> 3);
-        p[0] = static_cast<unsigned char>(w);
-        p[1] = static_cast<unsigned char>(w >> 8);
-        return;
-    }
+    if (in.kind == Kind::RGB16)
+        return zotest::WriteRGB(ZO_PT_RGB16, p, g, g, g);
     for (unsigned i = 0; i < BytesPerPixel(in.kind); ++i)  // RGB32 carries the gray value in its fourth byte
         p[i] = g;
 }

@@ -37,7 +37,6 @@ void ReferenceLinePixel(const Instance& in, const ZoRGBFilter& f, const unsigned
                         const std::size_t planes[3])
 {
     std::uint32_t r = 0, g = 0, b = 0, fourth = 0;
-    bool wide = false;  // r, g, b are shifted 16-bit values
     const std::uint32_t k = in.parameter + 1;
     switch (in.src) {
     case Src::Bytes3:
@@ -53,7 +52,6 @@ void ReferenceLinePixel(const Instance& in, const ZoRGBFilter& f, const unsigned
         r = f.GetRedValue16(Word(s)) >> in.parameter;
         g = f.GetGreenValue16(Word(s + 2)) >> in.parameter;
         b = f.GetBlueValue16(Word(s + 4)) >> in.parameter;
-        wide = true;
         break;
     case Src::RGB16: {
         const std::uint32_t w = Word(s), g6 = (w >> 5) & 63, r5 = (w >> 11) & 31;
@@ -71,21 +69,14 @@ void ReferenceLinePixel(const Instance& in, const ZoRGBFilter& f, const unsigned
         break;
     }
     }
-    const unsigned char last = in.wholeGroups ? fourth : 0;
-    switch (in.dst) {
-    case Dst::RGB16: {
-        const std::uint32_t word = wide ? ((r & 0xFFF8) << 8) | ((g & 0xFC) << 3) | ((b & 0xFF) >> 3)
-                                        : ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3);
-        d[0] = static_cast<unsigned char>(word);
-        d[1] = static_cast<unsigned char>(word >> 8);
-        break;
+    if (in.dst == Dst::Planar) {
+        d[planes[0]] = r, d[planes[1]] = g, d[planes[2]] = b;
+        return;
     }
-    case Dst::RGB24: d[0] = r; d[1] = g; d[2] = b; break;
-    case Dst::BGR24: d[0] = b; d[1] = g; d[2] = r; break;
-    case Dst::RGB32: d[0] = r; d[1] = g; d[2] = b; d[3] = last; break;
-    case Dst::BGR32: d[0] = b; d[1] = g; d[2] = r; d[3] = last; break;
-    case Dst::Planar: d[planes[0]] = r; d[planes[1]] = g; d[planes[2]] = b; break;
-    }
+    // Word channels keep their low byte (RGB16 its top 5, 6 and 5 bits).
+    WriteRGB(in.destination, d, r & 0xFF, g & 0xFF, b & 0xFF);
+    if (in.destinationBytes == 4)
+        d[3] = in.wholeGroups ? fourth : 0;
 }
 
 // The expected result of an area conversion through the instance.

@@ -48,7 +48,7 @@ void Randomise(ZoRGBFilter& filter, yuvref::Tables& t, std::mt19937& rng)
 // destinations with guard bytes.
 void CheckLines(const ZoPixelConverter& c, const Instance& in, std::mt19937& rng)
 {
-    const unsigned db = yuvref::DestBytes(in.dest), sb = in.SourcePixelBytes();
+    const unsigned db = zotest::RGBBytes(in.dest), sb = in.SourcePixelBytes();
     for (unsigned w : kWidths) {
         const auto line = RandomBytes((w + 2) * sb, rng);
         std::vector<unsigned char> got((w + 1) * db + kGuard, kPoison), want = got;
@@ -68,7 +68,7 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
     ASSERT_EQ(yuvref::RegisteredInstances().size(), 50u);
     for (const Instance& in : yuvref::RegisteredInstances()) {
         const ZoPixelConverter& c = Registered(in);
-        const unsigned db = yuvref::DestBytes(in.dest), sb = in.SourcePixelBytes();
+        const unsigned db = zotest::RGBBytes(in.dest), sb = in.SourcePixelBytes();
         ASSERT_EQ(c.GetDestinationByteSize(), db);
         const bool interlaced = (in.source & ZO_PIXEL_INTERLACED) != 0;
         std::vector<unsigned char> got(16, kPoison);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <vector>
 
+#include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
 
 namespace yuvref {
@@ -31,32 +32,6 @@ inline RGB Convert(int y, int u, int v)
 }
 
 enum class Family { YUV8, YUV10, YUV444 };
-
-// Destination layout from the destination ID.
-inline int DestBytes(std::int64_t dest)
-{
-    switch (dest) {
-    case 0x20001: return 2;
-    case 0x20002: case 0x20006: return 3;
-    default: return 4;
-    }
-}
-
-inline void WritePixel(std::int64_t dest, unsigned char* d, int r, int g, int b)
-{
-    switch (dest) {
-    case 0x20001: {
-        const unsigned w = (unsigned(r >> 3) << 11) | (unsigned(g >> 2) << 5) | unsigned(b >> 3);
-        d[0] = static_cast<unsigned char>(w & 0xFF);
-        d[1] = static_cast<unsigned char>(w >> 8);
-        break;
-    }
-    case 0x20002: d[0] = r; d[1] = g; d[2] = b; break;
-    case 0x20006: d[0] = b; d[1] = g; d[2] = r; break;
-    case 0x20003: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
-    case 0x20007: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
-    }
-}
 
 struct Tables {
     unsigned char r[256], g[256], b[256];
@@ -90,7 +65,7 @@ struct Instance {
 // The bytes a line call writes, at their place in `dst`.
 inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count, const Tables& t)
 {
-    const int db = DestBytes(in.dest);
+    const int db = zotest::RGBBytes(in.dest);
     if (in.family == Family::YUV444) {
         const unsigned blocked = count / 4 * 4;
         for (unsigned i = 0; i < count; ++i) {
@@ -101,7 +76,7 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
                 g = t.b[c.g];
                 b = t.g[c.b];
             }
-            WritePixel(in.dest, dst + i * db, t.r[c.r], g, b);
+            zotest::WriteRGB(in.dest, dst + i * db, t.r[c.r], g, b);
         }
         return;
     }
@@ -118,7 +93,7 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
             }
         }
         const RGB c = Convert(sample[i % 2 == 0 ? 0 : 2], sample[1], sample[3]);
-        WritePixel(in.dest, dst + i * db, t.r[c.r], t.g[c.g], t.b[c.b]);
+        zotest::WriteRGB(in.dest, dst + i * db, t.r[c.r], t.g[c.g], t.b[c.b]);
     }
 }
 
