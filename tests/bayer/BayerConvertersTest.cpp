@@ -49,8 +49,9 @@ TEST(BayerConverters, EveryInstanceMatchesTheReference)
     for (std::uint32_t w = 1; w <= 9; ++w)
         for (std::uint32_t h = 1; h <= 9; ++h)  // 16-bit samples: 12-bit data or full range
             cases.push_back({w, w, h, 0, nullptr, 0, (w + h) % 2 ? 0x0FFFu : 0xFFFFu});
-    cases.insert(cases.end(), {Case{16, 16, 3, 0, nullptr, 0}, Case{17, 17, 4, 0, nullptr, 0},
-                               Case{33, 33, 6, 0, nullptr, 0}, Case{40, 40, 2, 0, nullptr, 0}, Case{41, 41, 3, 0, nullptr, 0}});
+    for (const auto& [w, h] : {std::pair{16u, 3u}, std::pair{17u, 4u}, std::pair{33u, 6u}, std::pair{40u, 2u}})
+        cases.push_back({w, w, h, 0, nullptr, 0});
+    cases.push_back({41, 41, 3, 0, nullptr, 0});
     for (Case c : {Case{9, 9, 7, 0, nullptr, 0}, Case{20, 17, 6, 0, nullptr, 3}, Case{12, 5, 5, 0, nullptr, 1},
                    Case{33, 33, 4, 0, nullptr, 0}, Case{2, 1, 3, 0, nullptr, 2}})
         for (const ZoRGBFilter* f : {&RandomFilter(), static_cast<const ZoRGBFilter*>(nullptr)}) {

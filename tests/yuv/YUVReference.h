@@ -33,17 +33,6 @@ inline RGB Convert(int y, int u, int v)
 
 enum class Family { YUV8, YUV10, YUV444 };
 
-struct Tables {
-    unsigned char r[256], g[256], b[256];
-    static Tables Identity()
-    {
-        Tables t;
-        for (int i = 0; i < 256; ++i)
-            t.r[i] = t.g[i] = t.b[i] = static_cast<unsigned char>(i);
-        return t;
-    }
-};
-
 // One registered converter as the rules describe it.
 struct Instance {
     std::int64_t source;
@@ -63,7 +52,8 @@ struct Instance {
 };
 
 // The bytes a line call writes, at their place in `dst`.
-inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count, const Tables& t)
+inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count,
+                 const ZoRGBFilter& f)
 {
     const int db = zotest::RGBBytes(in.dest);
     if (in.family == Family::YUV444) {
@@ -71,12 +61,12 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
         for (unsigned i = 0; i < count; ++i) {
             const unsigned char* p = src + i * 3 * (in.param + 1) + in.param;
             const RGB c = Convert(p[in.y], p[in.u], p[in.v]);
-            int g = t.g[c.g], b = t.b[c.b];
+            int g = f.GetGreenValue8(c.g), b = f.GetBlueValue8(c.b);
             if (in.dest == 0x20001 && i < blocked) {  // RGB16: tables swapped in the blocks of four
-                g = t.b[c.g];
-                b = t.g[c.b];
+                g = f.GetBlueValue8(c.g);
+                b = f.GetGreenValue8(c.b);
             }
-            zotest::WriteRGB(in.dest, dst + i * db, t.r[c.r], g, b);
+            zotest::WriteRGB(in.dest, dst + i * db, f.GetRedValue8(c.r), g, b);
         }
         return;
     }
@@ -93,7 +83,7 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
             }
         }
         const RGB c = Convert(sample[i % 2 == 0 ? 0 : 2], sample[1], sample[3]);
-        zotest::WriteRGB(in.dest, dst + i * db, t.r[c.r], t.g[c.g], t.b[c.b]);
+        zotest::WriteRGB(in.dest, dst + i * db, f.GetRedValue8(c.r), f.GetGreenValue8(c.g), f.GetBlueValue8(c.b));
     }
 }
 
