@@ -129,11 +129,6 @@ private:
     Line mLine;
 };
 
-LineRelay::Line LinesOf(const ZoPixelConverter& bayer)
-{
-    return [&bayer](const unsigned char* s, unsigned char* d, std::uint32_t n) { return bayer.Convert(s, d, n); };
-}
-
 }  // namespace
 
 // A line call outside the Bayer converter's own area call uses the layout
@@ -150,7 +145,7 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
     // itself stepping two lines.
     for (std::uint32_t flags : {ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE, std::uint32_t{ZO_FLAG_BAYER_GBRG}}) {
         const std::uint32_t lines = (flags & ZO_FLAG_BAYER_INTERPOLATE) ? 1 : 2;
-        LineRelay relay(fresh, lines, LinesOf(fresh));
+        LineRelay relay(fresh, lines, [&fresh](auto s, auto d, std::uint32_t n) { return fresh.Convert(s, d, n); });
         std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
         fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
         relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);

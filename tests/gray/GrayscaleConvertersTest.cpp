@@ -32,27 +32,23 @@ void Put16(unsigned char* d, std::uint32_t w)
     d[1] = static_cast<unsigned char>(w >> 8);
 }
 
-void PutGray(const Instance& in, unsigned char* d, std::uint32_t g)
-{
-    WriteRGB(in.destination, d, int(g), int(g), int(g));
-}
-
 // The line form, one pixel. The table-based kinds index a table of
 // 2^(8 + shift) entries with the sample masked to that size.
 void ReferencePixel(const Instance& in, const unsigned char* s, unsigned char* d)
 {
     const std::uint32_t w = Word(s), sh = in.parameter;
+    const auto gray = [&](std::uint32_t g) { WriteRGB(in.destination, d, int(g), int(g), int(g)); };
     switch (in.kind) {
     case Kind::RightShift: Put16(d, w >> sh); break;
     case Kind::LeftShift: Put16(d, (w << sh) & 0xFFFF); break;
     case Kind::To8: d[0] = static_cast<unsigned char>(w >> sh); break;
     case Kind::HighByte: d[0] = s[1]; break;
-    case Kind::WordToRGB24: PutGray(in, d, (w >> sh) & 0xFF); break;
+    case Kind::WordToRGB24: gray((w >> sh) & 0xFF); break;
     case Kind::WordToRGB16:
-    case Kind::WordToRGB32: PutGray(in, d, (w & ((256u << sh) - 1)) >> sh); break;
+    case Kind::WordToRGB32: gray((w & ((256u << sh) - 1)) >> sh); break;
     case Kind::ByteToRGB16:
     case Kind::ByteToRGB24:
-    case Kind::ByteToRGB32: PutGray(in, d, s[in.parameter]); break;  // the last byte of the pixel
+    case Kind::ByteToRGB32: gray(s[in.parameter]); break;  // the last byte of the pixel
     }
 }
 

@@ -2,7 +2,6 @@
 // per-pixel reference of YUVReference.h, and hand-worked pixels.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -20,16 +19,6 @@ using zotest::RandomBytes;
 
 constexpr std::size_t kGuard = 64;
 const unsigned kWidths[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 15, 16, 17, 31, 33, 35, 64, 100, 257, 301, 600};
-
-const ZoPixelConverter& Registered(const Instance& in)
-{
-    return ZoPixelTypeFactory::GetConverter(in.source, in.dest);
-}
-
-std::string Describe(const Instance& in)
-{
-    return (testing::Message() << std::hex << in.source << " -> " << in.dest).GetString();
-}
 
 // A filter with random (non-identity) 8-bit tables.
 void Randomise(ZoRGBFilter& filter, std::mt19937& rng)
@@ -51,7 +40,8 @@ void CheckLines(const ZoPixelConverter& c, const Instance& in, std::mt19937& rng
         std::vector<unsigned char> got((w + 1) * db + kGuard, kPoison), want = got;
         EXPECT_EQ(c.Convert(line.data(), got.data(), w), ZO_OK);
         yuvref::Line(in, line.data(), want.data(), w, ZoRGBFilter(8));
-        ASSERT_EQ(got, want) << Describe(in) << " param " << in.param << " width " << w;
+        ASSERT_EQ(got, want) << std::hex << in.source << " -> " << in.dest << std::dec << " param " << in.param
+                             << " width " << w;
     }
 }
 
@@ -64,7 +54,7 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
     std::mt19937 rng(7);
     ASSERT_EQ(yuvref::RegisteredInstances().size(), 50u);
     for (const Instance& in : yuvref::RegisteredInstances()) {
-        const ZoPixelConverter& c = Registered(in);
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(in.source, in.dest);
         const unsigned db = zotest::RGBBytes(in.dest), sb = in.SourcePixelBytes();
         ASSERT_EQ(c.GetDestinationByteSize(), db);
         const bool interlaced = (in.source & ZO_PIXEL_INTERLACED) != 0;
@@ -88,7 +78,7 @@ TEST(YUVConverters, EveryInstanceMatchesReference)
                     const unsigned dstRow = interlaced ? 2 * i + pass : i;
                     yuvref::Line(in, src.data() + srcRow * srcLine, want.data() + dstRow * dstLine, w, filter);
                 }
-            ASSERT_EQ(got, want) << Describe(in) << " width " << w;
+            ASSERT_EQ(got, want) << std::hex << in.source << " -> " << in.dest << std::dec << " width " << w;
         }
     }
 }
@@ -113,7 +103,7 @@ TEST(YUVConverters, ConstructedInstancesWithExtraBytesAndOffsets)
          {ZO_PT_YUV8_444, ZO_PT_RGB16, Family::YUV444, 2, 1, 1, 0}},
     };
     for (const Case& k : cases) {
-        EXPECT_NE(&Registered(k.in), k.converter.get());
+        EXPECT_NE(&ZoPixelTypeFactory::GetConverter(k.in.source, k.in.dest), k.converter.get());
         CheckLines(*k.converter, k.in, rng);
     }
     EXPECT_EQ(cases[4].converter->GetSourceByteSize(), 3u);  // whatever the extra bytes

@@ -4,7 +4,6 @@
 #define ZO_TESTS_YUV_REFERENCE_H
 
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "support/AreaSupport.h"
