@@ -11,5 +11,4 @@ list(APPEND ZO_LIB_SOURCES
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/PixelTypeTest.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/RegistryTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/CatalogueTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/simd/StreamingStoresTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/core/CatalogueTest.cpp)

@@ -16,12 +16,13 @@
 #ifdef _WIN32
 #include <windows.h>
 typedef HMODULE Library;
+#define OpenLibrary(path) LoadLibraryA(path)
 #else
 #include <dlfcn.h>
 typedef void* Library;
+#define OpenLibrary(path) dlopen(path, RTLD_NOW | RTLD_LOCAL)
 #endif
 
-#include <stdbool.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <string.h>
@@ -42,19 +43,17 @@ static int gFailures = 0;
 #define CHECK(condition) \
     do { if (!(condition)) { fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #condition); ++gFailures; } } while (0)
 
-static Library gLibrary;
-
 /* GetProcAddress's (or dlsym's) pointer, converted to the generic function
  * pointer type so that the cast to the real signature is well defined. */
 typedef void (*AnyFn)(void);
-static AnyFn Bind(const char* name)
+static AnyFn Bind(Library library, const char* name)
 {
     AnyFn fn = NULL;
 #ifdef _WIN32
-    FARPROC p = GetProcAddress(gLibrary, name);
+    FARPROC p = GetProcAddress(library, name);
     fn = (AnyFn)p;
 #else
-    void* p = dlsym(gLibrary, name);
+    void* p = dlsym(library, name);
     memcpy(&fn, &p, sizeof fn);
 #endif
     if (!p) {
@@ -64,26 +63,22 @@ static AnyFn Bind(const char* name)
     return fn;
 }
 
-enum { kPoison = 0xA5, kGuard = 64 };
-
 /* The interlaced 8-bit gray deinterlacer: the source holds two fields one
  * after the other; the first goes to the even lines, the second to the odd
  * ones, swapped by ZO_FLAG_INVERT_DEINTERLACER. A 7-pixel window of 9-pixel
  * lines goes into lines of 9 pixels and 3 padding bytes: only the window's
- * bytes are written. */
+ * bytes are written (a guard line after the frame stays poisoned too). */
 static void Deinterlace(GetConverterFn getConverter, ConvertAreaFn convertArea)
 {
-    enum { W = 9, H = 6, Width = 7, Padding = 3, Line = W + Padding };
-    unsigned char source[W * H], actual[Line * H + kGuard], expected[Line * H + kGuard];
+    enum { W = 9, H = 6, Width = 7, Padding = 3, Line = W + Padding, kPoison = 0xA5 };
+    unsigned char source[W * H], actual[Line * (H + 1)], expected[Line * (H + 1)];
     const ConverterHandle deinterlace = getConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
     uint32_t invert, i, x, y;
 
     CHECK(deinterlace != NULL);
-    if (!deinterlace)
-        return;
     for (i = 0; i < sizeof source; ++i)  /* bytes that differ from line to line and from the poison */
         source[i] = (unsigned char)(i * 7u + 3u) == kPoison ? 0 : (unsigned char)(i * 7u + 3u);
-    for (invert = 0; invert < 2; ++invert) {
+    for (invert = 0; invert < 2 && deinterlace; ++invert) {
         memset(actual, kPoison, sizeof actual);
         memset(expected, kPoison, sizeof expected);
         for (y = 0; y < H; ++y)
@@ -91,75 +86,51 @@ static void Deinterlace(GetConverterFn getConverter, ConvertAreaFn convertArea)
                 expected[y * Line + x] = source[(((y % 2) ^ invert) * (H / 2) + y / 2) * W + x];
         CHECK(convertArea(deinterlace, source, W, H, actual, W, H, Width, H, invert ? ZO_FLAG_INVERT_DEINTERLACER : 0,
                           Padding) == ZO_OK);
-        for (i = 0; i < sizeof actual; ++i)
-            if (actual[i] != expected[i]) {
-                fprintf(stderr, "deinterlace %u: byte %u is 0x%02X, expected 0x%02X\n", (unsigned)invert,
-                        (unsigned)i, actual[i], expected[i]);
-                ++gFailures;
-                break;
-            }
+        CHECK(memcmp(actual, expected, sizeof actual) == 0);
     }
 }
 
 /* One load of the library: bind, convert, check, unload. */
 static void LoadConvertUnload(const char* path)
 {
-#ifdef _WIN32
-    gLibrary = LoadLibraryA(path);
-    if (!gLibrary) {
-        fprintf(stderr, "LoadLibrary(%s) failed: error %lu\n", path, (unsigned long)GetLastError());
+    Library library = OpenLibrary(path);
+    if (!library) {
+        fprintf(stderr, "cannot load %s\n", path);
         ++gFailures;
         return;
     }
-#else
-    gLibrary = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    if (!gLibrary) {
-        fprintf(stderr, "dlopen(%s) failed: %s\n", path, dlerror());
-        ++gFailures;
+    GetConverterFn getConverter = (GetConverterFn)Bind(library, "ZoPixelTypeFactory_GetConverter");
+    ConvertAreaFn convertArea = (ConvertAreaFn)Bind(library, "ZoPixelConverter_ConvertArea");
+    GetNameFn typeName = (GetNameFn)Bind(library, "ZoPixelTypeFactory_GetPixelTypeName");
+    GetTypeIdFn typeId = (GetTypeIdFn)Bind(library, "ZoPixelType_GetTypeID");
+    if (gFailures)
         return;
-    }
-#endif
-    {
-        GetConverterFn getConverter = (GetConverterFn)Bind("ZoPixelTypeFactory_GetConverter");
-        ConvertAreaFn convertArea = (ConvertAreaFn)Bind("ZoPixelConverter_ConvertArea");
-        GetNameFn typeName = (GetNameFn)Bind("ZoPixelTypeFactory_GetPixelTypeName");
-        GetTypeIdFn typeId = (GetTypeIdFn)Bind("ZoPixelType_GetTypeID");
-
-        if (gFailures)
-            return;
-        /* 64-bit arguments and results cross the boundary intact. */
-        CHECK(typeId(NULL) == ZO_NO_PIXEL_TYPE_ID);
-        CHECK(strcmp(typeName(0x7777), "Unregistered pixel type") == 0);
-        CHECK(getConverter(ZO_PT_GRAY8, 0x7777) == NULL);
-        CHECK(convertArea(NULL, NULL, 1, 1, NULL, 1, 1, 1, 1, 0, 0) == ZO_ERR_BAD_ARGUMENT);
-        Deinterlace(getConverter, convertArea);
-    }
+    /* 64-bit arguments and results cross the boundary intact. */
+    CHECK(typeId(NULL) == ZO_NO_PIXEL_TYPE_ID && strcmp(typeName(0x7777), "Unregistered pixel type") == 0);
+    CHECK(getConverter(ZO_PT_GRAY8, 0x7777) == NULL &&
+          convertArea(NULL, NULL, 1, 1, NULL, 1, 1, 1, 1, 0, 0) == ZO_ERR_BAD_ARGUMENT);
+    Deinterlace(getConverter, convertArea);
 
     /* Unloading runs the library's teardown; the module is then gone, so the
      * next load runs the start-up again. */
 #ifdef _WIN32
-    CHECK(FreeLibrary(gLibrary));
+    CHECK(FreeLibrary(library));
     CHECK(GetModuleHandleA("ZoImgLib64.dll") == NULL);
 #else
-    CHECK(dlclose(gLibrary) == 0);
-    {
-        void* still = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
-        CHECK(still == NULL);
-        if (still)
-            dlclose(still);
-    }
+    CHECK(dlclose(library) == 0);
+    library = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+    CHECK(library == NULL);
+    if (library)
+        dlclose(library);
 #endif
-    gLibrary = NULL;
 }
 
 int main(int argc, char** argv)
 {
     const char* path = argc > 1 ? argv[1] : "ZoImgLib64.dll";
-    int load;
-
     /* Several loads in one process: every start-up must register everything
      * again and every teardown must leave nothing behind that breaks it. */
-    for (load = 0; load < 3 && gFailures == 0; ++load)
+    for (int load = 0; load < 3 && gFailures == 0; ++load)
         LoadConvertUnload(path);
     if (gFailures) {
         fprintf(stderr, "%d check(s) failed\n", gFailures);

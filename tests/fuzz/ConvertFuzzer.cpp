@@ -20,15 +20,20 @@
 
 namespace {
 
+[[noreturn]] void Fail(const zofuzz::Pair& pair, const char* what, std::uint32_t result)
+{
+    std::fprintf(stderr, "0x%llx -> 0x%llx: %s %u\n", static_cast<unsigned long long>(pair.source),
+                 static_cast<unsigned long long>(pair.destination), what, result);
+    std::abort();
+}
+
 ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
 {
-    const std::uint32_t bitSizes[] = {8, 10, 12, 16};
-    ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray(bitSizes));
+    ZoRGBFilter* filter = ZoRGBFilter_Init(in.PickValueInArray<std::uint32_t>({8, 10, 12, 16}));
     if (!filter)
         std::abort();
-    const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0);
-    const double green = in.ConsumeFloatingPointInRange(0.0, 4.0);
-    const double blue = in.ConsumeFloatingPointInRange(0.0, 4.0);
+    const double red = in.ConsumeFloatingPointInRange(-0.5, 4.0), green = in.ConsumeFloatingPointInRange(0.0, 4.0),
+                 blue = in.ConsumeFloatingPointInRange(0.0, 4.0);
     const std::uint32_t r = ZoRGBFilter_SetMultipliers(filter, red, green, blue, in.ConsumeIntegral<std::uint16_t>(),
                                                        in.ConsumeIntegral<std::uint16_t>(),
                                                        in.ConsumeIntegral<std::uint16_t>());
@@ -39,13 +44,11 @@ ZoRGBFilter* MakeFilter(FuzzedDataProvider& in)
         const std::uint32_t index = in.ConsumeIntegralInRange<std::uint32_t>(0, 2 * entries);
         const std::uint16_t value = in.ConsumeIntegral<std::uint16_t>();
         const std::uint32_t expected = index < entries && value < entries ? ZO_OK : ZO_ERR_BAD_ARGUMENT;
-        std::uint32_t result = 0;
-        switch (in.ConsumeIntegralInRange(0, 2)) {
-        case 0: result = ZoRGBFilter_SetRedValue(filter, index, value); break;
-        case 1: result = ZoRGBFilter_SetGreenValue(filter, index, value); break;
-        default: result = ZoRGBFilter_SetBlueValue(filter, index, value); break;
-        }
-        if (result != expected)
+        const int channel = in.ConsumeIntegralInRange(0, 2);
+        const auto set = channel == 0 ? ZoRGBFilter_SetRedValue
+                         : channel == 1 ? ZoRGBFilter_SetGreenValue
+                                        : ZoRGBFilter_SetBlueValue;
+        if (set(filter, index, value) != expected)
             std::abort();
     }
     return filter;
@@ -68,14 +71,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ZoRGBFilter* filter = in.ConsumeBool() ? MakeFilter(in) : nullptr;
     const bool plainForm = !filter && in.ConsumeBool();  // ConvertArea rather than a null filter
 
-    const ZoPixelConverter* converter = pair.converter;
+    const ZoPixelConverter* const converter = pair.converter;
     ZoAreaBufferSizes sizes{};
-    if (ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight, destinationWidth,
-                                            destinationHeight, width, height, flags, padding, &sizes) != ZO_OK) {
-        std::fprintf(stderr, "no buffer sizes for 0x%llx -> 0x%llx\n", static_cast<unsigned long long>(pair.source),
-                     static_cast<unsigned long long>(pair.destination));
-        std::abort();
-    }
+    if (const std::uint32_t r = ZoPixelConverter_GetAreaBufferSizes(converter, sourceWidth, sourceHeight,
+                                                                     destinationWidth, destinationHeight, width,
+                                                                     height, flags, padding, &sizes))
+        Fail(pair, "buffer sizes answered", r);
     // Separate exact allocations: a byte beyond either is a redzone. new[]
     // gives a distinct pointer even for 0 bytes, as callers' buffers are.
     const std::unique_ptr<unsigned char[]> source(new unsigned char[sizes.sourceBytes]);
@@ -94,10 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                        out, destinationWidth, destinationHeight, width, height,
                                                        flags, padding);
     ZoRGBFilter_Destroy(filter);
-    if (result != ZO_OK) {
-        std::fprintf(stderr, "0x%llx -> 0x%llx answered %u\n", static_cast<unsigned long long>(pair.source),
-                     static_cast<unsigned long long>(pair.destination), result);
-        std::abort();
-    }
+    if (result != ZO_OK)
+        Fail(pair, "conversion answered", result);
     return 0;
 }

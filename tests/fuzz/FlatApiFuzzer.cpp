@@ -34,6 +34,9 @@ void Check(bool ok)
         std::abort();
 }
 
+// Functions of the extension answer one of three codes.
+void CheckKnownResult(std::uint32_t r) { Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED); }
+
 std::int64_t AnyId(FuzzedDataProvider& in)
 {
     switch (in.ConsumeIntegralInRange(0, 3)) {
@@ -41,15 +44,12 @@ std::int64_t AnyId(FuzzedDataProvider& in)
         const zofuzz::Pair& p = zofuzz::AnyPair(in);
         return in.ConsumeBool() ? p.source : p.destination;
     }
-    case 1: {
-        const std::int64_t extremes[] = {0, -1, 1, std::numeric_limits<std::int64_t>::min(),
-                                         std::numeric_limits<std::int64_t>::max(), 0xFFFFFFFFLL, 0x100000000LL,
-                                         ZO_PIXEL_TAP_MASK, 0x7FFFFFFF};
-        return in.PickValueInArray(extremes);
-    }
+    case 1:
+        return in.PickValueInArray<std::int64_t>({0, -1, 1, std::numeric_limits<std::int64_t>::min(),
+                                                  std::numeric_limits<std::int64_t>::max(), 0xFFFFFFFFLL,
+                                                  0x100000000LL, ZO_PIXEL_TAP_MASK, 0x7FFFFFFF});
     case 2:  // a registered ID with random attribute bits flipped
-        return zofuzz::AnyPair(in).source ^
-               (std::int64_t(in.ConsumeIntegral<std::uint32_t>()) & 0x1FF00000);
+        return zofuzz::AnyPair(in).source ^ (std::int64_t(in.ConsumeIntegral<std::uint32_t>()) & 0x1FF00000);
     default:
         return in.ConsumeIntegral<std::int64_t>();
     }
@@ -59,15 +59,14 @@ std::int64_t AnyId(FuzzedDataProvider& in)
 std::int64_t NameableId(FuzzedDataProvider& in)
 {
     const std::int64_t id = AnyId(in);
-    if (ZoPixelTypeFactory_HasPixelType(id))
-        return id;
-    return 0x7A5A000000000000LL | (id & 0xFFF);
+    return ZoPixelTypeFactory_HasPixelType(id) ? id : 0x7A5A000000000000LL | (id & 0xFFF);
 }
 
 std::uint32_t AnyCount(FuzzedDataProvider& in)
 {
-    const std::uint32_t extremes[] = {0, 1, 2, 3, 255, 256, 65535, 65536, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
-    return in.ConsumeBool() ? in.PickValueInArray(extremes) : in.ConsumeIntegral<std::uint32_t>();
+    return in.ConsumeBool() ? in.PickValueInArray<std::uint32_t>({0, 1, 2, 3, 255, 256, 65535, 65536, 0x7FFFFFFF,
+                                                                  0x80000000, 0xFFFFFFFF})
+                            : in.ConsumeIntegral<std::uint32_t>();
 }
 
 double AnyMultiplier(FuzzedDataProvider& in)
@@ -81,9 +80,9 @@ double AnyMultiplier(FuzzedDataProvider& in)
 // 0 to 16 bits, or a size whose tables cannot exist (no filter is made).
 std::uint32_t FilterBitSize(FuzzedDataProvider& in)
 {
-    const std::uint32_t huge[] = {32, 33, 40, 63, 64, 1024, 0x7FFFFFFF, 0xFFFFFFFF};
-    return in.ConsumeIntegralInRange(0, 3) == 0 ? in.PickValueInArray(huge)
-                                                : in.ConsumeIntegralInRange<std::uint32_t>(0, 16);
+    return in.ConsumeIntegralInRange(0, 3) == 0
+               ? in.PickValueInArray<std::uint32_t>({32, 33, 40, 63, 64, 1024, 0x7FFFFFFF, 0xFFFFFFFF})
+               : in.ConsumeIntegralInRange<std::uint32_t>(0, 16);
 }
 
 constexpr int kSlots = 4;
@@ -93,10 +92,8 @@ struct Handles {
     ZoRGBFilter* filters[kSlots] = {};
     ~Handles()
     {
-        for (ZoPixelType* t : types)
-            ZoPixelType_Destroy(t);
-        for (ZoRGBFilter* f : filters)
-            ZoRGBFilter_Destroy(f);
+        for (int i = 0; i < kSlots; ++i)
+            ZoPixelType_Destroy(types[i]), ZoRGBFilter_Destroy(filters[i]);
     }
 };
 
@@ -104,52 +101,43 @@ void TypeOperation(FuzzedDataProvider& in, Handles& h)
 {
     ZoPixelType*& slot = h.types[in.ConsumeIntegralInRange(0, kSlots - 1)];
     ZoPixelType* other = in.ConsumeBool() ? h.types[in.ConsumeIntegralInRange(0, kSlots - 1)] : nullptr;
+    const auto replace = [&slot](ZoPixelType* type) { ZoPixelType_Destroy(slot), slot = type; };
     switch (in.ConsumeIntegralInRange(0, 7)) {
     case 0: {
         const std::int64_t id = AnyId(in);
-        ZoPixelType* created = ZoPixelTypeFactory_CreatePixelType(id);
-        Check((created != nullptr) == ZoPixelTypeFactory_HasPixelType(id));
-        ZoPixelType_Destroy(slot);
-        slot = created;
+        replace(ZoPixelTypeFactory_CreatePixelType(id));
+        Check((slot != nullptr) == ZoPixelTypeFactory_HasPixelType(id));
         break;
     }
-    case 1: {
-        ZoPixelType* created = ZoPixelTypeFactory_CreatePixelType2(
+    case 1:
+        replace(ZoPixelTypeFactory_CreatePixelType2(
             AnyCount(in) % 2 ? in.ConsumeIntegralInRange<std::uint32_t>(0, 72) : AnyCount(in),
             in.ConsumeBool() ? std::int64_t(0x10000) << in.ConsumeIntegralInRange(0, 2) : AnyId(in),
             in.ConsumeIntegral<std::int32_t>(), in.ConsumeIntegral<std::int32_t>(), in.ConsumeIntegral<std::int32_t>(),
             in.ConsumeIntegral<std::int32_t>(), in.ConsumeBool() ? 0 : AnyId(in) & ZO_PIXEL_TAP_MASK,
-            in.ConsumeIntegral<std::int32_t>(), AnyCount(in) % 8);
-        ZoPixelType_Destroy(slot);
-        slot = created;
+            in.ConsumeIntegral<std::int32_t>(), AnyCount(in) % 8));
         break;
-    }
     case 2: {
         ZoPixelType* copy = ZoPixelType_Clone(other);
-        Check((copy != nullptr) == (other != nullptr));
-        if (copy)
-            Check(ZoPixelType_GetTypeID(copy) == ZoPixelType_GetTypeID(other));
-        ZoPixelType_Destroy(slot);
-        slot = copy;
+        Check(copy ? other && ZoPixelType_GetTypeID(copy) == ZoPixelType_GetTypeID(other) : !other);
+        replace(copy);
         break;
     }
     case 3:
-        ZoPixelType_Destroy(slot);
-        slot = nullptr;
+        replace(nullptr);
         break;
     case 4:
-        Check(slot || ZoPixelType_GetTypeID(slot) == ZO_NO_PIXEL_TYPE_ID);
-        Check(slot || (ZoPixelType_GetPixelBitSize(slot) == 0 && ZoPixelType_GetPixelByteSize(slot) == 0 &&
-                       !ZoPixelType_IsBayerPattern(slot)));
+        Check(slot || (ZoPixelType_GetTypeID(slot) == ZO_NO_PIXEL_TYPE_ID && !ZoPixelType_IsBayerPattern(slot) &&
+                       ZoPixelType_GetPixelBitSize(slot) == 0 && ZoPixelType_GetPixelByteSize(slot) == 0));
         break;
     case 5:
         ZoPixelType_GetBufferSizeFor(slot, AnyCount(in), AnyCount(in));
         break;
     case 6: {
         const bool to = ZoPixelType_HasConverterTo(slot, other);
-        Check(to == (ZoPixelType_GetConverterTo(slot, other) != nullptr));
-        Check(ZoPixelType_HasConverterFrom(other, slot) == to);
-        Check((ZoPixelType_GetConverterFrom(other, slot) != nullptr) == to);
+        Check(to == (ZoPixelType_GetConverterTo(slot, other) != nullptr) &&
+              to == ZoPixelType_HasConverterFrom(other, slot) &&
+              to == (ZoPixelType_GetConverterFrom(other, slot) != nullptr));
         break;
     }
     default: {  // registered IDs (a slot's among them) or a bounded pool of others; asks HasPixelType
@@ -191,17 +179,17 @@ void RegistryOperation(FuzzedDataProvider& in)
         // Null converters everywhere, buffers included: nothing is touched.
         unsigned char byte = 0;
         const std::uint32_t n = AnyCount(in);
-        Check(ZoPixelConverter_GetSourceType(nullptr) == 0 && ZoPixelConverter_GetDestinationType(nullptr) == 0);
-        Check(ZoPixelConverter_GetSourceByteSize(nullptr, n) == 0 &&
+        Check(ZoPixelConverter_GetSourceType(nullptr) == 0 && ZoPixelConverter_GetDestinationType(nullptr) == 0 &&
+              ZoPixelConverter_GetSourceByteSize(nullptr, n) == 0 &&
               ZoPixelConverter_GetDestinationByteSize(nullptr, n) == 0);
-        Check(ZoPixelConverter_ConvertPixel(nullptr, &byte, &byte) == ZO_ERR_BAD_ARGUMENT);
-        Check(ZoPixelConverter_ConvertLine(nullptr, nullptr, nullptr, n) == ZO_ERR_BAD_ARGUMENT);
-        Check(ZoPixelConverter_ConvertArea(nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n) ==
-              ZO_ERR_BAD_ARGUMENT);
-        Check(ZoPixelConverter_ConvertAreaFilter(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n) ==
-              ZO_ERR_BAD_ARGUMENT);
-        Check(ZoPixelConverter_ConvertBand(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n, n, n) ==
-              ZO_ERR_BAD_ARGUMENT);
+        const std::uint32_t results[] = {
+            ZoPixelConverter_ConvertPixel(nullptr, &byte, &byte),
+            ZoPixelConverter_ConvertLine(nullptr, nullptr, nullptr, n),
+            ZoPixelConverter_ConvertArea(nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n),
+            ZoPixelConverter_ConvertAreaFilter(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n),
+            ZoPixelConverter_ConvertBand(nullptr, nullptr, nullptr, n, n, nullptr, n, n, n, n, n, n, n, n)};
+        for (std::uint32_t r : results)
+            Check(r == ZO_ERR_BAD_ARGUMENT);
         break;
     }
     }
@@ -211,20 +199,19 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
 {
     ZoRGBFilter*& slot = h.filters[in.ConsumeIntegralInRange(0, kSlots - 1)];
     const std::uint32_t entries = ZoRGBFilter_GetEntryCount(slot);
+    const auto replace = [&slot](ZoRGBFilter* filter) { ZoRGBFilter_Destroy(slot), slot = filter; };
     switch (in.ConsumeIntegralInRange(0, 5)) {
     case 0: {
         const std::uint32_t bits = FilterBitSize(in);
         ZoRGBFilter* created = ZoRGBFilter_Init(bits);
         Check(bits >= 32 ? created == nullptr : created != nullptr);
-        if (created)
-            Check(ZoRGBFilter_GetBitSize(created) == bits && ZoRGBFilter_GetEntryCount(created) == 1u << bits);
-        ZoRGBFilter_Destroy(slot);
-        slot = created;
+        Check(!created ||
+              (ZoRGBFilter_GetBitSize(created) == bits && ZoRGBFilter_GetEntryCount(created) == 1u << bits));
+        replace(created);
         break;
     }
     case 1:
-        ZoRGBFilter_Destroy(slot);
-        slot = nullptr;
+        replace(nullptr);
         break;
     case 2: {
         const double r = AnyMultiplier(in), g = AnyMultiplier(in), b = AnyMultiplier(in);
@@ -238,17 +225,15 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
         const std::uint32_t index = AnyCount(in);
         const std::uint16_t value = in.ConsumeIntegral<std::uint16_t>();
         const std::uint32_t expected = slot && index < entries && value < entries ? ZO_OK : ZO_ERR_BAD_ARGUMENT;
-        Check(ZoRGBFilter_SetRedValue(slot, index, value) == expected);
-        Check(ZoRGBFilter_SetGreenValue(slot, index, value) == expected);
-        Check(ZoRGBFilter_SetBlueValue(slot, index, value) == expected);
-        if (expected == ZO_OK && index < 65536)
-            Check(ZoRGBFilter_GetGreenValue16(slot, index) == value);
+        Check(ZoRGBFilter_SetRedValue(slot, index, value) == expected &&
+              ZoRGBFilter_SetGreenValue(slot, index, value) == expected &&
+              ZoRGBFilter_SetBlueValue(slot, index, value) == expected);
+        Check(expected != ZO_OK || index >= 65536 || ZoRGBFilter_GetGreenValue16(slot, index) == value);
         break;
     }
     case 4: {
         const std::uint32_t index = AnyCount(in);
-        const std::uint8_t red = ZoRGBFilter_GetRedValue8(slot, index);
-        Check(red == ZoRGBFilter_GetRedValue8(slot, index & 0xFF));
+        Check(ZoRGBFilter_GetRedValue8(slot, index) == ZoRGBFilter_GetRedValue8(slot, index & 0xFF));
         ZoRGBFilter_GetGreenValue8(slot, index);
         ZoRGBFilter_GetBlueValue8(slot, index);
         break;
@@ -259,8 +244,8 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
         const std::uint16_t red = ZoRGBFilter_GetRedValue16(slot, index);
         ZoRGBFilter_GetGreenValue16(slot, index);
         ZoRGBFilter_GetBlueValue16(slot, index);
-        if (index < 256)  // the 8-bit entry is the 16-bit one clamped
-            Check(ZoRGBFilter_GetRedValue8(slot, index) == std::min<std::uint16_t>(red, 255));
+        // The 8-bit entry is the 16-bit one clamped.
+        Check(index >= 256 || ZoRGBFilter_GetRedValue8(slot, index) == std::min<std::uint16_t>(red, 255));
         break;
     }
     }
@@ -271,53 +256,42 @@ void FilterOperation(FuzzedDataProvider& in, Handles& h)
 // pointers.
 void ExtensionOperation(FuzzedDataProvider& in)
 {
+    const char* name = nullptr;
+    std::uint32_t code = 0, flags = 0;
+    std::int64_t id = 0;
     switch (in.ConsumeIntegralInRange(0, 4)) {
     case 0:
         Check(ZoImgLib_GetVersion() != nullptr);
         break;
     case 1: {
-        const ZoPixelConverter* c =
-            in.ConsumeBool() ? nullptr : zofuzz::AnyPair(in).converter;
+        const ZoPixelConverter* c = in.ConsumeBool() ? nullptr : zofuzz::AnyPair(in).converter;
         ZoAreaBufferSizes sizes{1, 2, 3};
         const bool out = in.ConsumeBool();
         const std::uint32_t sw = AnyCount(in), sh = AnyCount(in), dw = AnyCount(in), dh = AnyCount(in);
-        const std::uint32_t w = AnyCount(in), h = AnyCount(in), flags = AnyCount(in), padding = AnyCount(in);
+        const std::uint32_t w = AnyCount(in), h = AnyCount(in), f = AnyCount(in), padding = AnyCount(in);
         const std::uint32_t r =
-            ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, flags, padding, out ? &sizes : nullptr);
-        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT);
-        Check(c && out ? true : r == ZO_ERR_BAD_ARGUMENT);
-        if (r != ZO_OK)
-            Check(sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3);
+            ZoPixelConverter_GetAreaBufferSizes(c, sw, sh, dw, dh, w, h, f, padding, out ? &sizes : nullptr);
+        Check(r == ZO_ERR_BAD_ARGUMENT || (r == ZO_OK && c && out));
+        Check(r == ZO_OK || (sizes.sourceBytes == 1 && sizes.destinationBytes == 2 && sizes.destinationBytesBefore == 3));
         break;
     }
     case 2: {
-        const std::string name = in.ConsumeRandomLengthString(40);
-        std::int64_t id = 0;
-        std::uint32_t flags = 0;
-        const std::uint32_t r = ZoPfnc_FromName(in.ConsumeBool() ? name.c_str() : nullptr, in.ConsumeBool() ? &id : nullptr,
-                                                in.ConsumeBool() ? &flags : nullptr);
-        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
+        const std::string text = in.ConsumeRandomLengthString(40);
+        CheckKnownResult(ZoPfnc_FromName(in.ConsumeBool() ? text.c_str() : nullptr, in.ConsumeBool() ? &id : nullptr,
+                                         in.ConsumeBool() ? &flags : nullptr));
         break;
     }
-    case 3: {
-        std::int64_t id = 0;
-        std::uint32_t flags = 0;
-        const std::uint32_t r = ZoPfnc_FromCode(AnyCount(in), in.ConsumeBool() ? &id : nullptr,
-                                                in.ConsumeBool() ? &flags : nullptr);
-        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
+    case 3:
+        CheckKnownResult(
+            ZoPfnc_FromCode(AnyCount(in), in.ConsumeBool() ? &id : nullptr, in.ConsumeBool() ? &flags : nullptr));
         break;
-    }
     default: {
-        const char* name = nullptr;
-        std::uint32_t code = 0, flags = 0;
-        std::int64_t id = 0;
         const std::uint32_t r = ZoPfnc_FromPixelType(AnyId(in), AnyCount(in), in.ConsumeBool() ? &name : nullptr,
                                                      in.ConsumeBool() ? &code : nullptr);
-        Check(r == ZO_OK || r == ZO_ERR_BAD_ARGUMENT || r == ZO_ERR_NOT_SUPPORTED);
-        if (r == ZO_OK && name)
-            Check(std::strlen(name) < 256);
-        if (ZoPfnc_GetEntry(AnyCount(in) % 4096, in.ConsumeBool() ? &name : nullptr, &code, &id, &flags) && name)
-            Check(std::strlen(name) < 256);
+        CheckKnownResult(r);
+        Check(r != ZO_OK || !name || std::strlen(name) < 256);
+        Check(!ZoPfnc_GetEntry(AnyCount(in) % 4096, in.ConsumeBool() ? &name : nullptr, &code, &id, &flags) || !name ||
+              std::strlen(name) < 256);
         break;
     }
     }

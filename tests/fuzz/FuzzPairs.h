@@ -14,8 +14,7 @@
 namespace zofuzz {
 
 struct Pair {
-    std::int64_t source;
-    std::int64_t destination;
+    std::int64_t source, destination;
     const ZoPixelConverter* converter;
 };
 

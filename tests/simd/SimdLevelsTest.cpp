@@ -4,20 +4,21 @@
 // Bayer mode, both field orders of interlaced sources, destinations poisoned
 // twice (two poison values, so that a byte one level writes and the other
 // leaves shows whatever value it gets) with guard bytes after the frame.
+// Then the layouts with streaming stores, streaming forced, and every
+// family's choice of paths under the ceiling.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <iostream>
 #include <random>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "ZoPixelConverter.h"
-#include "ZoPixelTypeFactory.h"
-#include "ZoRGBFilter.h"
+#include "ZoImgLib.h"
 #include "bayer/BayerPaths.h"
+#include "core/StreamStores.h"
 #include "gray/GraySimd.h"
 #include "gray/PackedPaths.h"
 #include "simd/Lut.h"
@@ -37,45 +38,37 @@ constexpr std::uint32_t kHeight = 5;  // odd: a last replicated pair of one line
 constexpr std::size_t kGuard = 4096;  // dual-tap blocks may place pixels outside short lines
 constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
 
-bool IsBayer(std::int64_t id)
-{
-    return ZoPixelTypeFactory::HasPixelType(id) && ZoPixelTypeFactory::GetPixelType(id).IsBayerPattern();
-}
-
-// One area conversion of a width x kHeight frame into a buffer filled with
+// One area conversion of a width x height frame into a buffer filled with
 // `poison`: guards before and after the frame, room for the planes of a
-// planar destination and for the line an interlaced source adds.
+// planar destination and for the line an interlaced source adds. The frame
+// starts `lineOffset` bytes past a 64-byte boundary if that is not negative.
 Bytes Convert(const ZoPixelConverter& c, const Bytes& source, std::uint32_t width, std::uint32_t flags,
-              const ZoRGBFilter* filter, unsigned char poison)
+              const ZoRGBFilter* filter, unsigned char poison, int lineOffset = -1, std::uint32_t height = kHeight)
 {
     const std::uint32_t padding = width % 4;
-    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (kHeight + 1) + 3 * width * kHeight +
-                2 * kGuard, poison);
+    Bytes d((std::size_t(c.GetDestinationByteSize(width)) + padding) * (height + 1) + 3 * width * height +
+                2 * kGuard + 128, poison);
     unsigned char* frame = d.data() + kGuard;
+    if (lineOffset >= 0)
+        frame += (64 - reinterpret_cast<std::uintptr_t>(frame) % 64) % 64 + lineOffset;
     if (filter)
-        c.Convert(*filter, source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
+        c.Convert(*filter, source.data(), width, height, frame, width, height, width, height, flags, padding);
     else
-        c.Convert(source.data(), width, kHeight, frame, width, kHeight, width, kHeight, flags, padding);
-    return d;
+        c.Convert(source.data(), width, height, frame, width, height, width, height, flags, padding);
+    return lineOffset < 0 ? d : Bytes(frame - kGuard, frame - kGuard + d.size() - 128);
 }
 
 TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
 {
-    const std::vector<CpuLevel> levels = zotest::HostCpuLevels();
-    std::string ran;
-    for (CpuLevel level : levels)
-        ran += std::string(ran.empty() ? "" : " ") + zo::simd::CpuLevelName(level);
-    RecordProperty("levels", ran);
-    std::cout << "levels compared with scalar: " << ran << "\n";
-
+    // Every level but the first, scalar (each printed by the family test below).
+    const std::vector<CpuLevel> all = zotest::HostCpuLevels(), vectorLevels(all.begin() + 1, all.end());
     ZoRGBFilter gains(16), gains8(8);
     ASSERT_EQ(gains.SetMultipliers(1.8, 1.0, 1.4, 3, 0, 7), ZO_OK);
     ASSERT_EQ(gains8.SetMultipliers(0.6, 1.3, 1.7, 9, 3, 40), ZO_OK);
     const ZoRGBFilter* const filters[] = {nullptr, &gains, &gains8};
-    const std::vector<std::uint32_t> bayerFlags = {ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_BGGR,
-                                                   ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
-                                                   ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE};
-    const std::vector<std::uint32_t> plainFlags = {0};
+    const std::vector<std::uint32_t> bayerFlags = {
+        ZO_FLAG_BAYER_GRBG, ZO_FLAG_BAYER_BGGR, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE,
+        ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE};
 
     const auto pairs = zotest::RegisteredBuiltInPairs();
     ASSERT_EQ(pairs.size(), 680u);
@@ -84,30 +77,28 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
         const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
         SCOPED_TRACE(testing::Message() << std::hex << pair.first << " -> " << pair.second);
         const bool interlaced = (pair.first & ZO_PIXEL_INTERLACED) != 0;
+        const bool bayer = ZoPixelTypeFactory::HasPixelType(pair.first) &&
+                           ZoPixelTypeFactory::GetPixelType(pair.first).IsBayerPattern();
         for (std::size_t w = 0; w < std::size(kWidths); ++w) {
             const std::uint32_t width = kWidths[w];
-            Bytes source(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64);
-            for (auto& b : source)
-                b = static_cast<unsigned char>(rng());
+            const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
             // Both field orders, and two of the three filters, in turn.
             const std::uint32_t field = interlaced && w % 2 ? ZO_FLAG_INVERT_DEINTERLACER : 0;
-            for (std::uint32_t flags : IsBayer(pair.first) ? bayerFlags : plainFlags)
+            for (std::uint32_t flags : bayer ? bayerFlags : std::vector<std::uint32_t>{0})
                 for (const ZoRGBFilter* filter : {filters[w % 3], filters[(w + 1) % 3]}) {
-                    flags |= field;
-                    Bytes scalar[2];
-                    {
-                        const zotest::CpuCeilingScope ceiling(CpuLevel::kScalar);
-                        for (int p = 0; p < 2; ++p)
-                            scalar[p] = Convert(c, source, width, flags, filter, kPoisons[p]);
-                    }
-                    for (CpuLevel level : levels) {
-                        if (level == CpuLevel::kScalar)
-                            continue;
+                    auto convert = [&](CpuLevel level) {
                         const zotest::CpuCeilingScope ceiling(level);
+                        return std::array<Bytes, 2>{Convert(c, source, width, flags | field, filter, kPoisons[0]),
+                                                    Convert(c, source, width, flags | field, filter, kPoisons[1])};
+                    };
+                    const std::array<Bytes, 2> scalar = convert(CpuLevel::kScalar);
+                    for (CpuLevel level : vectorLevels) {
+                        const std::array<Bytes, 2> actual = convert(level);
                         for (int p = 0; p < 2; ++p)
-                            ASSERT_TRUE(zotest::SameBytes(Convert(c, source, width, flags, filter, kPoisons[p]), scalar[p]))
+                            ASSERT_TRUE(zotest::SameBytes(actual[p], scalar[p]))
                                 << zo::simd::CpuLevelName(level) << ", width " << std::dec << width << ", flags "
-                                << std::hex << flags << (!filter ? "" : filter == &gains8 ? ", 8-bit gains" : ", 16-bit gains")
+                                << std::hex << (flags | field)
+                                << (!filter ? "" : filter == &gains8 ? ", 8-bit gains" : ", 16-bit gains")
                                 << ", poison " << int(kPoisons[p]);
                     }
                 }
@@ -115,63 +106,79 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
     }
 }
 
+// Area conversions written with streaming stores give the scalar level's
+// bytes. Small frames never stream on their own, so the threshold is lowered
+// to 0; every destination starts at each offset from a 64-byte line (the
+// streaming loops store ordinarily up to the first whole cache line) and
+// lines are padded, so the head, the streamed middle and the tail all occur.
+TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
+{
+    std::mt19937 rng(11);
+    int checked = 0;
+    for (const auto& pair : zotest::RegisteredBuiltInPairs()) {
+        if (pair.second != ZO_PT_RGB16 && pair.second != ZO_PT_RGB32 && pair.second != ZO_PT_BGR32 &&
+            pair.second != ZO_PT_GRAY8)
+            continue;
+        const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(pair.first, pair.second);
+        ++checked;
+        for (std::uint32_t width : {256u, 257u, 333u, 1023u}) {  // padded lines: width % 4 bytes
+            const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
+            const auto convert = [&](CpuLevel level, int offset, std::uint64_t threshold) {
+                const zotest::CpuCeilingScope ceiling(level);
+                zo::SetStreamingThreshold(threshold);
+                const Bytes d = Convert(c, source, width, 0, nullptr, zotest::kPoison, offset, 3);
+                zo::ResetStreamingThreshold();
+                return d;
+            };
+            // Streaming off, ordinary stores: the same bytes at every offset.
+            const Bytes expected = convert(CpuLevel::kScalar, 0, ~std::uint64_t(0));
+            for (int offset : {0, 1, 7})
+                for (CpuLevel level : zotest::HostCpuLevels())
+                    ASSERT_TRUE(zotest::SameBytes(convert(level, offset, 0), expected))
+                        << std::hex << pair.first << " -> " << pair.second << std::dec << " width " << width
+                        << " offset " << offset << " level " << zo::simd::CpuLevelName(level);
+        }
+    }
+    EXPECT_GT(checked, 20);
+}
+
 // Every family follows the ceiling: at the scalar level each chooses its
 // scalar table, from AVX2 on the converter families have vector paths
-// (x86-64). The choices per level are printed for the log.
+// (x86-64). The choices per level are printed for the log. Level names read
+// back, in any case; nothing else reads as a level.
 TEST(SimdLevels, EveryFamilyFollowsTheCeiling)
 {
     // Make every family choose once, so that each is in the list.
-    (void)zo::YUVActivePaths();
-    (void)zo::simd::RGBActivePaths();
-    (void)zo::gray::GrayActivePaths();
-    (void)zo::PackedActivePaths();
-    (void)zo::DualTapActivePaths();
-    (void)zo::BayerActivePaths();
+    (void)zo::YUVActivePaths(), (void)zo::simd::RGBActivePaths(), (void)zo::gray::GrayActivePaths();
+    (void)zo::PackedActivePaths(), (void)zo::DualTapActivePaths(), (void)zo::BayerActivePaths();
     (void)zo::simd::ActiveLutPaths();
     zo::simd::PathFamily families[16];
     const unsigned count = zo::simd::PathFamilies(families, 16);
-    ASSERT_GE(count, 6u);
-    ASSERT_LE(count, 16u);
-    // The families with vector paths at AVX2 and above.
+    ASSERT_TRUE(count >= 6 && count <= 16) << count;
     const std::set<std::string> vectorAtAvx2 = {"YUV", "RGB", "gray", "packed", "dual-tap", "Bayer"};
-    std::set<std::string> seen;
-    for (unsigned i = 0; i < count; ++i)
-        seen.insert(families[i].family);
-    for (const std::string& family : vectorAtAvx2)
-        EXPECT_EQ(seen.count(family), 1u) << family;
     for (CpuLevel level : zotest::HostCpuLevels()) {
         const zotest::CpuCeilingScope ceiling(level);
-        std::ostringstream line;
-        line << zo::simd::CpuLevelName(level) << ":";
+        std::cout << zo::simd::CpuLevelName(level) << ":";
+        std::size_t listed = 0;  // of the families with vector paths
         for (unsigned i = 0; i < count; ++i) {
             const std::string name = families[i].activeName(families[i].choice);
-            line << " " << families[i].family << "=" << name;
-            if (level == CpuLevel::kScalar) {
-                EXPECT_EQ(name, "scalar") << families[i].family;
-            }
+            listed += vectorAtAvx2.count(families[i].family);
+            std::cout << " " << families[i].family << "=" << name;
+            EXPECT_TRUE(level != CpuLevel::kScalar || name == "scalar") << families[i].family;
 #if ZO_SIMD_X86
-            if (level >= CpuLevel::kAVX2 && vectorAtAvx2.count(families[i].family)) {
-                EXPECT_NE(name, "scalar") << families[i].family;
-            }
+            EXPECT_TRUE(level < CpuLevel::kAVX2 || !vectorAtAvx2.count(families[i].family) || name != "scalar")
+                << families[i].family << " at " << zo::simd::CpuLevelName(level);
 #endif
         }
-        std::cout << line.str() << "\n";
+        std::cout << "\n";
+        EXPECT_EQ(listed, vectorAtAvx2.size());
     }
-}
-
-TEST(SimdLevels, CeilingNames)
-{
     CpuLevel level = CpuLevel::kAVX512;
-    for (unsigned i = 0; i < zo::simd::kCpuLevelCount; ++i) {
-        const auto expected = static_cast<CpuLevel>(i);
-        ASSERT_TRUE(zo::simd::ParseCpuLevel(zo::simd::CpuLevelName(expected), level));
-        EXPECT_EQ(level, expected);
-    }
-    EXPECT_TRUE(zo::simd::ParseCpuLevel("AVX2", level));
-    EXPECT_EQ(level, CpuLevel::kAVX2);
-    for (const char* bad : {"", "avx", "sse", "avx2 ", "avx5122", "native"})
-        EXPECT_FALSE(zo::simd::ParseCpuLevel(bad, level)) << bad;
-    EXPECT_FALSE(zo::simd::ParseCpuLevel(nullptr, level));
+    for (unsigned i = 0; i < zo::simd::kCpuLevelCount; ++i)
+        EXPECT_TRUE(zo::simd::ParseCpuLevel(zo::simd::CpuLevelName(CpuLevel(i)), level) && level == CpuLevel(i));
+    EXPECT_TRUE(zo::simd::ParseCpuLevel("AVX2", level) && level == CpuLevel::kAVX2);
+    for (const char* bad : {"", "avx", "sse", "avx2 ", "avx5122", "native", static_cast<const char*>(nullptr)})
+        EXPECT_FALSE(zo::simd::ParseCpuLevel(bad, level)) << (bad ? bad : "null");
 }
 
 }  // namespace

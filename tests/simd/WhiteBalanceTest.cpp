@@ -1,14 +1,16 @@
 // Filtered conversions at every CPU level: the table passes (lookups and
-// the arithmetic forms of multiplier tables) against plain lookups, every
-// Bayer instance against the reference demosaicer, and every conversion into
-// a 24-, 32- or 48-bit layout against its own result at the scalar level
-// (whose filtered kernels look every channel up one by one). Filters hold
+// the arithmetic forms of multiplier tables) against plain lookups, and
+// every conversion into a 24-, 32- or 48-bit layout against its own result
+// at the scalar level (whose filtered kernels look every channel up one by
+// one; the Bayer tests hold the host level's bytes to the reference
+// demosaicer, through random tables too). Filters hold
 // random per-entry tables (16-bit entries up to 65535 and indices from full
 // 16-bit samples), multiplier tables, and multiplier tables with one entry
 // written afterwards; destinations start poisoned and are compared whole,
 // slack included.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -48,63 +50,51 @@ std::vector<std::uint8_t> AtScalarLevel(Convert convert)
     return convert();
 }
 
-// Table sets: three random tables; green the identity (usual white
-// balance); first and last equal in content at different addresses; all
-// the identity; all one table.
+// Table sets, each channel one of three random tables (0, 1, 2) or the
+// identity (3): three random tables; green the identity (usual white
+// balance); first and last equal in content at different addresses; all the
+// identity; all one table.
 std::vector<std::uint8_t> TableSet(unsigned shape, std::mt19937& rng)
 {
-    std::vector<std::uint8_t> t = zotest::RandomBytes(3 * 256, rng);
-    for (unsigned i = 0; i < 256; ++i) {
-        if (shape == 1 || shape == 3)
-            t[256 + i] = static_cast<std::uint8_t>(i);
-        if (shape == 3)
-            t[i] = t[512 + i] = static_cast<std::uint8_t>(i);
-        if (shape == 2 || shape == 4)
-            t[512 + i] = t[i];
-        if (shape == 4)
-            t[256 + i] = t[i];
-    }
+    static const unsigned kShapes[5][3] = {{0, 1, 2}, {0, 3, 2}, {0, 1, 0}, {3, 3, 3}, {0, 0, 0}};
+    const std::vector<std::uint8_t> random = zotest::RandomBytes(3 * 256, rng);
+    std::vector<std::uint8_t> t(3 * 256);
+    for (unsigned i = 0; i < 3 * 256; ++i)
+        t[i] = kShapes[shape][i / 256] == 3 ? i % 256 : random[256 * kShapes[shape][i / 256] + i % 256];
     return t;
+}
+
+// Every instruction set's paths this host runs.
+std::vector<const zo::simd::LutPaths*> HostLutPaths()
+{
+    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths(), zo::simd::Sse2LutPaths(),
+                                                 zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()};
+    paths.erase(std::remove(paths.begin(), paths.end(), nullptr), paths.end());
+    return paths;
 }
 
 TEST(LutPasses, EveryPassMatchesPlainLookupsAndTouchesNothingElse)
 {
     std::mt19937 rng(5);
-    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
-    if (const zo::simd::LutPaths* p = zo::simd::Avx512LutPaths())
-        paths.push_back(p);
     constexpr std::size_t kGuard = 70;
     for (unsigned shape = 0; shape < 5; ++shape) {
         const std::vector<std::uint8_t> tables = TableSet(shape, rng);
         const zo::simd::LutTables8 t{tables.data(), tables.data() + 256, tables.data() + 512};
-        for (const zo::simd::LutPaths* p : paths)
+        for (const zo::simd::LutPaths* p : HostLutPaths())
             for (unsigned pixelBytes : {3u, 4u})
                 for (std::uint32_t count : {0u, 1u, 2u, 3u, 5u, 15u, 16u, 17u, 21u, 22u, 63u, 64u, 65u, 85u, 191u,
                                             192u, 193u, 1000u}) {
                     const std::size_t bytes = std::size_t(count) * pixelBytes;
                     std::vector<std::uint8_t> line = zotest::RandomBytes(bytes + 2 * kGuard, rng);
                     std::vector<std::uint8_t> expected = line;
-                    for (std::size_t i = 0; i < bytes; ++i) {
-                        const unsigned position = i % pixelBytes;
-                        if (position < 3)
-                            expected[kGuard + i] = tables[256 * position + line[kGuard + i]];
-                    }
+                    for (std::size_t i = 0; i < bytes; ++i)
+                        if (i % pixelBytes < 3)
+                            expected[kGuard + i] = tables[256 * (i % pixelBytes) + line[kGuard + i]];
                     (pixelBytes == 3 ? p->bytes3 : p->bytes4)(line.data() + kGuard, count, t);
                     ASSERT_TRUE(line == expected)
                         << p->name << ", table set " << shape << ", " << pixelBytes << "-byte pixels, count " << count;
                 }
     }
-}
-
-// Every instruction set's paths this host runs.
-std::vector<const zo::simd::LutPaths*> HostLutPaths()
-{
-    std::vector<const zo::simd::LutPaths*> paths{&zo::simd::ScalarLutPaths()};
-    for (const zo::simd::LutPaths* p :
-         {zo::simd::Sse2LutPaths(), zo::simd::Avx2LutPaths(), zo::simd::Avx512LutPaths()})
-        if (p)
-            paths.push_back(p);
-    return paths;
 }
 
 // One filtered area conversion into a poisoned buffer with slack.
@@ -114,8 +104,7 @@ std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const Zo
 {
     constexpr std::size_t kSlack = 64;
     std::vector<std::uint8_t> out(std::size_t(conv.GetDestinationByteSize(width)) * (height + 1) + kSlack, zotest::kPoison);
-    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height,
-                           flags, 0),
+    EXPECT_EQ(conv.Convert(filter, source.data(), width, height, out.data(), width, height, width, height, flags, 0),
               ZO_OK);
     return out;
 }
@@ -156,20 +145,19 @@ std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
 {
     auto f = std::make_unique<ZoRGBFilter>(c.bits);
     EXPECT_EQ(f->SetMultipliers(c.red, c.green, c.blue, c.redOffset, 0, c.blueOffset), ZO_OK);
-    if (c.edit) {
-        EXPECT_EQ(f->SetBlueValue(100, 3), ZO_OK);
-    }
+    EXPECT_TRUE(!c.edit || f->SetBlueValue(100, 3) == ZO_OK);
     return f;
 }
 
-// The 8-bit plans of multiplier tables, run by every arithmetic pass over
-// random lines, give the lookups' bytes; tables without a form get no plan.
-TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
+// Multiplier tables: the 8-bit plans, run by every arithmetic pass over
+// random lines, give the lookups' bytes; the 16-bit plan of a conversion is
+// made where the level has the pass and equals the lookups on random RGB48
+// lines. Tables without a form get no plan.
+TEST(LutPasses, MultiplierTablePlansMatchLookups)
 {
     std::mt19937 rng(21);
     for (const MultiplierCase& c : kMultiplierCases) {
-        SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
-                                        << (c.edit ? ", edited" : ""));
+        SCOPED_TRACE(testing::Message() << "multiplier case " << &c - kMultiplierCases);
         const auto filter = MakeFilter(c);
         for (unsigned redIndex : {0u, 2u})
             for (unsigned pixelBytes : {3u, 4u}) {
@@ -177,12 +165,10 @@ TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
                     filter->RedTable8(), filter->GreenTable8(), filter->BlueTable8(), redIndex);
                 const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(t, pixelBytes);
                 ASSERT_EQ(plan != nullptr, c.form8);
-                if (!plan)
-                    continue;
-                for (const zo::simd::LutPaths* p : HostLutPaths()) {
-                    if (!p->form3)
-                        continue;
+                for (const zo::simd::LutPaths* p : HostLutPaths())
                     for (std::uint32_t count : {1u, 5u, 21u, 22u, 64u, 193u, 1000u}) {
+                        if (!plan || !p->form3)
+                            break;
                         std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * pixelBytes + 64, rng);
                         std::vector<std::uint8_t> expected = line;
                         (pixelBytes == 3 ? zo::simd::LutBytes3Scalar : zo::simd::LutBytes4Scalar)(expected.data(),
@@ -191,23 +177,10 @@ TEST(LutPasses, ArithmeticPassesOfMultiplierTablesMatchLookups)
                         ASSERT_TRUE(line == expected) << p->name << ", " << pixelBytes << "-byte pixels, count "
                                                       << count << ", red at " << redIndex;
                     }
-                }
             }
-    }
-}
-
-// The 16-bit plan of a conversion: made where the level has the pass, equal
-// to the lookups on random RGB48 lines, absent for tables without a form.
-TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
-{
-    std::mt19937 rng(22);
-    AtEveryLevel([&](CpuLevel) {
-        const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
-        for (const MultiplierCase& c : kMultiplierCases) {
-            SCOPED_TRACE(testing::Message() << c.bits << " bits, " << c.red << " " << c.green << " " << c.blue
-                                            << (c.edit ? ", edited" : ""));
-            const auto filter = MakeFilter(c);
-            const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
+        const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
+        AtEveryLevel([&](CpuLevel) {
+            const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
             const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true);
             const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
             const bool expected =
@@ -215,13 +188,11 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
                                  (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
                                  (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
             ASSERT_EQ(plan != nullptr, expected) << paths.name;
-            if (plan) {
-                EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
-                EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
-            }
             EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
             if (!plan)
-                continue;
+                return;
+            EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
+            EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
             for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u}) {
                 std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
                 std::vector<std::uint8_t> expected = line;
@@ -233,40 +204,36 @@ TEST(LutPasses, SixteenBitPlansMatchLookupsAtEveryLevel)
                 ASSERT_TRUE(zo::simd::ApplyLut16(line.data(), count, *plan));
                 ASSERT_TRUE(line == expected) << paths.name << ", count " << count;
             }
-        }
-    });
+        });
+    }
 }
 
 // A 16-bit plan answers only inside its scope, for its own tables; the
 // innermost scope answers; an unwanted scope plans nothing.
 TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
 {
+    using Scope = zo::simd::LutForm16Scope;
+    const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
+    auto planned = [](const ZoRGBFilter& f) {
+        return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16()) != nullptr;
+    };
+    auto open = [](const ZoRGBFilter& f, bool worth) {
+        return std::make_unique<Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(), worth);
+    };
     AtEveryLevel([&](CpuLevel) {
         if (!zo::simd::ActiveLutPaths().words3)
             return;
-        const auto a = MakeFilter(kMultiplierCases[0]), b = MakeFilter(kMultiplierCases[1]);
-        auto plan = [](const ZoRGBFilter& f) {
-            return zo::simd::ScopedFormPlan16(f.RedTable16(), f.GreenTable16(), f.BlueTable16());
-        };
-        auto open = [](const ZoRGBFilter& f, bool worth) {
-            return std::make_unique<zo::simd::LutForm16Scope>(f.RedTable16(), f.GreenTable16(), f.BlueTable16(),
-                                                              worth);
-        };
-        EXPECT_EQ(plan(*a), nullptr);
-        {
-            const auto outer = open(*a, true);
-            EXPECT_NE(plan(*a), nullptr);
-            {
-                const auto inner = open(*b, true);
-                EXPECT_NE(plan(*b), nullptr);
-                EXPECT_EQ(plan(*a), nullptr);
-            }
-            EXPECT_NE(plan(*a), nullptr);
-            EXPECT_EQ(plan(*b), nullptr);
-            const auto unwanted = open(*a, false);
-            EXPECT_EQ(plan(*a), nullptr);
-        }
-        EXPECT_EQ(plan(*a), nullptr);
+        EXPECT_FALSE(planned(*a));
+        std::unique_ptr<Scope> outer = open(*a, true);
+        EXPECT_TRUE(planned(*a));
+        std::unique_ptr<Scope> inner = open(*b, true);
+        EXPECT_TRUE(planned(*b) && !planned(*a));
+        inner = nullptr;
+        EXPECT_TRUE(planned(*a) && !planned(*b));
+        inner = open(*a, false);
+        EXPECT_FALSE(planned(*a));
+        inner.reset(), outer.reset();
+        EXPECT_FALSE(planned(*a));
     });
 }
 
@@ -298,53 +265,20 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
     });
 }
 
-// 8-bit tables random, 16-bit tables random over the whole 16-bit range.
+// The filters of the area tests: 8-bit tables random and 16-bit tables
+// random over the whole 16-bit range; white balance as cameras use it
+// (green left as it is); multiplier tables of the fixed-point kind; and the
+// same with one entry written after SetMultipliers (no form: the lookups).
 const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
-
-// White balance as cameras use it: green left as it is.
-const ZoRGBFilter& Gains()
+const ZoRGBFilter& Gains(unsigned which = 0)
 {
-    static const ZoRGBFilter* filter = [] {
-        auto* f = new ZoRGBFilter(16);
-        f->SetMultipliers(1.8, 1.0, 1.4);
-        return f;
-    }();
-    return *filter;
+    static const std::unique_ptr<ZoRGBFilter> filters[] = {
+        MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, false, true, {}}), MakeFilter(kMultiplierCases[0]),
+        MakeFilter(kMultiplierCases[8])};
+    return *filters[which];
 }
-
-// Multiplier tables of the fixed-point kind, and with one entry written
-// after SetMultipliers (no form: the lookups).
-const ZoRGBFilter& FixedFormGains()
-{
-    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[0]);
-    return *filter;
-}
-const ZoRGBFilter& EditedGains()
-{
-    static const std::unique_ptr<ZoRGBFilter> filter = MakeFilter(kMultiplierCases[8]);
-    return *filter;
-}
-
-// Every Bayer instance, both modes, through the random filter and the gains
-// at every level: the reference model looks each channel up itself.
-TEST(WhiteBalance, BayerMatchesTheReferenceAtEveryLevel)
-{
-    std::mt19937 rng(9);
-    AtEveryLevel([&](CpuLevel) {
-        for (const bayer_test::Instance& in : bayer_test::AllInstances())
-            for (std::uint32_t mode : {0u, ZO_FLAG_BAYER_INTERPOLATE})
-                for (std::uint32_t width : {1u, 2u, 3u, 5u, 6u, 17u, 34u, 63u, 64u, 66u, 97u, 131u})
-                    for (std::uint32_t wordMask : {0x0FFFu, 0xFFFFu}) {
-                        bayer_test::Case c{width + 3, width, 4, ZO_FLAG_BAYER_BGGR | mode,
-                                           wordMask == 0xFFFF ? &RandomTables() : &Gains(), 5, wordMask};
-                        const ZoPixelConverter& conv =
-                            ZoPixelTypeFactory::GetConverter(in.source, in.destination);
-                        const bayer_test::Outcome o = bayer_test::RunCase(conv, in, c, rng);
-                        ASSERT_EQ(o.result, ZO_OK);
-                        ASSERT_TRUE(o.actual == o.expected) << o.Describe(in, c);
-                    }
-    });
-}
+const ZoRGBFilter& FixedFormGains() { return Gains(1); }
+const ZoRGBFilter& EditedGains() { return Gains(2); }
 
 // Every registered conversion into RGB24, BGR24, RGB32 or BGR32 (Bayer in
 // both modes), at awkward widths, through random tables or the gains: each
@@ -407,10 +341,9 @@ TEST(WhiteBalance, Rgb48AreasMatchTheScalarLevel)
     std::mt19937 rng(31);
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
     std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
-    const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]);
-    const std::unique_ptr<const ZoRGBFilter> corrected = MakeFilter(kMultiplierCases[9]);
-    for (const ZoRGBFilter* filter :
-         {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
+    const std::unique_ptr<const ZoRGBFilter> exact = MakeFilter(kMultiplierCases[5]),
+                                             corrected = MakeFilter(kMultiplierCases[9]);
+    for (const ZoRGBFilter* filter : {&FixedFormGains(), exact.get(), corrected.get(), &EditedGains(), &RandomTables()})
         for (std::uint32_t flags : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB | ZO_FLAG_BAYER_INTERPOLATE}) {
             const std::vector<std::uint8_t> expected =
                 AtScalarLevel([&] { return ConvertFiltered(conv, *filter, input, kWidth, kHeight, flags); });
