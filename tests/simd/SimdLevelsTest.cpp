@@ -182,3 +182,18 @@ TEST(SimdLevels, EveryFamilyFollowsTheCeiling)
 }
 
 }  // namespace
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// The CPU module reads the features the compiler's own detection sees (a
+// misread bit would quietly drop a whole level).
+TEST(SimdLevels, HostFeaturesAgreeWithTheCompilersDetection)
+{
+    const zo::simd::CpuFeatures& f = zo::simd::HostCpuFeatures();
+    __builtin_cpu_init();
+    EXPECT_EQ(std::vector<bool>({f.sse2, f.ssse3, f.sse41, f.avx2, f.avx512f, f.avx512bw, f.avx512vl, f.avx512vbmi}),
+              std::vector<bool>({!!__builtin_cpu_supports("sse2"), !!__builtin_cpu_supports("ssse3"),
+                                 !!__builtin_cpu_supports("sse4.1"), !!__builtin_cpu_supports("avx2"),
+                                 !!__builtin_cpu_supports("avx512f"), !!__builtin_cpu_supports("avx512bw"),
+                                 !!__builtin_cpu_supports("avx512vl"), !!__builtin_cpu_supports("avx512vbmi")}));
+}
+#endif

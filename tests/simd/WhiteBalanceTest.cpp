@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "ZoImgLib.h"
@@ -242,27 +243,34 @@ TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
 // bytes for the edited tables at every level.
 TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
 {
-    ZoRGBFilter filter(8);
-    ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
-    const zo::simd::LutTables8 t{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8()};
-    ASSERT_NE(zo::simd::FormPlan8(t, 3), nullptr);
-    const std::uint8_t kept = filter.GetBlueValue8(100);
-    ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
-    EXPECT_EQ(zo::simd::FormPlan8(t, 3), nullptr);
-    ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
-    EXPECT_NE(zo::simd::FormPlan8(t, 3), nullptr);
-
+    using Get = std::uint8_t (ZoRGBFilter::*)(std::uint32_t) const;
+    using Set = std::uint32_t (ZoRGBFilter::*)(std::uint32_t, std::uint16_t);
+    const std::pair<Get, Set> channels[] = {{&ZoRGBFilter::GetRedValue8, &ZoRGBFilter::SetRedValue},
+                                            {&ZoRGBFilter::GetGreenValue8, &ZoRGBFilter::SetGreenValue},
+                                            {&ZoRGBFilter::GetBlueValue8, &ZoRGBFilter::SetBlueValue}};
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24);
     constexpr std::uint32_t kWidth = 97, kHeight = 6, kFlags = ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_INTERPOLATE;
     std::mt19937 rng(23);
     const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
-    AtEveryLevel([&](CpuLevel) {
-        ASSERT_EQ(filter.SetBlueValue(100, kept), ZO_OK);
-        ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);  // plans the unedited tables
-        ASSERT_EQ(filter.SetBlueValue(100, 3), ZO_OK);
-        const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
-        ASSERT_TRUE(actual == AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
-    });
+    for (const auto& [get, set] : channels) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
+        const zo::simd::LutTables8 t{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8()};
+        ASSERT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+        const std::uint8_t kept = (filter.*get)(100);
+        ASSERT_EQ((filter.*set)(100, 3), ZO_OK);
+        EXPECT_EQ(zo::simd::FormPlan8(t, 3), nullptr);
+        ASSERT_EQ((filter.*set)(100, kept), ZO_OK);
+        EXPECT_NE(zo::simd::FormPlan8(t, 3), nullptr);
+        AtEveryLevel([&](CpuLevel) {
+            ASSERT_EQ((filter.*set)(100, kept), ZO_OK);
+            ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);  // plans the unedited tables
+            ASSERT_EQ((filter.*set)(100, 3), ZO_OK);
+            const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
+            ASSERT_TRUE(actual ==
+                        AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
+        });
+    }
 }
 
 // The filters of the area tests: 8-bit tables random and 16-bit tables
