@@ -7,6 +7,7 @@
 #include "ZoBayerConverters.h"
 #include "ZoImgLib.h"
 #include "bayer/BayerReference.h"
+#include "support/AreaSupport.h"
 
 using namespace bayer_test;
 
@@ -17,22 +18,22 @@ const ZoPixelConverter& Get(const Instance& in)
     return ZoPixelTypeFactory::GetConverter(in.source, in.destination);
 }
 
+// A Bayer converter with its protected getters public.
+template <class Converter>
+struct Exposed : Converter {
+    using Converter::Converter;
+    using Converter::GetLinesPerConvert;
+    using Converter::GetPipeliningSize;
+};
+
 }  // namespace
 
 // Deliberately, the 16-bit family's 24-bit converters pipeline two pixels,
 // unlike the others (eight). Built on taken pairs, they do not register.
 TEST(BayerRegistration, PipeliningSizes)
 {
-    struct Probe16x24 : ZoBayerRGB16ToRGB24 {
-        Probe16x24() : ZoBayerRGB16ToRGB24(ZO_PT_BAYER_RGB12, true, 4, ZO_FLAG_BAYER_GRBG) {}
-        using ZoBayerRGB16ToRGB24::GetPipeliningSize;
-    };
-    struct Probe8x32 : ZoBayerRGB8ToRGB32 {
-        Probe8x32() : ZoBayerRGB8ToRGB32(ZO_PT_BAYER_RGB8, false, 0, ZO_FLAG_BAYER_GRBG) {}
-        using ZoBayerRGB8ToRGB32::GetPipeliningSize;
-    };
-    EXPECT_EQ(Probe16x24().GetPipeliningSize(), 2u);
-    EXPECT_EQ(Probe8x32().GetPipeliningSize(), 8u);
+    EXPECT_EQ(Exposed<ZoBayerRGB16ToRGB24>(ZO_PT_BAYER_RGB12, true, 4, ZO_FLAG_BAYER_GRBG).GetPipeliningSize(), 2u);
+    EXPECT_EQ(Exposed<ZoBayerRGB8ToRGB32>(ZO_PT_BAYER_RGB8, false, 0, ZO_FLAG_BAYER_GRBG).GetPipeliningSize(), 8u);
 }
 
 // Every instance, pattern (none: the 8-bit family's registered default, GRBG
@@ -48,9 +49,9 @@ TEST(BayerConverters, EveryInstanceMatchesTheReference)
     for (std::uint32_t w = 1; w <= 9; ++w)
         for (std::uint32_t h = 1; h <= 9; ++h)  // 16-bit samples: 12-bit data or full range
             cases.push_back({w, w, h, 0, nullptr, 0, (w + h) % 2 ? 0x0FFFu : 0xFFFFu});
-    for (Case c : {Case{16, 16, 3, 0, nullptr, 0}, Case{17, 17, 4, 0, nullptr, 0}, Case{33, 33, 6, 0, nullptr, 0},
-                   Case{40, 40, 2, 0, nullptr, 0}, Case{41, 41, 3, 0, nullptr, 0}})
-        cases.push_back(c);
+    for (const auto& [w, h] : {std::pair{16u, 3u}, std::pair{17u, 4u}, std::pair{33u, 6u}, std::pair{40u, 2u}})
+        cases.push_back({w, w, h, 0, nullptr, 0});
+    cases.push_back({41, 41, 3, 0, nullptr, 0});
     for (Case c : {Case{9, 9, 7, 0, nullptr, 0}, Case{20, 17, 6, 0, nullptr, 3}, Case{12, 5, 5, 0, nullptr, 1},
                    Case{33, 33, 4, 0, nullptr, 0}, Case{2, 1, 3, 0, nullptr, 2}})
         for (const ZoRGBFilter* f : {&RandomFilter(), static_cast<const ZoRGBFilter*>(nullptr)}) {
@@ -94,14 +95,11 @@ TEST(BayerConverters, RedSamplingQuirk)
 TEST(BayerConverters, LineAndPixelFormsOutsideAnArea)
 {
     std::vector<std::uint8_t> source(64, 7), dest(64 * 6, 0x5A);
-    for (const Instance& in : AllInstances()) {
-        const ZoPixelConverter& conv = Get(in);
-        // No area conversion: no pattern flag, so the replicating line call refuses.
-        EXPECT_EQ(conv.Convert(source.data(), dest.data(), 4), ZO_ERR_BAD_ARGUMENT);
-        EXPECT_EQ(conv.Convert(source.data(), dest.data()), ZO_ERR_NOT_SUPPORTED);
-    }
-    for (std::uint8_t b : dest)
-        ASSERT_EQ(b, 0x5A);
+    // No area conversion: no pattern flag, so the replicating line call refuses.
+    for (const Instance& in : AllInstances())
+        EXPECT_TRUE(Get(in).Convert(source.data(), dest.data(), 4) == ZO_ERR_BAD_ARGUMENT &&
+                    Get(in).Convert(source.data(), dest.data()) == ZO_ERR_NOT_SUPPORTED);
+    EXPECT_EQ(dest, std::vector<std::uint8_t>(64 * 6, 0x5A));
 }
 
 namespace {
@@ -131,11 +129,6 @@ private:
     Line mLine;
 };
 
-LineRelay::Line LinesOf(const ZoPixelConverter& bayer)
-{
-    return [&bayer](const unsigned char* s, unsigned char* d, std::uint32_t n) { return bayer.Convert(s, d, n); };
-}
-
 }  // namespace
 
 // A line call outside the Bayer converter's own area call uses the layout
@@ -147,36 +140,25 @@ TEST(BayerConverters, LineCallsSeeTheLastAreaLayout)
 
     std::mt19937 rng(5);
     const std::uint32_t w = 13, h = 6;
-    std::vector<std::uint8_t> source(w * h);
-    for (auto& b : source)
-        b = std::uint8_t(rng());
-    std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
-    const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
-    fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
-
-    LineRelay relay(fresh, 1, LinesOf(fresh));
-    relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
-    EXPECT_EQ(relayed, direct);
-    EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h, ZO_OK));
-
-    // Replicating through the relay: two lines per Bayer call, the relay
-    // itself steps two lines.
-    LineRelay pairs(fresh, 2, LinesOf(fresh));
-    std::vector<std::uint8_t> d1(w * h * 3, 1), d2(w * h * 3, 2);
-    fresh.Convert(source.data(), w, h, d1.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
-    pairs.Convert(source.data(), w, h, d2.data(), w, h, w, h, ZO_FLAG_BAYER_GBRG, 0);
-    EXPECT_EQ(d1, d2);
+    const std::vector<std::uint8_t> source = zotest::RandomBytes(w * h, rng);
+    // Interpolating: a line per Bayer call; replicating: two, the relay
+    // itself stepping two lines.
+    for (std::uint32_t flags : {ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE, std::uint32_t{ZO_FLAG_BAYER_GBRG}}) {
+        const std::uint32_t lines = (flags & ZO_FLAG_BAYER_INTERPOLATE) ? 1 : 2;
+        LineRelay relay(fresh, lines, [&fresh](auto s, auto d, std::uint32_t n) { return fresh.Convert(s, d, n); });
+        std::vector<std::uint8_t> direct(w * h * 3, 1), relayed(w * h * 3, 2);
+        fresh.Convert(source.data(), w, h, direct.data(), w, h, w, h, flags, 0);
+        relay.Convert(source.data(), w, h, relayed.data(), w, h, w, h, flags, 0);
+        EXPECT_EQ(relayed, direct) << flags;
+        EXPECT_EQ(relay.results, std::vector<std::uint32_t>(h / lines, ZO_OK));
+    }
 }
 
 // Lines per line call follow the calling thread's current flags: 2 when
 // replicating (or outside any conversion), 1 when interpolating.
 TEST(BayerConverters, LinesPerConvertFollowTheThreadsFlags)
 {
-    struct Probe : ZoBayerRGB16ToRGB32 {
-        Probe() : ZoBayerRGB16ToRGB32(ZO_PT_BAYER_RGB10, false, 2, ZO_FLAG_BAYER_GRBG) {}
-        using ZoBayerRGB16ToRGB32::GetLinesPerConvert;
-    };
-    Probe probe;
+    const Exposed<ZoBayerRGB16ToRGB32> probe(ZO_PT_BAYER_RGB10, false, 2, ZO_FLAG_BAYER_GRBG);
     EXPECT_EQ(probe.GetLinesPerConvert(), 2u);
     LineRelay recorder(probe, 1, [&probe](const unsigned char*, unsigned char*, std::uint32_t) {
         return probe.GetLinesPerConvert();

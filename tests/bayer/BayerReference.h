@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ZoImgLib.h"
+#include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
 
 namespace bayer_test {
@@ -54,15 +55,10 @@ inline std::vector<Instance> AllInstances()
 // Colour (0 red, 1 green, 2 blue) of pixel (x, y) for a pattern flag.
 inline int ColourAt(std::uint32_t patternFlag, std::uint32_t x, std::uint32_t y)
 {
-    const char* rows;
-    if (patternFlag & ZO_FLAG_BAYER_GRBG)
-        rows = "GRBG";
-    else if (patternFlag & ZO_FLAG_BAYER_GBRG)
-        rows = "GBRG";
-    else if (patternFlag & ZO_FLAG_BAYER_RGGB)
-        rows = "RGGB";
-    else
-        rows = "BGGR";
+    const char* rows = patternFlag & ZO_FLAG_BAYER_GRBG   ? "GRBG"
+                       : patternFlag & ZO_FLAG_BAYER_GBRG ? "GBRG"
+                       : patternFlag & ZO_FLAG_BAYER_RGGB ? "RGGB"
+                                                          : "BGGR";
     const char c = rows[(y & 1) * 2 + (x & 1)];
     return c == 'R' ? 0 : c == 'G' ? 1 : 2;
 }
@@ -148,19 +144,7 @@ inline void PutPixel(const Instance& in, const ZoRGBFilter& f, const std::uint32
     for (int i = 0; i < 3; ++i)
         v[i] = in.wordFamily ? (raw[i] >> in.shift) % 256 : raw[i];
     const std::uint8_t r = f.GetRedValue8(v[0]), g = f.GetGreenValue8(v[1]), b = f.GetBlueValue8(v[2]);
-    switch (in.layout) {
-    case Layout::RGB16: {
-        const unsigned w = (unsigned(r) / 8) * 2048 + (unsigned(g) / 4) * 32 + unsigned(b) / 8;
-        d[0] = std::uint8_t(w & 0xFF);
-        d[1] = std::uint8_t(w >> 8);
-        break;
-    }
-    case Layout::RGB24: d[0] = r; d[1] = g; d[2] = b; break;
-    case Layout::BGR24: d[0] = b; d[1] = g; d[2] = r; break;
-    case Layout::RGB32: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
-    case Layout::BGR32: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
-    default: break;
-    }
+    zotest::WriteRGB(in.destination, d, r, g, b);
 }
 
 // A filter whose 8-bit and 16-bit tables hold random values.

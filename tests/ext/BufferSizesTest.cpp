@@ -36,34 +36,34 @@ TEST(BufferSizes, HandWorkedCases)
 
 TEST(BufferSizes, RefusesAreasBeyondTheThirtyTwoBitWalk)
 {
-    const ZoPixelConverter* rgb = ZoPixelTypeFactory_GetConverter(ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32);
-    const ZoPixelConverter* interlaced =
-        ZoPixelTypeFactory_GetConverter(ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8);
-    const ZoPixelConverter* bayer = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB32);
-    ASSERT_TRUE(rgb && interlaced && bayer);
+    const std::int64_t rgb = ZO_PT_RGB24 | ZO_PIXEL_PACKED, chain = ZO_PT_RGB24 | ZO_PIXEL_PLANAR;
+    const struct {
+        std::int64_t source, destination;
+        std::uint32_t area[7];  // frame widths and heights, area, padding
+    } refused[] = {
+        {rgb, ZO_PT_RGB32, {1u << 31, 1, 4, 1, 4, 1, 0}},  // a source line of 3 x 2^31 bytes
+        {rgb, ZO_PT_RGB32, {4, 1, 1u << 30, 1, 4, 1, 1}},  // a destination line of 4 x 2^30 bytes plus padding
+        {ZO_PT_GRAY8 | ZO_PIXEL_INTERLACED, ZO_PT_GRAY8, {1u << 16, 1u << 16, 4, 4, 4, 4, 0}},  // its second field
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, {1u << 31, 2, 4, 2, 4, 2, 0}},  // a Bayer pair step of 2 x 2^31
+        {ZO_PT_BAYER_RGB8, chain, {4, 4, 4, 5, 4, 5, 0}},  // a chain's area beyond its source frame
+        // The chain's intermediate RGB24 frame (one line more than the
+        // source's) beyond 4 GiB - 1: 3 x 65536 x 21846 bytes.
+        {ZO_PT_BAYER_RGB8, chain, {1u << 16, 21845, 4, 4, 4, 4, 0}},
+    };
     ZoAreaBufferSizes sizes{7, 7, 7};
-    // A source line of 3 x 2^31 bytes, a destination line of 4 x 2^30 bytes
-    // plus padding, the second field of a 2^16 x 2^16 frame, and a
-    // Bayer pair step of 2 x 2^31: none fits the walk's 32-bit arithmetic.
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(rgb, 1u << 31, 1, 4, 1, 4, 1, 0, 0, &sizes), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(rgb, 4, 1, 1u << 30, 1, 4, 1, 0, 1, &sizes), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(interlaced, 1u << 16, 1u << 16, 4, 4, 4, 4, 0, 0, &sizes),
-              ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(bayer, 1u << 31, 2, 4, 2, 4, 2, 0, 0, &sizes),
-              ZO_ERR_BAD_ARGUMENT);
-    // A chain's area beyond its source frame, and its intermediate frame
-    // (RGB24 lines, one more than the source's) beyond 4 GiB - 1:
-    // 3 x 65536 x 21846 bytes.
-    const ZoPixelConverter* chain = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, ZO_PT_RGB24 | ZO_PIXEL_PLANAR);
-    ASSERT_NE(chain, nullptr);
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 4, 4, 4, 5, 4, 5, 0, 0, &sizes), ZO_ERR_BAD_ARGUMENT);
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 1u << 16, 21845, 4, 4, 4, 4, 0, 0, &sizes),
-              ZO_ERR_BAD_ARGUMENT);
+    for (const auto& r : refused) {
+        const std::uint32_t* g = r.area;
+        EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(ZoPixelTypeFactory_GetConverter(r.source, r.destination), g[0],
+                                                      g[1], g[2], g[3], g[4], g[5], 0, g[6], &sizes),
+                  ZO_ERR_BAD_ARGUMENT)
+            << std::hex << r.source << " " << g[0] << " x " << g[1];
+    }
     EXPECT_EQ(sizes.sourceBytes, 7u);  // untouched on refusal
-    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(chain, 1u << 16, 21844, 4, 4, 4, 4, 0, 0, &sizes), ZO_OK);
+    const ZoPixelConverter* c = ZoPixelTypeFactory_GetConverter(ZO_PT_BAYER_RGB8, chain);
+    EXPECT_EQ(ZoPixelConverter_GetAreaBufferSizes(c, 1u << 16, 21844, 4, 4, 4, 4, 0, 0, &sizes), ZO_OK);
     // Just inside: 4 x (2^30 - 1) destination bytes a line.
-    ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(rgb, (1u << 30) - 1, 2, (1u << 30) - 1, 2, (1u << 30) - 1, 2, 0,
-                                                  0, &sizes),
-              ZO_OK);
-    EXPECT_EQ(sizes.destinationBytes, 2 * 4 * std::uint64_t{(1u << 30) - 1});
+    const std::uint32_t most = (1u << 30) - 1;
+    c = ZoPixelTypeFactory_GetConverter(rgb, ZO_PT_RGB32);
+    ASSERT_EQ(ZoPixelConverter_GetAreaBufferSizes(c, most, 2, most, 2, most, 2, 0, 0, &sizes), ZO_OK);
+    EXPECT_EQ(sizes.destinationBytes, 2 * 4 * std::uint64_t{most});
 }

@@ -1,6 +1,6 @@
 // 8-bit dual-tap recombination: every registered instance against a plain
-// per-pixel reference, hand-worked lines, the area override's width, and
-// dual lines over areas.
+// per-pixel reference (its placement is checked by hand in the packed tests),
+// the area override's width, and dual lines over areas.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +12,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
+#include "gray/TapPlacement.h"
 
 namespace {
 
@@ -19,24 +20,10 @@ using Bytes = std::vector<unsigned char>;
 using zotest::kPoison;
 constexpr std::size_t kGuard = 8;
 
-// Tap bits 0x1000000, 0x2000000, 0x4000000, 0x8000000: modes 1 to 4.
-int ModeOf(std::int64_t source)
+// Expected line of n pixels at `line` (room on both sides).
+void ReferenceLine(std::int64_t source, const unsigned char* src, unsigned char* line, std::uint32_t n)
 {
-    const int modes[16] = {0, 1, 2, 0, 3, 0, 0, 0, 4};
-    return modes[(source >> 24) & 0xF];
-}
-
-// Expected line of n pixels at `line` (room on both sides): every pair of the
-// line in order, A then B, the odd last pixel's pair included.
-void ReferenceLine(int mode, const unsigned char* src, unsigned char* line, std::uint32_t n)
-{
-    const long h = n / 2, nn = n;
-    for (long i = 0; i < (nn + 1) / 2; ++i) {
-        const long a[] = {2 * i, i, i, h - 1 - i, h - 1 - i};
-        const long b[] = {2 * i + 1, h + i, nn - 1 - i, h + i, nn - 1 - i};
-        line[a[mode]] = src[2 * i];
-        line[b[mode]] = src[2 * i + 1];
-    }
+    tap_test::PlacePairs(source, n, [&](long at, bool isA, long i) { line[at] = src[2 * i + (isA ? 0 : 1)]; });
 }
 
 TEST(DualTapConverters, EveryRegisteredInstanceMatchesTheReference)
@@ -52,28 +39,11 @@ TEST(DualTapConverters, EveryRegisteredInstanceMatchesTheReference)
             const Bytes src = zotest::RandomBytes(n + 1 + kGuard, rng);
             Bytes got(n + 2 * kGuard, kPoison), want(got);
             EXPECT_EQ(c.Convert(src.data(), got.data() + kGuard, n), 0u);
-            ReferenceLine(ModeOf(r.source), src.data(), want.data() + kGuard, n);
+            ReferenceLine(r.source, src.data(), want.data() + kGuard, n);
             ASSERT_EQ(got, want) << std::hex << r.source << std::dec << " n=" << n;
         }
     }
     EXPECT_EQ(instances, 12);
-}
-
-// Pairs A_i, B_i in every mode; the dual-lines line form (an even line)
-// takes every other byte.
-TEST(DualTapConverters, HandWorkedLines)
-{
-    const unsigned char pairs[32] = {0xA0, 0xB0, 0xA1, 0xB1, 0xA2, 0xB2, 0xA3, 0xB3};
-    std::vector<zotest::Example> examples = {
-        {0x1010001, 0x10001, {}, 8, {0xA0, 0xA1, 0xA2, 0xA3, 0xB0, 0xB1, 0xB2, 0xB3}},
-        {0x2010001, 0x10001, {}, 8, {0xA0, 0xA1, 0xA2, 0xA3, 0xB3, 0xB2, 0xB1, 0xB0}},
-        {0x4010001, 0x10001, {}, 8, {0xA3, 0xA2, 0xA1, 0xA0, 0xB0, 0xB1, 0xB2, 0xB3}},
-        {0x8010001, 0x10001, {}, 8, {0xA3, 0xA2, 0xA1, 0xA0, 0xB3, 0xB2, 0xB1, 0xB0}},
-        {0x10010001, 0x10001, {}, 4, {0xA0, 0xA1, 0xA2, 0xA3, kPoison}},
-    };
-    for (zotest::Example& e : examples)
-        std::copy(pairs, pairs + 32, e.in);
-    zotest::CheckExamples(examples);
 }
 
 // With a left/right layout the area conversion converts sourceWidth pixels a
@@ -84,25 +54,21 @@ TEST(DualTapConverters, AreaLineWidthIsTheSourceWidth)
     const std::uint32_t sw = 16, height = 3;
     std::mt19937 rng(5);
     const Bytes src = zotest::RandomBytes(sw * height, rng);
-    const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x2010001, 0x10001);
-    Bytes want(sw * height, kPoison);
-    for (std::uint32_t y = 0; y < height; ++y)
-        ReferenceLine(2, src.data() + y * sw, want.data() + y * sw, sw);
-    const ZoRGBFilter filter(8);
-    for (const ZoRGBFilter* f : {static_cast<const ZoRGBFilter*>(nullptr), &filter}) {
-        Bytes got(sw * height, kPoison);
-        EXPECT_EQ(f ? c.Convert(*f, src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0)
-                    : c.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0),
-                  0u);
-        EXPECT_EQ(got, want);
-    }
     const ZoDualGrayscale8ToGrayscale8 copy(0x10010001, 0x10001);  // mode 0; the pair is taken: not registered
-    Bytes got(sw * height, kPoison);
-    copy.Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0);
-    want.assign(want.size(), kPoison);
-    for (std::uint32_t y = 0; y < height; ++y)
-        std::copy(src.begin() + y * sw, src.begin() + y * sw + 6, want.begin() + y * sw);
-    EXPECT_EQ(got, want);
+    const ZoPixelConverter& c = ZoPixelTypeFactory::GetConverter(0x2010001, 0x10001);
+    const ZoRGBFilter filter(8);
+    for (int k = 0; k < 3; ++k) {
+        Bytes got(sw * height, kPoison), want(got);
+        for (std::uint32_t y = 0; y < height; ++y)
+            if (k < 2)
+                ReferenceLine(0x2010001, src.data() + y * sw, want.data() + y * sw, sw);
+            else
+                std::copy(src.begin() + y * sw, src.begin() + y * sw + 6, want.begin() + y * sw);
+        EXPECT_EQ(k == 1 ? c.Convert(filter, src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0)
+                         : (k ? copy : c).Convert(src.data(), sw, height, got.data(), sw, height, 6, height, 0, 0),
+                  0u);
+        EXPECT_EQ(got, want) << k;
+    }
 }
 
 // Dual lines: destination line y takes the even bytes of source line y when

@@ -104,6 +104,30 @@ inline ::testing::AssertionResult SameBytes(const std::vector<unsigned char>& ac
 
 inline std::uint32_t Word(const unsigned char* p) { return std::uint32_t(p[0]) | (std::uint32_t(p[1]) << 8); }
 
+// Bytes of a pixel of the RGB16, RGB24, BGR24, RGB32 and BGR32 types.
+inline int RGBBytes(std::int64_t layout)
+{
+    return layout == ZO_PT_RGB16 ? 2 : layout == ZO_PT_RGB24 || layout == ZO_PT_BGR24 ? 3 : 4;
+}
+
+// Writes 8-bit r, g, b as one pixel of those types: RGB16 keeps the top 5,
+// 6 and 5 bits (little-endian word), the 32-bit types write 0 last.
+inline void WriteRGB(std::int64_t layout, unsigned char* d, int r, int g, int b)
+{
+    const bool bgr = layout == ZO_PT_BGR24 || layout == ZO_PT_BGR32;
+    if (layout == ZO_PT_RGB16) {
+        const unsigned w = (unsigned(r >> 3) << 11) | (unsigned(g >> 2) << 5) | unsigned(b >> 3);
+        d[0] = static_cast<unsigned char>(w);
+        d[1] = static_cast<unsigned char>(w >> 8);
+        return;
+    }
+    d[0] = static_cast<unsigned char>(bgr ? b : r);
+    d[1] = static_cast<unsigned char>(g);
+    d[2] = static_cast<unsigned char>(bgr ? r : b);
+    if (RGBBytes(layout) == 4)
+        d[3] = 0;
+}
+
 // Areas of awkward widths, with source and destination frames wider than the
 // area and padded destination lines.
 inline std::vector<Area> AwkwardAreas(bool interlaced)
@@ -119,6 +143,27 @@ inline std::vector<Area> AwkwardAreas(bool interlaced)
             areas.push_back({w + 3, sourceHeight, w + 1, h + 2, w, h, ZO_FLAG_INVERT_DEINTERLACER, 2});
     }
     return areas;
+}
+
+// Converts area `a` of random source bytes through `c` (with `filter`, or the
+// plain area form) into a poisoned destination and compares every byte with
+// what `reference` writes into the expected buffer.
+template <class Reference>
+::testing::AssertionResult AreaMatches(const ZoPixelConverter& c, const ZoRGBFilter* filter, const Area& a,
+                                       bool planar, std::mt19937& rng, Reference reference)
+{
+    AreaBuffers b = MakeBuffers(a, c.GetSourceByteSize(), c.GetDestinationByteSize(), planar, rng);
+    reference(b);
+    const std::uint32_t rc =
+        filter ? c.Convert(*filter, b.source.data(), a.sourceWidth, a.sourceHeight, b.destination.data(),
+                           a.destinationWidth, a.destinationHeight, a.width, a.height, a.flags, a.padding)
+               : c.Convert(b.source.data(), a.sourceWidth, a.sourceHeight, b.destination.data(), a.destinationWidth,
+                           a.destinationHeight, a.width, a.height, a.flags, a.padding);
+    const ::testing::AssertionResult same = SameBytes(b.destination, b.expected);
+    if (rc == ZO_OK && same)
+        return same;
+    return ::testing::AssertionFailure() << "result " << rc << ", " << same.message() << " (width " << a.width
+                                         << ", height " << a.height << ", flags " << a.flags << ")";
 }
 
 template <class T>

@@ -4,9 +4,9 @@
 #define ZO_TESTS_YUV_REFERENCE_H
 
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
+#include "support/AreaSupport.h"
 #include "support/FamilyTables.h"
 
 namespace yuvref {
@@ -32,43 +32,6 @@ inline RGB Convert(int y, int u, int v)
 
 enum class Family { YUV8, YUV10, YUV444 };
 
-// Destination layout from the destination ID.
-inline int DestBytes(std::int64_t dest)
-{
-    switch (dest) {
-    case 0x20001: return 2;
-    case 0x20002: case 0x20006: return 3;
-    default: return 4;
-    }
-}
-
-inline void WritePixel(std::int64_t dest, unsigned char* d, int r, int g, int b)
-{
-    switch (dest) {
-    case 0x20001: {
-        const unsigned w = (unsigned(r >> 3) << 11) | (unsigned(g >> 2) << 5) | unsigned(b >> 3);
-        d[0] = static_cast<unsigned char>(w & 0xFF);
-        d[1] = static_cast<unsigned char>(w >> 8);
-        break;
-    }
-    case 0x20002: d[0] = r; d[1] = g; d[2] = b; break;
-    case 0x20006: d[0] = b; d[1] = g; d[2] = r; break;
-    case 0x20003: d[0] = r; d[1] = g; d[2] = b; d[3] = 0; break;
-    case 0x20007: d[0] = b; d[1] = g; d[2] = r; d[3] = 0; break;
-    }
-}
-
-struct Tables {
-    unsigned char r[256], g[256], b[256];
-    static Tables Identity()
-    {
-        Tables t;
-        for (int i = 0; i < 256; ++i)
-            t.r[i] = t.g[i] = t.b[i] = static_cast<unsigned char>(i);
-        return t;
-    }
-};
-
 // One registered converter as the rules describe it.
 struct Instance {
     std::int64_t source;
@@ -88,20 +51,21 @@ struct Instance {
 };
 
 // The bytes a line call writes, at their place in `dst`.
-inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count, const Tables& t)
+inline void Line(const Instance& in, const unsigned char* src, unsigned char* dst, unsigned count,
+                 const ZoRGBFilter& f)
 {
-    const int db = DestBytes(in.dest);
+    const int db = zotest::RGBBytes(in.dest);
     if (in.family == Family::YUV444) {
         const unsigned blocked = count / 4 * 4;
         for (unsigned i = 0; i < count; ++i) {
             const unsigned char* p = src + i * 3 * (in.param + 1) + in.param;
             const RGB c = Convert(p[in.y], p[in.u], p[in.v]);
-            int g = t.g[c.g], b = t.b[c.b];
+            int g = f.GetGreenValue8(c.g), b = f.GetBlueValue8(c.b);
             if (in.dest == 0x20001 && i < blocked) {  // RGB16: tables swapped in the blocks of four
-                g = t.b[c.g];
-                b = t.g[c.b];
+                g = f.GetBlueValue8(c.g);
+                b = f.GetGreenValue8(c.b);
             }
-            WritePixel(in.dest, dst + i * db, t.r[c.r], g, b);
+            zotest::WriteRGB(in.dest, dst + i * db, f.GetRedValue8(c.r), g, b);
         }
         return;
     }
@@ -118,7 +82,7 @@ inline void Line(const Instance& in, const unsigned char* src, unsigned char* ds
             }
         }
         const RGB c = Convert(sample[i % 2 == 0 ? 0 : 2], sample[1], sample[3]);
-        WritePixel(in.dest, dst + i * db, t.r[c.r], t.g[c.g], t.b[c.b]);
+        zotest::WriteRGB(in.dest, dst + i * db, f.GetRedValue8(c.r), f.GetGreenValue8(c.g), f.GetBlueValue8(c.b));
     }
 }
 
