@@ -59,6 +59,34 @@ bool RGBTablePassLevel()
     return zo::simd::VectorLutActive() || zo::simd::ActiveCpuLevel() >= zo::simd::CpuLevel::kAVX2;
 }
 
+// A line of one-byte channels whose identity line would stream: chunk by
+// chunk, the identity line into a per-thread scratch buffer that stays in the
+// first-level cache, the table pass over it there, then a streaming copy to
+// the destination. Written in place instead, the line takes ordinary stores
+// (the pass reads it back) and loses what streaming gains on frames larger
+// than the cache. The line is cut into equal chunks of at most 1024 pixels,
+// each a whole number of 16 pixels (whole 64-byte lines of 4-byte pixels).
+// Measured, RGB 24 to BGRA through gains 1.8, 1.0, 1.4 (VBMI pass, time over
+// the identity twin's): 2.3 at 1080p and 2.4 at 4096 x 3000 in place, 1.7
+// and 1.6 through the scratch buffer; chunks of 1024 and 896 pixels for a
+// 1920-pixel line measured 2.3, chunks of 2048 pixels 1.8 at 4096 x 3000.
+template <class Writer, unsigned Group>
+void StreamedPassLine(const unsigned char* s, unsigned char* d, std::uint32_t n, const zo::simd::LutPass8& pass)
+{
+    constexpr std::uint32_t kChunk = 1024;
+    alignas(64) thread_local unsigned char scratch[kChunk * 4];
+    const std::uint32_t chunks = (n + kChunk - 1) / kChunk;
+    const std::uint32_t chunk = chunks ? std::min(kChunk, ((n + chunks - 1) / chunks + 15) / 16 * 16) : 0;
+    for (std::uint32_t done = 0; done < n;) {
+        const std::uint32_t m = std::min(chunk, n - done);
+        zo::simd::RepackBytesIdentityLine<Writer, Group>(s + std::size_t(done) * Group, scratch, m);
+        pass.Apply(scratch, m);
+        zo::StreamCopy(d + std::size_t(done) * Writer::kBytes, scratch, std::size_t(m) * Writer::kBytes);
+        done += m;
+    }
+    zo::StreamFence();
+}
+
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
 // vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts
@@ -66,7 +94,9 @@ bool RGBTablePassLevel()
 // channel bytes the filtered kernel indexes with; the fourth byte is 0 either
 // way) and then the pass over it; without one, the filtered kernel's own
 // lookups are faster. `stream`: the identity line of one-byte channels may
-// write with streaming stores (core/StreamStores.h).
+// write with streaming stores (core/StreamStores.h); a filtered line that
+// would stream takes StreamedPassLine (measured 1.7 times the identity line
+// at 1080p where the pass in place measured 2.3).
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
                bool stream = false)
@@ -76,6 +106,10 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
         if (!f.IsIdentity8() && (k == 1 || k == 2) && RGBTablePassLevel()) {
             const zo::simd::LutPass8 pass(ByteOrderTables(f, Writer::kRed), Writer::kBytes);
             if (pass.Vector()) {
+                if (k == 1 && stream) {
+                    StreamedPassLine<Writer, Group>(s, d, n, pass);
+                    return;
+                }
                 if (k == 1)
                     zo::simd::RepackBytesIdentityLine<Writer, Group>(s, d, n);
                 else
