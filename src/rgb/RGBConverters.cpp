@@ -66,10 +66,15 @@ bool RGBTablePassLevel()
 // (the pass reads it back) and loses what streaming gains on frames larger
 // than the cache. The line is cut into equal chunks of at most 1024 pixels,
 // each a whole number of 16 pixels (whole 64-byte lines of 4-byte pixels).
-// Measured, RGB 24 to BGRA through gains 1.8, 1.0, 1.4 (VBMI pass, time over
-// the identity twin's): 2.3 at 1080p and 2.4 at 4096 x 3000 in place, 1.7
-// and 1.6 through the scratch buffer; chunks of 1024 and 896 pixels for a
-// 1920-pixel line measured 2.3, chunks of 2048 pixels 1.8 at 4096 x 3000.
+// Measured, RGB 24 to BGRA through gains 1.8, 1.0, 1.4, cold buffers, time
+// over the identity twin's: at 4096 x 3000 the VBMI pass goes from 1.8-2.1
+// in place to 1.5-1.55 here, the AVX2 arithmetic pass from 2.65 to 2.0-2.3;
+// at 1080p (a destination the last-level cache holds) the filtered time is
+// the same either way on an idle machine (1.6-1.7), and 2.3 in place against
+// 1.7 here under load. Chunks of 1024 and 896 pixels for a 1920-pixel line
+// measured 2.3 under load, chunks of 2048 pixels 1.8 at 4096 x 3000: hence
+// equal chunks of at most 1024. The pass itself (and its per-call set-up)
+// is what remains above the identity line.
 template <class Writer, unsigned Group>
 void StreamedPassLine(const unsigned char* s, unsigned char* d, std::uint32_t n, const zo::simd::LutPass8& pass)
 {
@@ -95,8 +100,8 @@ void StreamedPassLine(const unsigned char* s, unsigned char* d, std::uint32_t n,
 // way) and then the pass over it; without one, the filtered kernel's own
 // lookups are faster. `stream`: the identity line of one-byte channels may
 // write with streaming stores (core/StreamStores.h); a filtered line that
-// would stream takes StreamedPassLine (measured 1.7 times the identity line
-// at 1080p where the pass in place measured 2.3).
+// would stream takes StreamedPassLine (at 4096 x 3000 measured 1.5 times
+// the identity line, where the pass in place measured 1.8-2.1).
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
                bool stream = false)
