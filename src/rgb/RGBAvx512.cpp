@@ -80,6 +80,18 @@ std::uint32_t BytesToRGB16StreamAvx512(const unsigned char* s, unsigned char* d,
     return BytesToRGB16Run(s, d, n, group, true);
 }
 
+// The source byte of each destination byte of sixteen three- to four-byte
+// pixels (the fourth bytes are zeroed by the permute's mask).
+__m512i SpreadIndex(bool blueFirst)
+{
+    alignas(64) unsigned char spread[64];
+    for (unsigned j = 0; j < 64; ++j) {
+        const unsigned c = j % 4 == 3 ? 0 : (blueFirst ? 2 - j % 4 : j % 4);
+        spread[j] = static_cast<unsigned char>(3 * (j / 4) + c);
+    }
+    return _mm512_load_si512(spread);
+}
+
 // Sixteen pixels a step, the table lookups fused into the three- to
 // four-byte permute: one permute spreads 48 source bytes over 64 (the fourth
 // bytes zeroed), then per table two two-source permutes look up the low and
@@ -93,12 +105,8 @@ std::uint32_t BytesToRGB16StreamAvx512(const unsigned char* s, unsigned char* d,
 std::uint32_t ThreeToFourTablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                       const unsigned char* const* tables, bool stream)
 {
-    alignas(64) unsigned char spread[64];
-    for (unsigned j = 0; j < 64; ++j) {
-        const unsigned c = j % 4 == 3 ? 0 : (blueFirst ? 2 - j % 4 : j % 4);
-        spread[j] = static_cast<unsigned char>(3 * (j / 4) + c);
-    }
-    const __m512i index = _mm512_load_si512(spread);
+    static const __m512i kSpread[2] = {SpreadIndex(false), SpreadIndex(true)};
+    const __m512i index = kSpread[blueFirst];
     const __mmask64 colour = 0x7777777777777777ull, sourceBytes = 0xFFFFFFFFFFFFull;
     __m512i q[3][4];
     __mmask64 lanes[3];

@@ -2,6 +2,8 @@
 // context once and hands the line to a kernel of RGBKernels.h.
 #include "ZoRGBConverters.h"
 
+#include <cstring>
+
 #include "core/StreamStores.h"
 #include "rgb/RGBKernels.h"
 #include "rgb/RGBSimd.h"
@@ -63,10 +65,16 @@ bool RGBTablePassLevel()
 // it), else the table.
 const unsigned char* IdentityOrTable(const std::uint8_t* table)
 {
-    for (unsigned i = 0; i < 256; ++i)
-        if (table[i] != i)
-            return table;
-    return nullptr;
+    struct Ramp {
+        std::uint8_t bytes[256];
+        Ramp()
+        {
+            for (unsigned i = 0; i < 256; ++i)
+                bytes[i] = static_cast<std::uint8_t>(i);
+        }
+    };
+    static const Ramp kRamp;
+    return std::memcmp(table, kRamp.bytes, 256) ? table : nullptr;
 }
 
 // A line of one-byte channels whose identity line would stream: chunk by
