@@ -1,7 +1,9 @@
 // The choice between streaming and ordinary destination stores.
 #include "core/StreamStores.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstring>
 
 #include "convert/BandWindow.h"
 
@@ -10,6 +12,13 @@
 #define ZO_STREAM_CPUID 1
 #else
 #define ZO_STREAM_CPUID 0
+#endif
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define ZO_STREAM_SSE2 1
+#else
+#define ZO_STREAM_SSE2 0
 #endif
 
 namespace zo {
@@ -82,6 +91,35 @@ bool StreamDestination(const ZoPixelConverterContext& context)
     const std::uint64_t footprint =
         std::uint64_t(context.areaHeight) * (std::uint64_t(context.sourceLineBytes) + context.destinationLineBytes);
     return footprint >= StreamingThreshold();
+}
+
+void StreamCopy(unsigned char* d, const unsigned char* s, std::size_t bytes)
+{
+#if ZO_STREAM_SSE2
+    const std::size_t head = std::min<std::size_t>(-reinterpret_cast<std::uintptr_t>(d) & 63, bytes);
+    std::memcpy(d, s, head);
+    std::size_t i = head;
+    for (; i + 64 <= bytes; i += 64) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 16));
+        const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 32));
+        const __m128i e = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 48));
+        _mm_stream_si128(reinterpret_cast<__m128i*>(d + i), a);
+        _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 16), b);
+        _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 32), c);
+        _mm_stream_si128(reinterpret_cast<__m128i*>(d + i + 48), e);
+    }
+    std::memcpy(d + i, s + i, bytes - i);
+#else
+    std::memcpy(d, s, bytes);
+#endif
+}
+
+void StreamFence()
+{
+#if ZO_STREAM_SSE2
+    _mm_sfence();
+#endif
 }
 
 }  // namespace zo

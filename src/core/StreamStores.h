@@ -32,6 +32,7 @@
 #ifndef ZO_STREAM_STORES_H
 #define ZO_STREAM_STORES_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ZoPixelConverter.h"
@@ -53,6 +54,13 @@ void ResetStreamingThreshold();
 
 // The choice for a line call made with the calling thread's context.
 bool StreamDestination(const ZoPixelConverterContext& context);
+
+// Copies `bytes` bytes from `s` to `d` (not overlapping): the whole 64-byte
+// lines of `d` with streaming stores, the bytes before the first and after
+// the last with ordinary ones. No fence: a caller that copies a line in parts
+// calls StreamFence() once after the last part.
+void StreamCopy(unsigned char* d, const unsigned char* s, std::size_t bytes);
+void StreamFence();
 
 }  // namespace zo
 

@@ -36,6 +36,11 @@ struct RGBPaths {
     // has the ordinary one here.
     std::uint32_t (*threeToFourStream)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
     std::uint32_t (*bytesToRGB16Stream)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group);
+    // r g b -> r g b 0 (or b g r 0), destination byte j through tables[j]
+    // (null: the identity), streaming when `stream`; null where the level
+    // has no such path.
+    std::uint32_t (*threeToFourTables)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                       const unsigned char* const* tables, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and

@@ -18,7 +18,7 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
 }
 
 const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
-                                  NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16};
+                                  NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
@@ -44,6 +44,13 @@ const RGBPaths& RGBActivePaths()
 }
 
 bool HasByteShuffle() { return &RGBActivePaths() != &kRGBPathsScalar; }
+
+std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                const unsigned char* const* tables, bool stream)
+{
+    const auto path = RGBActivePaths().threeToFourTables;
+    return path ? path(s, d, n, blueFirst, tables, stream) : 0;
+}
 
 template <>
 std::uint32_t RepackBytesIdentity<Write32<0>, 3>(const unsigned char* s, unsigned char* d, std::uint32_t n)

@@ -92,6 +92,13 @@ std::uint32_t RepackBytesIdentityStream<WriteRGB16, 4>(const unsigned char* s, u
 std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, unsigned char* green,
                                    unsigned char* blue, std::uint32_t n);
 
+// Three-byte pixels (red, green, blue first) to RGB32 (or BGR32 when
+// blueFirst), destination byte j through the 256-entry table tables[j]
+// (null: the identity); the fourth byte is 0. Streaming stores when
+// `stream`. 0 where the level has no such path.
+std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                const unsigned char* const* tables, bool stream);
+
 // Whether the byte shuffles above use vector instructions at the active
 // level.
 bool HasByteShuffle();
