@@ -111,9 +111,12 @@ TEST(SimdLevels, EveryPairMatchesTheScalarLevelAtEveryLevel)
 // to 0; every destination starts at each offset from a 64-byte line (the
 // streaming loops store ordinarily up to the first whole cache line) and
 // lines are padded, so the head, the streamed middle and the tail all occur.
+// With white balance too: filtered lines stream through their own paths.
 TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
 {
     std::mt19937 rng(11);
+    ZoRGBFilter gains(8);
+    ASSERT_EQ(gains.SetMultipliers(1.8, 1.2, 1.6), ZO_OK);
     int checked = 0;
     for (const auto& pair : zotest::RegisteredBuiltInPairs()) {
         if (pair.second != ZO_PT_RGB16 && pair.second != ZO_PT_RGB32 && pair.second != ZO_PT_BGR32 &&
@@ -123,20 +126,23 @@ TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
         ++checked;
         for (std::uint32_t width : {256u, 257u, 333u, 1023u}) {  // padded lines: width % 4 bytes
             const Bytes source = zotest::RandomBytes(std::size_t(c.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
-            const auto convert = [&](CpuLevel level, int offset, std::uint64_t threshold) {
-                const zotest::CpuCeilingScope ceiling(level);
-                zo::SetStreamingThreshold(threshold);
-                const Bytes d = Convert(c, source, width, 0, nullptr, zotest::kPoison, offset, 3);
-                zo::ResetStreamingThreshold();
-                return d;
-            };
-            // Streaming off, ordinary stores: the same bytes at every offset.
-            const Bytes expected = convert(CpuLevel::kScalar, 0, ~std::uint64_t(0));
-            for (int offset : {0, 1, 7})
-                for (CpuLevel level : zotest::HostCpuLevels())
-                    ASSERT_TRUE(zotest::SameBytes(convert(level, offset, 0), expected))
-                        << std::hex << pair.first << " -> " << pair.second << std::dec << " width " << width
-                        << " offset " << offset << " level " << zo::simd::CpuLevelName(level);
+            for (const ZoRGBFilter* filter : std::initializer_list<const ZoRGBFilter*>{nullptr, &gains}) {
+                const auto convert = [&](CpuLevel level, int offset, std::uint64_t threshold) {
+                    const zotest::CpuCeilingScope ceiling(level);
+                    zo::SetStreamingThreshold(threshold);
+                    const Bytes d = Convert(c, source, width, 0, filter, zotest::kPoison, offset, 3);
+                    zo::ResetStreamingThreshold();
+                    return d;
+                };
+                // Streaming off, ordinary stores: the same bytes at every offset.
+                const Bytes expected = convert(CpuLevel::kScalar, 0, ~std::uint64_t(0));
+                for (int offset : {0, 1, 7})
+                    for (CpuLevel level : zotest::HostCpuLevels())
+                        ASSERT_TRUE(zotest::SameBytes(convert(level, offset, 0), expected))
+                            << std::hex << pair.first << " -> " << pair.second << std::dec << " width " << width
+                            << " offset " << offset << " level " << zo::simd::CpuLevelName(level)
+                            << (filter ? ", gains" : "");
+            }
         }
     }
     EXPECT_GT(checked, 20);
