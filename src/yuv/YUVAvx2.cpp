@@ -5,11 +5,17 @@
 // orders of 8-pixel quarters: "natural" (0-7, 8-15 | 16-23, 24-31, the 4:4:4
 // path) or "packed" (0-7, 16-23 | 8-15, 24-31, as the 4:2:2 path's in-lane
 // packing leaves them); the stores' lane permutes put either back in order.
+//
+// White balance on 8-bit 4:2:2 into 32-bit layouts: where the tables have an
+// arithmetic form (simd/LutForm.h) it is evaluated on the 16-bit channel
+// values just before they are packed, so the line is converted in one pass.
 #include "yuv/YUVSimd.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
 
+#include "simd/LutArith.h"
+#include "simd/LutV256.h"
 #include "yuv/YUVSimdTransform.h"
 
 namespace zo {
@@ -310,6 +316,70 @@ std::uint32_t Pairs10AVX2(const unsigned char* src, unsigned char* dst, std::uin
     return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadShiftedWord{shift});
 }
 
+// ---- Filtered: table forms evaluated before the pack ----
+
+using Arith = simd::LutArith<simd::V256>;
+
+struct ChannelForms {
+    Arith::Params red, green, blue;
+};
+
+// As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
+// clamped to 0-255 (what the pack does) and evaluated through its table's
+// form before the pack. Green false: green's table is the identity (as white
+// balance usually leaves it) and is not evaluated.
+template <unsigned RedIndex, int Mode, bool Green>
+std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                 const ChannelForms& forms)
+{
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i top = _mm256_set1_epi16(255);
+    const std::uint32_t steps = pairs / 8;
+    for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
+        __m256i r, g, b;
+        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
+        r = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(r, zero), top), forms.red);
+        if constexpr (Green)
+            g = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(g, zero), top), forms.green);
+        b = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(b, zero), top), forms.blue);
+        const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
+        const __m256i middle = _mm256_packus_epi16(g, zero);
+        const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
+        const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
+        Store(dst, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
+        Store(dst + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
+    }
+    return steps * 8;
+}
+
+template <unsigned RedIndex>
+std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                        const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: red at byte RedIndex.
+    const ChannelForms forms = {Arith::Channel(plan, RedIndex), Arith::Channel(plan, 1),
+                                Arith::Channel(plan, 2 - RedIndex)};
+    std::uint32_t done = 0;
+    Arith::WithMode(plan, [&](auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        done = plan.identity[1] ? Pairs422To32Formed<RedIndex, kMode, false>(src, dst, pairs, forms)
+                                : Pairs422To32Formed<RedIndex, kMode, true>(src, dst, pairs, forms);
+    });
+    return done;
+}
+
+// 8-bit samples into 32-bit layouts only; 0 (the line's pair loop looks the
+// channels up) for anything else.
+std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                               const simd::LutFormPlan8& plan)
+{
+    if (sampleBytes != 1 || dstBytes != 4)
+        return 0;
+    return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan)
+                    : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan);
+}
+
 // --- 4:4:4, three-byte pixels ---------------------------------------------
 
 // Shuffle masks that pick byte `offset` of each of sixteen 3-byte pixels
@@ -388,7 +458,8 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2, nullptr};
+const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2,
+                                      Pairs8FormedAVX2};
 
 }  // namespace zo
 

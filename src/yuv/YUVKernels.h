@@ -158,7 +158,7 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // layouts do better: the filter is applied to the final channel values just
 // before they are stored, so the vector path writes the destination directly
 // and the pass follows over the pixels it wrote, while they are still in the
-// first-level cache. Better still, where the level has it (AVX-512 VBMI,
+// first-level cache. Better still, where the level has it (AVX2, AVX-512 VBMI,
 // 8-bit 4:2:2 into 32-bit layouts) and the tables have an arithmetic form,
 // the vector path evaluates the form itself before it stores: one pass.
 constexpr std::uint32_t kFilterChunkPixels = 256;
