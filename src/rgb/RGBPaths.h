@@ -14,6 +14,8 @@
 namespace zo {
 namespace simd {
 
+struct LutFormPlan8;
+
 struct RGBPaths {
     const char* name;
     // r g b -> r g b 0 (or b g r 0 when blueFirst).
@@ -41,6 +43,11 @@ struct RGBPaths {
     // has no such path.
     std::uint32_t (*threeToFourTables)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                        const unsigned char* const* tables, bool stream);
+    // The same through the arithmetic forms of an 8-bit plan made for
+    // 4-byte pixels in the destination's byte order (simd/LutForm.h); null
+    // where the level has no such path.
+    std::uint32_t (*threeToFourFormed)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                       const LutFormPlan8& plan, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
