@@ -1,7 +1,9 @@
 // AVX2 paths of the RGB kernels (this file alone is compiled for AVX2; its
 // table runs from the AVX2 level on, see RGBSimd.cpp). RGB16 packing and
 // three- to four-byte pixels have their own paths here (with ordinary and
-// with streaming stores); the other shuffles keep the SSSE3 ones.
+// with streaming stores); the other shuffles keep the SSSE3 ones. Filtered
+// three- to four-byte pixels whose 8-bit tables have an arithmetic form
+// (simd/LutForm.h) evaluate it on the spread pixels before they store.
 #include "rgb/RGBPaths.h"
 
 #if defined(__AVX2__)
@@ -11,6 +13,8 @@
 #include <cstddef>
 
 #include "core/StreamGroups.h"
+#include "simd/LutArith.h"
+#include "simd/LutV256.h"
 
 namespace zo {
 namespace simd {
@@ -114,6 +118,76 @@ std::uint32_t ThreeToFourRun(const unsigned char* s, unsigned char* d, std::uint
     return i + ThreeToFourSsse3(s + std::size_t(i) * 3, d + std::size_t(i) * 4, n - i, blueFirst);
 }
 
+using Arith = LutArith<V256>;
+
+// The forms of the bytes at positions `even` and `odd` of a 4-byte pixel on
+// the 16-bit lanes of whole pixels: even lanes `even`, odd lanes `odd`.
+Arith::Params PairForms(const LutFormPlan8& plan, unsigned even, unsigned odd)
+{
+    Arith::Params r;
+    for (unsigned q = 0; q < kLutParamCount; ++q)
+        r.p[q] = _mm256_set1_epi32(static_cast<int>(plan.lanes[0][0][q][even] | (plan.lanes[0][0][q][odd] << 16)));
+    return r;
+}
+
+// Form `Mode` (Arith::EvalFixed) on 16-bit lanes holding bytes; a
+// saturating form leaves lanes past 255, which are clamped to 255 (the
+// entry every such table ends with).
+template <int Mode>
+inline __m256i EvalBytes(__m256i x, const Arith::Params& forms)
+{
+    const __m256i r = Arith::EvalFixed<Mode>(x, forms);
+    if constexpr (Mode == 4 || Mode == 5)
+        return _mm256_min_epu16(r, _mm256_set1_epi16(255));
+    else
+        return r;
+}
+
+// ThreeToFourRun's eight pixels a step, each spread pixel's bytes mapped by
+// the plan's forms before the store: masked as 16-bit lanes, bytes 0 and 2
+// (and 1 and 3 unless byte 1's table is the identity, as white balance
+// usually leaves green) go through the forms in one register each. The
+// bytes the identity line and a table pass give, in one pass over the line;
+// the fourth byte is 0, which its identity form keeps. Stops where
+// ThreeToFourRun's loop stops; the caller's lookups finish the line.
+template <int Mode, bool Middle>
+std::uint32_t ThreeToFourFormedRun(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                   const LutFormPlan8& plan, bool stream)
+{
+    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6);
+    const __m256i spread = blueFirst ? _mm256_setr_epi8(2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z,  //
+                                                        2, 1, 0, Z, 5, 4, 3, Z, 8, 7, 6, Z, 11, 10, 9, Z)
+                                     : _mm256_setr_epi8(0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z,  //
+                                                        0, 1, 2, Z, 3, 4, 5, Z, 6, 7, 8, Z, 9, 10, 11, Z);
+    const __m256i lowBytes = _mm256_set1_epi16(0x00FF);
+    const Arith::Params outer = PairForms(plan, 0, 2), middle = PairForms(plan, 1, 3);
+    const std::uint64_t inEnd = std::uint64_t(n) * 3;
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 32 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + std::size_t(i) * 3));
+        const __m256i w = _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, lanes), spread);
+        const __m256i a = EvalBytes<Mode>(_mm256_and_si256(w, lowBytes), outer);
+        const __m256i b = Middle ? _mm256_slli_epi16(EvalBytes<Mode>(_mm256_srli_epi16(w, 8), middle), 8)
+                                 : _mm256_andnot_si256(lowBytes, w);
+        Store(d + std::size_t(i) * 4, _mm256_or_si256(a, b), streaming);
+    };
+    return RunGroups<8, 4>(d, stream, fits, step);
+}
+
+std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                    const LutFormPlan8& plan, bool stream)
+{
+    if (plan.pixelBytes != 4)
+        return 0;
+    std::uint32_t done = 0;
+    Arith::WithMode(plan, [&](auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        done = plan.identity[1] ? ThreeToFourFormedRun<kMode, false>(s, d, n, blueFirst, plan, stream)
+                                : ThreeToFourFormedRun<kMode, true>(s, d, n, blueFirst, plan, stream);
+    });
+    return done;
+}
+
 }  // namespace
 
 std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
@@ -127,7 +201,8 @@ std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, st
 
 const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                 BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
-                                ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2, nullptr};
+                                ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2, nullptr,
+                                ThreeToFourFormedAvx2};
 
 }  // namespace simd
 }  // namespace zo

@@ -117,12 +117,16 @@ void StreamedPassLine(const unsigned char* s, unsigned char* d, std::uint32_t n,
 // channel bytes the filtered kernel indexes with; the fourth byte is 0 either
 // way) and then the pass over it; without one, the filtered kernel's own
 // lookups are faster. Three- to four-byte pixels of one-byte channels take
-// first the fused permute and lookups where the level has them (AVX-512
-// VBMI: 1.24-1.4 times the identity line, against 1.5-1.7 for the identity
-// line and the pass). `stream`: the identity line of one-byte channels may
-// write with streaming stores (core/StreamStores.h); a filtered line that
-// would stream takes StreamedPassLine (at 4096 x 3000 measured 1.5 times
-// the identity line, where the pass in place measured 1.8-2.1).
+// first the fused shuffle and forms where the level has them and every
+// table has a form (AVX2: 1.35-1.43 times the identity line at 1080p and
+// 1.26-1.31 at 4096 x 3000 through gains 1.8, 1.0, 1.4, against 2.0-2.3
+// and 2.0-2.1 for the identity line and the pass), then the fused permute
+// and lookups (AVX-512 VBMI: 1.24-1.4 times the identity line, against
+// 1.5-1.7 for the identity line and the pass). `stream`: the identity line
+// of one-byte channels may write with streaming stores
+// (core/StreamStores.h), and so may the fused paths; a filtered line that
+// would stream otherwise takes StreamedPassLine (at 4096 x 3000 measured
+// 1.5 times the identity line, where the pass in place measured 1.8-2.1).
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
                bool stream = false)
@@ -131,9 +135,12 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     if constexpr (TablePassLayout<Writer>::kUses && Group == 3 && Writer::kBytes == 4) {
         if (!f.IsIdentity8() && k == 1) {
             const zo::simd::LutTables8 b = ByteOrderTables(f, Writer::kRed);
-            const unsigned char* const tables[3] = {IdentityOrTable(b.byte0), IdentityOrTable(b.byte1),
-                                                    IdentityOrTable(b.byte2)};
-            const std::uint32_t done = zo::simd::ThreeToFourTables(s, d, n, Writer::kRed == 2, tables, stream);
+            std::uint32_t done = zo::simd::ThreeToFourFormed(s, d, n, Writer::kRed == 2, b, stream);
+            if (!done) {
+                const unsigned char* const tables[3] = {IdentityOrTable(b.byte0), IdentityOrTable(b.byte1),
+                                                        IdentityOrTable(b.byte2)};
+                done = zo::simd::ThreeToFourTables(s, d, n, Writer::kRed == 2, tables, stream);
+            }
             if (done) {
                 zo::RepackBytesLine<Writer, Group, 1, false>(s + std::size_t(done) * 3, d + std::size_t(done) * 4,
                                                              n - done, 1, t);

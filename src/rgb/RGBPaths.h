@@ -14,6 +14,8 @@
 namespace zo {
 namespace simd {
 
+struct LutFormPlan8;
+
 struct RGBPaths {
     const char* name;
     // r g b -> r g b 0 (or b g r 0 when blueFirst).
@@ -41,14 +43,20 @@ struct RGBPaths {
     // has no such path.
     std::uint32_t (*threeToFourTables)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                        const unsigned char* const* tables, bool stream);
+    // The same through the arithmetic forms of an 8-bit plan made for
+    // 4-byte pixels in the destination's byte order (simd/LutForm.h); null
+    // where the level has no such path.
+    std::uint32_t (*threeToFourFormed)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                       const LutFormPlan8& plan, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
 // three- to four-byte pixels with streaming stores too; RGBAvx2.cpp: its own
 // RGB16 and three- to four-byte paths (sixteen and eight pixels a step, then
-// the SSSE3 one), the SSSE3 paths for the rest; RGBAvx512.cpp: its own RGB16
-// paths (thirty-two pixels a step, then the AVX2 one), the AVX2 three- to
-// four-byte paths, the SSSE3 paths for the rest.
+// the SSSE3 one) and the three- to four-byte path through table forms, the
+// SSSE3 paths for the rest; RGBAvx512.cpp: its own RGB16 paths (thirty-two
+// pixels a step, then the AVX2 one), the AVX2 three- to four-byte paths, the
+// SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);

@@ -4,6 +4,7 @@
 
 #include "rgb/RGBPaths.h"
 #include "simd/Cpu.h"
+#include "simd/Lut.h"
 
 namespace zo {
 namespace simd {
@@ -18,7 +19,8 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
 }
 
 const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
-                                  NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr};
+                                  NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr,
+                                  nullptr};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
@@ -50,6 +52,16 @@ std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::u
 {
     const auto path = RGBActivePaths().threeToFourTables;
     return path ? path(s, d, n, blueFirst, tables, stream) : 0;
+}
+
+std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                const LutTables8& tables, bool stream)
+{
+    const auto path = RGBActivePaths().threeToFourFormed;
+    if (!path)
+        return 0;
+    const LutFormPlan8* plan = FormPlan8(tables, 4);
+    return plan ? path(s, d, n, blueFirst, *plan, stream) : 0;
 }
 
 template <>

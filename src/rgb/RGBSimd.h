@@ -99,6 +99,14 @@ std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, u
 std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                 const unsigned char* const* tables, bool stream);
 
+// The same for tables that all have an arithmetic form (simd/LutForm.h;
+// `tables` in the destination's byte order), evaluated on the pixels before
+// they store, bit for bit the lookups. 0 where a table has no form or the
+// level has no such path.
+struct LutTables8;
+std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                const LutTables8& tables, bool stream);
+
 // Whether the byte shuffles above use vector instructions at the active
 // level.
 bool HasByteShuffle();

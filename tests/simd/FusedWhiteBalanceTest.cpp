@@ -1,6 +1,6 @@
 // White balance where the tables have an arithmetic form and the vector
 // kernels evaluate the form before they store (Bayer 8-bit interpolation,
-// YUYV into 32-bit layouts, 12-bit Bayer into RGB48). One filter per
+// YUYV and RGB 24 into 32-bit layouts, 12-bit Bayer into RGB48). One filter per
 // evaluation mode of the form, each with green changed too (and one with
 // green left alone), into every layout these kernels write: every level
 // gives the scalar level's bytes (the scalar kernels look the channels up
@@ -77,7 +77,8 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
 {
     constexpr std::uint32_t kWidth = 203, kHeight = 4;
     std::mt19937 rng(41);
-    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 2 * (kHeight + 1) + 64, rng);
+    // Enough for the widest source, three bytes a pixel.
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 3 * (kHeight + 1) + 64, rng);
     const std::uint32_t kBilinear = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
     const struct {
         std::int64_t source, destination;
@@ -86,6 +87,7 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
         {ZO_PT_BAYER_RGB8, ZO_PT_RGB24, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR24, kBilinear},
         {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR32, kBilinear},
         {ZO_PT_YUV8, ZO_PT_RGB32, 0},               {ZO_PT_YUV8, ZO_PT_BGR32, 0},
+        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32, 0}, {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 0},
     };
     for (const Gains& g : kGains) {
         ZoRGBFilter filter(8);
