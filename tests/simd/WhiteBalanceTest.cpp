@@ -252,7 +252,9 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
     constexpr std::uint32_t kWidth = 97, kHeight = 6, kFlags = ZO_FLAG_BAYER_GRBG | ZO_FLAG_BAYER_INTERPOLATE;
     std::mt19937 rng(23);
     const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
-    for (const auto& [get, set] : channels) {
+    for (const auto& channel : channels) {
+        const Get get = channel.first;
+        const Set set = channel.second;
         ZoRGBFilter filter(8);
         ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
         const zo::simd::LutTables8 t{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8()};
