@@ -66,13 +66,19 @@
 //   Gain16 rows (1.8, 1.0, 1.6): host Bayer 8 -> RGB24 1.55 / 1.30 -> 1.12 /
 //     1.19, RGB48 1.38 / 1.08 -> 1.06 / 0.97; avx2 1.34 / 1.36 -> 1.26 /
 //     1.16 and 1.20 / 1.12 -> 0.95 / 0.97 (the formed RGB48 block, sixteen
-//     pixels with shuffled stores, outruns the SSE2 identity block).
+//     pixels with shuffled stores, outran the SSE2 identity block; the
+//     identity line now takes the same AVX2 block: id/memcpy 1.26 -> 0.99 at
+//     1080p, 1.23 -> 1.14 at 4096 x 3000).
 // The corrected form (gains such as 1.4) costs about twice the plain one
 // inside the kernel. YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
 // level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
 // load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
-// 1.23-1.30); its AVX2 kernel and the RGB filtered conversions still take
-// the pass after their identity line.
+// 1.23-1.30) and at AVX2 (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75).
+// RGB 24 into RGB32/BGR32: AVX2 evaluates the forms before its store
+// (rgb/RGBAvx2.cpp; about 2.0-2.3 -> 1.34-1.44 at 1080p, 1.26-1.35 at
+// 4096 x 3000), AVX-512 VBMI looks the tables up inside the kernel
+// (rgb/RGBAvx512.cpp). The rest of the RGB filtered conversions take the
+// pass after their identity line.
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
