@@ -19,9 +19,7 @@ namespace {
 using Arith = simd::LutArith<simd::V256>;
 
 // The forms of red, green and blue, each broadcast to every lane.
-struct ChannelForms {
-    Arith::Params red, green, blue;
-};
+using ChannelForms = Arith::Channels;
 
 inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 {
@@ -147,13 +145,11 @@ std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std:
                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan8& plan)
 {
     // The plan is in byte order of the layout: blue first for BGR.
-    const ChannelForms forms = {Arith::Channel(plan, BlueFirst ? 2 : 0), Arith::Channel(plan, 1),
-                                Arith::Channel(plan, BlueFirst ? 0 : 2)};
+    const ChannelForms forms = Arith::ChannelsOf(plan, BlueFirst ? 2 : 0);
     std::uint32_t x = from;
-    Arith::WithMode(plan, [&](auto mode) {
-        constexpr int kMode = decltype(mode)::value;
-        x = plan.identity[1] ? Blocks<Bytes, BlueFirst, kMode, false>(line, above, below, dst, from, to, phase, &forms)
-                             : Blocks<Bytes, BlueFirst, kMode, true>(line, above, below, dst, from, to, phase, &forms);
+    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
+        x = Blocks<Bytes, BlueFirst, decltype(mode)::value, decltype(green)::value>(line, above, below, dst, from, to,
+                                                                                  phase, &forms);
     });
     return x;
 }

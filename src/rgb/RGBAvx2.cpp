@@ -180,10 +180,8 @@ std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, st
     if (plan.pixelBytes != 4)
         return 0;
     std::uint32_t done = 0;
-    Arith::WithMode(plan, [&](auto mode) {
-        constexpr int kMode = decltype(mode)::value;
-        done = plan.identity[1] ? ThreeToFourFormedRun<kMode, false>(s, d, n, blueFirst, plan, stream)
-                                : ThreeToFourFormedRun<kMode, true>(s, d, n, blueFirst, plan, stream);
+    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
+        done = ThreeToFourFormedRun<decltype(mode)::value, decltype(green)::value>(s, d, n, blueFirst, plan, stream);
     });
     return done;
 }

@@ -202,6 +202,30 @@ struct LutArith {
         return r;
     }
 
+    // Red, green and blue's parameters for such kernels, from a plan in byte
+    // order of a layout with red at byte redIndex (0 or 2).
+    struct Channels {
+        Params red, green, blue;
+    };
+    static Channels ChannelsOf(const LutFormPlan8& plan, unsigned redIndex)
+    {
+        return {Channel(plan, redIndex), Channel(plan, 1), Channel(plan, 2 - redIndex)};
+    }
+
+    // Calls run(mode, green) with WithMode's mode and whether green's table
+    // is evaluated (std::bool_constant; false where it is the identity, as
+    // white balance usually leaves it).
+    template <class Run>
+    static void WithModeAndGreen(const LutFormPlan8& plan, Run run)
+    {
+        WithMode(plan, [&](auto mode) {
+            if (plan.identity[1])
+                run(mode, std::false_type{});
+            else
+                run(mode, std::true_type{});
+        });
+    }
+
     static void Form3(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan)
     {
         BytesAnyMode(line, std::size_t(count) * 3, plan);

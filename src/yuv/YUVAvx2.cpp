@@ -320,9 +320,7 @@ std::uint32_t Pairs10AVX2(const unsigned char* src, unsigned char* dst, std::uin
 
 using Arith = simd::LutArith<simd::V256>;
 
-struct ChannelForms {
-    Arith::Params red, green, blue;
-};
+using ChannelForms = Arith::Channels;
 
 // As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
 // clamped to 0-255 (what the pack does) and evaluated through its table's
@@ -357,13 +355,10 @@ std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char*
                                         const simd::LutFormPlan8& plan)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
-    const ChannelForms forms = {Arith::Channel(plan, RedIndex), Arith::Channel(plan, 1),
-                                Arith::Channel(plan, 2 - RedIndex)};
+    const ChannelForms forms = Arith::ChannelsOf(plan, RedIndex);
     std::uint32_t done = 0;
-    Arith::WithMode(plan, [&](auto mode) {
-        constexpr int kMode = decltype(mode)::value;
-        done = plan.identity[1] ? Pairs422To32Formed<RedIndex, kMode, false>(src, dst, pairs, forms)
-                                : Pairs422To32Formed<RedIndex, kMode, true>(src, dst, pairs, forms);
+    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
+        done = Pairs422To32Formed<RedIndex, decltype(mode)::value, decltype(green)::value>(src, dst, pairs, forms);
     });
     return done;
 }

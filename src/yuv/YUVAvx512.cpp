@@ -135,9 +135,7 @@ std::uint32_t Pixels444AVX512(const unsigned char* src, unsigned char* dst, std:
 
 using Arith = simd::LutArith<simd::V512>;
 
-struct ChannelForms {
-    Arith::Params red, green, blue;
-};
+using ChannelForms = Arith::Channels;
 
 const Tables& SharedTables()
 {
@@ -177,13 +175,10 @@ std::uint32_t Pairs8To32FormedAnyMode(const unsigned char* src, unsigned char* d
                                       const simd::LutFormPlan8& plan)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
-    const ChannelForms forms = {Arith::Channel(plan, RedIndex), Arith::Channel(plan, 1),
-                                Arith::Channel(plan, 2 - RedIndex)};
+    const ChannelForms forms = Arith::ChannelsOf(plan, RedIndex);
     std::uint32_t done = 0;
-    Arith::WithMode(plan, [&](auto mode) {
-        constexpr int kMode = decltype(mode)::value;
-        done = plan.identity[1] ? Pairs8To32Formed<RedIndex, kMode, false>(src, dst, pairs, forms)
-                                : Pairs8To32Formed<RedIndex, kMode, true>(src, dst, pairs, forms);
+    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
+        done = Pairs8To32Formed<RedIndex, decltype(mode)::value, decltype(green)::value>(src, dst, pairs, forms);
     });
     return done;
 }
