@@ -166,8 +166,12 @@ GatherIndex MakeGatherIndex()
 // up once per 64 bytes (the sixteen-pixel step uses a quarter of each of its
 // lookups), then four byte and four word unpacks interleave the channels
 // with the zero fourth byte. Half the work of the sixteen-pixel step
-// (measured in the cache: 0.117 ns a pixel against 0.247, the identity line
-// 0.113), which takes what is left of the line.
+// (measured on a frame in the cache: 0.117 ns a pixel, the identity line
+// 0.113, the previous sixteen-pixel lookups 0.247); the sixteen-pixel step
+// takes what is left of the line.
+// With streaming stores this step measured slower than the sixteen-pixel
+// one on cold frames (1.5-1.9 times the identity twin at 1080p against
+// 1.2-1.25), hence only ordinary stores here.
 std::uint32_t ThreeToFourTables64(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                   const LineTables& t)
 {
@@ -208,10 +212,11 @@ std::uint32_t ThreeToFourTables64(const unsigned char* s, unsigned char* d, std:
 // With streaming stores: the sixteen-pixel step throughout. Every table
 // gives exactly its entries, whatever they are. Measured on cold frames, RGB
 // 24 to BGRA through gains 1.8, 1.0, 1.4 (green skipped), time over the
-// identity twin's: 1.2-1.3 at 4096 x 3000, where the sixty-four-pixel step
-// with ordinary stores measured 1.3-1.4 and with streaming stores 1.3-1.6
-// (it is the faster step only with ordinary stores: at 1080p 1.13-1.19,
-// where this one streamed measured 1.38-1.43).
+// identity twin's, alternating runs against the previous form of this step
+// (its tables packed into an array by a loop over the tables it looks up,
+// now four registers a destination byte): 1.18-1.26 at 1080p and 1.06-1.17 at 4096 x 3000, from 1.47-1.58 and
+// 1.37-1.41. The sixty-four-pixel step with ordinary stores measured
+// 1.18-1.26 and 1.32-1.41.
 std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                         const LineTables& t)
 {

@@ -110,23 +110,6 @@ void StreamedPassLine(const unsigned char* s, unsigned char* d, std::uint32_t n,
     zo::StreamFence();
 }
 
-// Whether the fused VBMI lookups of three- to four-byte pixels write with
-// streaming stores: where the area streams and its footprint is at least
-// four times the streaming threshold (the whole last-level cache under the
-// default threshold; every streaming area where a test sets it to 0). Their
-// ordinary-store form does half the work of the streaming one and is the
-// faster below that size. Measured on cold frames, RGB 24 to BGRA
-// through gains 1.8, 1.0, 1.4, time over the identity twin's (which streams
-// at both sizes), alternating runs: 1080p (14.5 MB, streaming from 8 MB on
-// this machine's 32 MB cache) 1.38-1.43 streamed -> 1.13-1.19 with ordinary
-// stores; 4096 x 3000 1.21-1.29 streamed, 1.29-1.40 with ordinary stores.
-bool StreamLookups(const ZoPixelConverterContext& c)
-{
-    const std::uint64_t footprint =
-        std::uint64_t(c.areaHeight) * (std::uint64_t(c.sourceLineBytes) + c.destinationLineBytes);
-    return zo::StreamDestination(c) && footprint / 4 >= zo::StreamingThreshold();
-}
-
 // An 8-bit-channel line: the kernel specialised for the common channel steps
 // and for the identity filter. With a filter that is not the identity and a
 // vector table pass for its tables (simd/Lut.h), the 24- and 32-bit layouts
@@ -138,15 +121,15 @@ bool StreamLookups(const ZoPixelConverterContext& c)
 // table has a form (AVX2: 1.35-1.43 times the identity line at 1080p and
 // 1.26-1.31 at 4096 x 3000 through gains 1.8, 1.0, 1.4, against 2.0-2.3
 // and 2.0-2.1 for the identity line and the pass), then the fused permute
-// and lookups (AVX-512 VBMI, see StreamLookups below). `stream`: the
+// and lookups (AVX-512 VBMI, rgb/RGBAvx512.cpp: 1.1-1.25 times the identity
+// line, against 1.5-1.7 for the identity line and the pass). `stream`: the
 // identity line of one-byte channels may write with streaming stores
-// (core/StreamStores.h), and so may the fused forms; `streamLookups`: the
-// fused lookups may. A filtered line that would stream otherwise takes
-// StreamedPassLine (at 4096 x 3000 measured 1.5 times the identity line,
-// where the pass in place measured 1.8-2.1).
+// (core/StreamStores.h), and so may the fused paths; a filtered line that
+// would stream otherwise takes StreamedPassLine (at 4096 x 3000 measured
+// 1.5 times the identity line, where the pass in place measured 1.8-2.1).
 template <class Writer, unsigned Group>
 void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::uint32_t k, const ZoRGBFilter& f,
-               bool stream = false, bool streamLookups = false)
+               bool stream = false)
 {
     const ChannelTables8 t = Tables8(f);
     if constexpr (TablePassLayout<Writer>::kUses && Group == 3 && Writer::kBytes == 4) {
@@ -156,7 +139,7 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
             if (!done) {
                 const unsigned char* const tables[3] = {IdentityOrTable(b.byte0), IdentityOrTable(b.byte1),
                                                         IdentityOrTable(b.byte2)};
-                done = zo::simd::ThreeToFourTables(s, d, n, Writer::kRed == 2, tables, streamLookups);
+                done = zo::simd::ThreeToFourTables(s, d, n, Writer::kRed == 2, tables, stream);
             }
             if (done) {
                 zo::RepackBytesLine<Writer, Group, 1, false>(s + std::size_t(done) * 3, d + std::size_t(done) * 4,
@@ -493,10 +476,9 @@ ZO_RGB_PIXEL(ZoRGB16ToRGB32)
 ZO_RGB_END
 
 ZO_RGB_LINE(ZoRGB24ToRGB32)
-    const bool stream = zo::StreamDestination(hold.Context()), streamLookups = StreamLookups(hold.Context());
-    WithOrder<zo::Write32>(mBlueFirst, [&](auto w) {
-        BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter, stream, streamLookups);
-    });
+    const bool stream = zo::StreamDestination(hold.Context());
+    WithOrder<zo::Write32>(mBlueFirst,
+                           [&](auto w) { BytesLine<decltype(w), 3>(s, d, count, mChannelStep, filter, stream); });
 ZO_RGB_END
 ZO_RGB_PIXEL(ZoRGB24ToRGB32)
     WithOrder<zo::Write32>(mBlueFirst, [&](auto w) { BytesPixel<decltype(w)>(s, d, mChannelStep, filter); });
