@@ -204,6 +204,14 @@ void BM_WhiteBalance_Gain16_Bayer12ToRGB48(benchmark::State& s)
 {
     WhiteBalanceRow(s, ZO_PT_BAYER_RGB12, ZO_PT_RGB48, 12, 12, kBilinear, 1.6);
 }
+void BM_WhiteBalance_Gain16_YUV422ToBGR32(benchmark::State& s)
+{
+    WhiteBalanceRow(s, ZO_PT_YUV8, ZO_PT_BGR32, 8, 8, 0, 1.6);
+}
+void BM_WhiteBalance_Gain16_RGB24PackedToBGR32(benchmark::State& s)
+{
+    WhiteBalanceRow(s, ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 8, 8, 0, 1.6);
+}
 
 void Rows(benchmark::internal::Benchmark* b)
 {
@@ -220,6 +228,8 @@ BENCHMARK(BM_WhiteBalance_YUV422ToBGR32)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_RGB24PackedToBGR32)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_Gain16_Bayer8ToRGB24)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_Gain16_Bayer12ToRGB48)->Apply(Rows);
+BENCHMARK(BM_WhiteBalance_Gain16_YUV422ToBGR32)->Apply(Rows);
+BENCHMARK(BM_WhiteBalance_Gain16_RGB24PackedToBGR32)->Apply(Rows);
 
 // Rows measured against this machine's memcpy of the destination (the
 // id/memcpy counter; their wb figures repeat the identity where the pair

@@ -162,11 +162,11 @@ void PrefilteredLine(const unsigned char* s, unsigned char* d, std::uint32_t n, 
 // table has a form (AVX2: 1.35-1.43 times the identity line at 1080p and
 // 1.26-1.31 at 4096 x 3000 through gains 1.8, 1.0, 1.4, against 2.0-2.3
 // and 2.0-2.1 for the identity line and the pass), then the fused permute
-// and lookups (AVX-512 VBMI: 1.24-1.4 times the identity line, against
-// 1.5-1.7 for the identity line and the pass). RGB16, which no pass can
-// run over, takes the lookups before packing where the level has them
-// (AVX-512 VBMI), else PrefilteredLine. `stream`: the identity line
-// of one-byte channels may write with streaming stores
+// and lookups (AVX-512 VBMI, rgb/RGBAvx512.cpp: 1.1-1.25 times the identity
+// line, against 1.5-1.7 for the identity line and the pass). RGB16, which no
+// pass can run over, takes the lookups before packing where the level has
+// them (AVX-512 VBMI), else PrefilteredLine. `stream`: the identity line of
+// one-byte channels may write with streaming stores
 // (core/StreamStores.h), and so may the fused paths; a filtered line that
 // would stream otherwise takes StreamedPassLine (at 4096 x 3000 measured
 // 1.5 times the identity line, where the pass in place measured 1.8-2.1).
