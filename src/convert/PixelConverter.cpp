@@ -7,6 +7,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "convert/BandWindow.h"
 #include "core/PixelTypeId.h"
+#include "core/StreamStores.h"
 
 namespace {
 
@@ -206,6 +207,7 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
             pass(source, destination, step, step * sourceLineBytes, step * destinationLineBytes);
         }
     }
+    zo::FinishArea();  // the one store fence for lines written with streaming stores
     context.filter = nullptr;
     return result;
 }
