@@ -275,11 +275,12 @@ BENCHMARK(BM_ColdRow_Gray8ToBGR32)->Apply(Rows);
 //   str/ord                    ratio of the totals (below 1: streaming pays);
 //   rule                       1 where the library's default rule streams.
 // They say whether the rule's choice serves the caller, not only the
-// conversion's own time. The ReusedThenRead rows do the same with one source
-// and one destination frame used by every call, as an application that
-// converts each camera frame into the same buffer: whatever of them the
-// cache holds stays warm, and streaming stores throw the destination out of
-// it.
+// conversion's own time. Two more kinds of rows keep one destination frame
+// for every call, as an application that converts each camera frame into
+// the same buffer: whatever of it the cache holds stays warm, and streaming
+// stores throw it out. NewIntoReused converts a new cold source each call
+// (a camera's next frame); ReusedThenRead reuses the source too (a frame an
+// earlier stage has just written).
 namespace {
 
 std::uint64_t ReadOnce(const unsigned char* p, std::size_t bytes)
@@ -296,8 +297,10 @@ std::uint64_t ReadOnce(const unsigned char* p, std::size_t bytes)
     return sum;
 }
 
+enum class Frames { kCold, kNewIntoReused, kReused };
+
 void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits,
-                     bool reuse = false)
+                     Frames frames = Frames::kCold)
 {
     if (!ZoPixelTypeFactory::HasConverter(source, destination)) {
         state.SkipWithError("no converter registered for this pair");
@@ -321,9 +324,12 @@ void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t 
     // One call: returns convert + read, the read alone in `read`.
     auto run = [&](bool stream, double& read) {
         zo::SetStreamingThreshold(stream ? 0 : ~std::uint64_t(0));
-        const std::size_t i = reuse ? 0 : slot++;
+        // Slot 0 is the reused one; cold frames come from the others.
+        const std::size_t cold = 1 + slot++ % (ring.slots - 1);
+        const std::size_t i = frames == Frames::kCold ? cold : 0;
+        const std::size_t from = frames == Frames::kReused ? 0 : cold;
         const double convert = Seconds([&] {
-            converter.Convert(identity, ring.Source(i), width, height, ring.Destination(i), width, height, width,
+            converter.Convert(identity, ring.Source(from), width, height, ring.Destination(i), width, height, width,
                               height, 0, 0);
         });
         read = Seconds([&] { sink += ReadOnce(ring.Destination(i), destinationBytes); });
@@ -353,18 +359,39 @@ void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t 
 void BM_ColdThenRead_Gray12ToGray8(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12); }
 void BM_ColdThenRead_Gray8ToRGB16(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8); }
 void BM_ColdThenRead_Gray8ToBGR32(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8); }
+void BM_NewIntoReused_Gray12ToGray8(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12, Frames::kNewIntoReused);
+}
+void BM_NewIntoReused_Gray8ToRGB16(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8, Frames::kNewIntoReused);
+}
+void BM_NewIntoReused_Gray8ToBGR32(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8, Frames::kNewIntoReused);
+}
 void BM_ReusedThenRead_Gray12ToGray8(benchmark::State& s)
 {
-    ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12, true);
+    ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12, Frames::kReused);
 }
-void BM_ReusedThenRead_Gray8ToRGB16(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8, true); }
-void BM_ReusedThenRead_Gray8ToBGR32(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8, true); }
+void BM_ReusedThenRead_Gray8ToRGB16(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8, Frames::kReused);
+}
+void BM_ReusedThenRead_Gray8ToBGR32(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8, Frames::kReused);
+}
 
 }  // namespace
 
 BENCHMARK(BM_ColdThenRead_Gray12ToGray8)->Apply(Rows);
 BENCHMARK(BM_ColdThenRead_Gray8ToRGB16)->Apply(Rows);
 BENCHMARK(BM_ColdThenRead_Gray8ToBGR32)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray12ToGray8)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray8ToRGB16)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray8ToBGR32)->Apply(Rows);
 BENCHMARK(BM_ReusedThenRead_Gray12ToGray8)->Apply(Rows);
 BENCHMARK(BM_ReusedThenRead_Gray8ToRGB16)->Apply(Rows);
 BENCHMARK(BM_ReusedThenRead_Gray8ToBGR32)->Apply(Rows);
