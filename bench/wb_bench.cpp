@@ -264,8 +264,9 @@ BENCHMARK(BM_ColdRow_Gray12ToGray8)->Apply(Rows);
 BENCHMARK(BM_ColdRow_Gray8ToRGB16)->Apply(Rows);
 BENCHMARK(BM_ColdRow_Gray8ToBGR32)->Apply(Rows);
 
-// Streaming stores against ordinary ones for the reader that comes next:
-// each call converts a cold frame (identity filter, as the ColdRow rows) and
+// Streaming stores against ordinary ones for the reader that comes next
+// (zoimg_bench --benchmark_filter='ThenRead|NewInto'). In the ColdThenRead
+// rows each call converts a cold frame (identity filter, as the ColdRow rows) and
 // then reads its whole destination once (a sum of 64-bit words, the least
 // any consumer of the frame does). Both store kinds are timed in turn in the
 // same run, the threshold forced each way (0: stream; the largest: never).
