@@ -18,17 +18,18 @@
 //     machine runs, and its destination is mostly evicted before anyone
 //     reads it, so writing around the cache takes little from the reader.
 //     Measured with the benchmark's ThenRead and NewIntoReused rows
-//     (32 MiB cache): converting a cold 1920 x 1080 gray frame and reading
-//     its destination once is about a tenth faster streamed (0-25%) for
-//     Gray12 -> Gray8, Gray8 -> RGB16 and Gray8 -> BGRA; converting new
-//     frames into one reused destination and reading it is 5% faster
+//     (32 MiB cache, shared): converting a cold 1920 x 1080 gray frame and
+//     reading its destination once is about a tenth faster streamed for
+//     Gray12 -> Gray8, Gray8 -> RGB16 and Gray8 -> BGRA in most runs (from
+//     25% faster to 15% slower as the load of the machine varies); new
+//     frames converted into one reused destination and read are 5% faster
 //     streamed for Gray12 -> Gray8 but 1.4-1.8 times slower for
-//     Gray8 -> RGB16 and Gray8 -> BGRA (whose 10 MiB at 1920 x 1080 do
-//     stream), because ordinary stores keep a warm destination in the
+//     Gray8 -> RGB16 and Gray8 -> BGRA (the latter, 10 MiB, streams at
+//     1920 x 1080), because ordinary stores keep a warm destination in the
 //     cache. At 4096 x 3000 streaming is as fast or faster in every case
-//     measured. A share per
-//     logical processor, as older C libraries use, shrinks to a few
-//     hundred KiB on many-core servers and would stream small frames too;
+//     measured. A share per logical processor, as older C libraries use,
+//     shrinks to a few hundred KiB on many-core servers and would stream
+//     small frames too;
 //   - a direct line call, and every line call of a band conversion (which
 //     converts a part of a frame, often into scratch memory read at once),
 //     use ordinary stores.
