@@ -176,6 +176,10 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
         }
     };
 
+    // The one store fence for lines written with streaming stores, after
+    // the last line call.
+    const zo::AreaFinish finish;
+
     // A band conversion in progress on this thread makes only the calls
     // that write its lines (see convert/BandWindow.h).
     const zo::BandWindow window = zo::ThreadBandWindow();
@@ -207,7 +211,6 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
             pass(source, destination, step, step * sourceLineBytes, step * destinationLineBytes);
         }
     }
-    zo::FinishArea();  // the one store fence for lines written with streaming stores
     context.filter = nullptr;
     return result;
 }

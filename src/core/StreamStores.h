@@ -76,8 +76,16 @@ void StreamCopy(unsigned char* d, const unsigned char* s, std::size_t bytes);
 void StreamFence();
 
 // Ends an area conversion: the store fence for whatever its lines streamed.
-// Called by the area walk on every way out after its line calls.
+// The area walk holds an AreaFinish over its line calls, so that the fence
+// comes on every way out, an exception from a line call included.
 void FinishArea();
+class AreaFinish {
+public:
+    AreaFinish() = default;
+    ~AreaFinish() { FinishArea(); }
+    AreaFinish(const AreaFinish&) = delete;
+    AreaFinish& operator=(const AreaFinish&) = delete;
+};
 
 }  // namespace zo
 
