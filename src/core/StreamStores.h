@@ -70,8 +70,8 @@ bool StreamDestination(const ZoPixelConverterContext& context);
 
 // Copies `bytes` bytes from `s` to `d` (not overlapping): the whole 64-byte
 // lines of `d` with streaming stores, the bytes before the first and after
-// the last with ordinary ones. No fence: a caller that copies a line in parts
-// calls StreamFence() once after the last part.
+// the last with ordinary ones. No fence: the area walk fences once after
+// its last line (FinishArea).
 void StreamCopy(unsigned char* d, const unsigned char* s, std::size_t bytes);
 void StreamFence();
 
