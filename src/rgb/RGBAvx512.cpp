@@ -46,10 +46,13 @@ inline void Store(unsigned char* d, __m512i v, OrdinaryStores) { _mm512_storeu_s
 inline void Store(unsigned char* d, __m512i v, StreamingStores) { _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v); }
 
 // Thirty-two pixels a step: ((r >> 3) << 11) | ((g & 0xFC) << 3) | (b >> 3)
-// as (x & 0xF800) | ((x & 0xFC) << 3) | (y >> 3). The second load reads only
-// the step's own bytes (32 for three-byte pixels, masked); the AVX2 path
-// takes what is left of the line.
-std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group, bool stream)
+// as (x & 0xF800) | ((x & 0xFC) << 3) | (y >> 3), where the permutes gather
+// x = green | red << 8 and y = blue; `channels(x, y)` may change the channel
+// bytes before they pack. The second load reads only the step's own bytes
+// (32 for three-byte pixels, masked). Returns the pixels converted.
+template <class Channels>
+std::uint32_t BytesToRGB16Steps(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group, bool stream,
+                                Channels channels)
 {
     static const PackTables kTables[2] = {MakePackTables(3), MakePackTables(4)};
     const PackTables t = kTables[group == 4];
@@ -61,14 +64,21 @@ std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uin
         const unsigned char* p = s + std::size_t(i) * group;
         const __m512i a = _mm512_loadu_si512(p);
         const __m512i b = _mm512_maskz_loadu_epi8(secondBytes, p + 64);
-        const __m512i x = _mm512_permutex2var_epi8(a, t.greenRed, b);
-        const __m512i y = _mm512_maskz_permutex2var_epi8(lowBytes, a, t.blue, b);
+        __m512i x = _mm512_permutex2var_epi8(a, t.greenRed, b);
+        __m512i y = _mm512_maskz_permutex2var_epi8(lowBytes, a, t.blue, b);
+        channels(x, y);
         const __m512i word = _mm512_or_si512(
             _mm512_or_si512(_mm512_and_si512(x, redBits), _mm512_slli_epi16(_mm512_and_si512(x, greenBits), 3)),
             _mm512_srli_epi16(y, 3));
         Store(d + std::size_t(i) * 2, word, streaming);
     };
-    const std::uint32_t i = RunGroups<32, 2>(d, stream, fits, step);
+    return RunGroups<32, 2>(d, stream, fits, step);
+}
+
+// The identity: the AVX2 path takes what is left of the line.
+std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group, bool stream)
+{
+    const std::uint32_t i = BytesToRGB16Steps(s, d, n, group, stream, [](__m512i&, __m512i&) {});
     return i + kRGBPathsAVX2.bytesToRGB16(s + std::size_t(i) * group, d + std::size_t(i) * 2, n - i, group);
 }
 
@@ -231,41 +241,26 @@ std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d
 }
 
 // RGB16 packing through 8-bit tables (red, green, blue; null: the identity,
-// skipped): BytesToRGB16Run's permutes, then the lookups on the channel
-// bytes they gathered (x: green in the low bytes, red in the high ones; y:
-// blue in the low bytes), then the packing. Thirty-two pixels a step; the
-// caller's scalar kernel takes the rest of the line. Measured on cold
-// frames, RGB 24 to RGB16 through gains 1.8, 1.0, 1.4 (green skipped): 1.25
-// times the identity twin's time at 1080p and 1.33 at 4096 x 3000, where
-// the scalar lookups took 4.8.
+// skipped): the lookups run on the channel bytes the packing permutes
+// gathered (x: green in the low bytes, red in the high ones; y: blue in the
+// low bytes). The caller's scalar kernel takes the rest of the line.
+// Measured on cold frames, RGB 24 to RGB16 through gains 1.8, 1.0, 1.4
+// (green skipped): 1.25 times the identity twin's time at 1080p and 1.33 at
+// 4096 x 3000, where the scalar lookups took 4.8.
 std::uint32_t BytesToRGB16TablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                        const unsigned char* const* tables, bool stream)
 {
-    static const PackTables kTables[2] = {MakePackTables(3), MakePackTables(4)};
-    const PackTables p = kTables[group == 4];
     const LineTables t(tables);
-    const __mmask64 secondBytes = group == 4 ? ~__mmask64(0) : __mmask64(0xFFFFFFFF);
     const __mmask64 lowBytes = 0x5555555555555555ull, highBytes = ~lowBytes;
-    const __m512i redBits = _mm512_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm512_set1_epi16(0xFC);
-    auto fits = [&](std::uint32_t i) { return i + 32 <= n; };
-    auto step = [&](std::uint32_t i, auto streaming) {
-        const unsigned char* q = s + std::size_t(i) * group;
-        const __m512i a = _mm512_loadu_si512(q);
-        const __m512i b = _mm512_maskz_loadu_epi8(secondBytes, q + 64);
-        const __m512i greenRed = _mm512_permutex2var_epi8(a, p.greenRed, b);
-        __m512i x = greenRed, y = _mm512_maskz_permutex2var_epi8(lowBytes, a, p.blue, b);
+    return BytesToRGB16Steps(s, d, n, group, stream, [&](__m512i& x, __m512i& y) {
+        const __m512i greenRed = x;
         if (t.look[0])
             x = _mm512_mask_mov_epi8(x, highBytes, LookUp(greenRed, t.q[0]));
         if (t.look[1])
             x = _mm512_mask_mov_epi8(x, lowBytes, LookUp(greenRed, t.q[1]));
         if (t.look[2])
             y = _mm512_mask_mov_epi8(y, lowBytes, LookUp(y, t.q[2]));
-        const __m512i word = _mm512_or_si512(
-            _mm512_or_si512(_mm512_and_si512(x, redBits), _mm512_slli_epi16(_mm512_and_si512(x, greenBits), 3)),
-            _mm512_srli_epi16(y, 3));
-        Store(d + std::size_t(i) * 2, word, streaming);
-    };
-    return RunGroups<32, 2>(d, stream, fits, step);
+    });
 }
 
 std::uint32_t ThreeToFourTablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
