@@ -365,6 +365,7 @@ void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, b
                     LutFormPlan16& plan)
 {
     plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
+    plan.identityBelow[0] = plan.identityBelow[1] = plan.identityBelow[2] = 0;
     plan.general = (general || exact) && !corrected;
     plan.wide = wide && !exact && !corrected;
     plan.exact = exact;
@@ -473,6 +474,7 @@ LutForm16Scope::LutForm16Scope(const std::uint16_t* red, const std::uint16_t* gr
         while (i < 65536 && mTables[c][i] == i)
             ++i;
         mPlan.identity[c] = i == 65536;
+        mPlan.identityBelow[c] = i;
     }
     mValid = true;
 }

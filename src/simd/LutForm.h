@@ -114,14 +114,17 @@ struct LutFormPlan8 {
 // parameter q of word lane j in a register that starts p words into a pixel.
 // exact: the exact form (k and delta in the lanes, the multiplier and the
 // offset of each lane in scale and offset); corrected: the corrected form.
-// identity[c]: channel c's table gives every index itself (LutForm16Scope
-// sets it).
+// identity[c]: channel c's table gives every index itself; identityBelow[c]:
+// it gives every index below this count itself (the entries from 0 up to
+// the first that differs; LutForm16Scope sets both). Kernels whose values
+// in a block all lie below it may leave that channel as it is there.
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
     bool general, wide, exact, corrected;
     bool identity[3];
+    std::uint32_t identityBelow[3];
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of
