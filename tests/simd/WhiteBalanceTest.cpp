@@ -240,7 +240,7 @@ TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
 
 // Tables edited at the same addresses between two calls: the 8-bit plan
 // cache notices, and a conversion after the edit gives the scalar level's
-// bytes for the edited tables at every level.
+// bytes for the edited tables at every level; the same for 16-bit tables.
 TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
 {
     using Get = std::uint8_t (ZoRGBFilter::*)(std::uint32_t) const;
@@ -271,6 +271,30 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
             const std::vector<std::uint8_t> actual = ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags);
             ASSERT_TRUE(actual ==
                         AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
+        });
+    }
+    // 16-bit tables (planned per area conversion): 12-bit Bayer into RGB48
+    // over an area large enough for the plan, a run of entries edited
+    // between two conversions at the same addresses.
+    const ZoPixelConverter& conv48 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
+    constexpr std::uint32_t kWidth48 = 258, kHeight48 = 256;
+    std::vector<std::uint8_t> input48 =
+        zotest::RandomBytes(std::size_t(conv48.GetSourceByteSize(kWidth48)) * (kHeight48 + 1) + 64, rng);
+    for (std::size_t i = 1; i < input48.size(); i += 2)
+        input48[i] &= 0x0F;
+    auto convert48 = [&](const ZoRGBFilter& f) {
+        return ConvertFiltered(conv48, f, input48, kWidth48, kHeight48, kFlags);
+    };
+    for (const auto& channel : channels) {
+        const Set set = channel.second;
+        ZoRGBFilter filter(12);
+        AtEveryLevel([&](CpuLevel) {
+            ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
+            convert48(filter);  // plans the unedited tables
+            for (std::uint32_t i = 1000; i < 1064; ++i)
+                ASSERT_EQ((filter.*set)(i, 3), ZO_OK);
+            const std::vector<std::uint8_t> actual = convert48(filter);
+            ASSERT_TRUE(actual == AtScalarLevel([&] { return convert48(filter); }));
         });
     }
 }
