@@ -113,13 +113,15 @@ struct LutPaths {
     void (*form4)(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan);
     // RGB48: `count` pixels of three little-endian words through a 16-bit plan.
     void (*words3)(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan);
-    // Whether the form gives the table's entry at each of the 65536 indices.
-    bool (*verify16)(const LutChannelForm& form, bool general, bool wide, const std::uint16_t* table);
+    // Whether the form gives the table's entry at each of its first `count`
+    // indices (rounded up to whole registers; at most 65536).
+    bool (*verify16)(const LutChannelForm& form, bool general, bool wide, const std::uint16_t* table,
+                     std::uint32_t count);
     // The same for the exact form; null where the set has no exact form
     // (its passes are never given exact plans).
-    bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table);
+    bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table, std::uint32_t count);
     // The same for the corrected form.
-    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table);
+    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table, std::uint32_t count);
     // Whether the corrected form on bytes beats lookups inside a kernel
     // (measured: from AVX2 on; with SSE2 it loses a little, and 8-bit
     // tables that need it keep the lookups there).

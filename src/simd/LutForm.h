@@ -49,7 +49,9 @@
 // table edited between calls misses the cache); 16-bit tables (3 x 65536
 // entries, too many to compare per line) once per area conversion, through
 // a scope the converter opens for the call (the filter must not change while
-// a conversion through it runs).
+// a conversion through it runs), at the indices below the filter's entry
+// count and the first one past it (entries past the count hold the last
+// entry and cannot be set).
 #ifndef ZO_SIMD_LUT_FORM_H
 #define ZO_SIMD_LUT_FORM_H
 
@@ -138,9 +140,16 @@ const LutFormPlan8* FormPlan8(const LutTables8& tables, unsigned pixelBytes);
 // calling thread while it lives: lines ask ScopedFormPlan16 for the tables
 // they are given. `worth` false (or no form, or no arithmetic pass at this
 // level) opens an empty scope. Scopes nest (the innermost one answers).
+// `entries`: the caller guarantees that in each table every entry from
+// index `entries` on equals the last one (a filter's entries past its entry
+// count, which cannot be set); the forms are then checked at the indices up
+// to `entries` only (4097 a channel for a 12-bit filter instead of 65536),
+// and shown to hold past it by their shape. 0 or 65536 and more: all
+// indices.
 class LutForm16Scope {
 public:
-    LutForm16Scope(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue, bool worth);
+    LutForm16Scope(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue, bool worth,
+                   std::uint32_t entries = 65536);
     ~LutForm16Scope();
     LutForm16Scope(const LutForm16Scope&) = delete;
     LutForm16Scope& operator=(const LutForm16Scope&) = delete;
