@@ -130,6 +130,11 @@ const Gains16 kGains16[] = {
     {12, 1.4, 1.0, 1.6, 0, 0, false, true, false, false},
     {10, 1.8, 1.0, 1.4, 0, 0, false, true, false, false},
     {10, 1.8, 1.0, 1.6, 0, 0, false, false, false, false},
+    // A gain below 1 ends below the limit the entries past the count hold:
+    // general and exact forms, green skipped.
+    {12, 0.9, 1.0, 1.6, 0, 0, false, false, true, false},
+    {12, 0.7, 1.0, 1.8, 0, 0, true, false, true, false},
+    {16, 0.75, 1.0, 1.5, 0, 0, false, false, false, false},  // fast, red's slope below 1
 };
 
 TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
