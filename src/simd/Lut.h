@@ -70,7 +70,14 @@
 //     identity line now takes the same AVX2 block: id/memcpy 1.26 -> 0.99 at
 //     1080p, 1.23 -> 1.14 at 4096 x 3000).
 // The corrected form (gains such as 1.4) costs about twice the plain one
-// inside the kernel. YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
+// inside the kernel; the RGB48 kernel keeps it to the channels that need it
+// (the others take the fast form) and leaves green alone in blocks below
+// its table's identity range, and the per-call check of the 16-bit forms
+// stops at the filter's entry count (a profile put it under 1% of a call,
+// 30-50 us cold at 1080p, now 5-12 us). Host, four alternating runs at load
+// 4.7-5.3, 1080p / 4096 x 3000: wb/id 1.52-1.59 / 1.37-1.48 -> 1.27-1.37 /
+// 1.12-1.36 (gains 1.8, 1.0, 1.4); the Gain16 row stays within the noise
+// (1.23-1.28 / 1.03-1.19 -> 1.20-1.34 / 1.08-1.29). YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
 // level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
 // load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
 // 1.23-1.30) and at AVX2 (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75).
