@@ -257,13 +257,33 @@ std::uint32_t BayerWords48Avx2(const unsigned char* line, std::ptrdiff_t above, 
         line, above, below, dst, from, to, phase, [](__m256i(&)[3], __m256i) {}, [](unsigned char*) {});
 }
 
+// The fast and corrected forms where a is 1 and the offset 0 (gains from 1
+// to 2, as white balance mostly has): a * i is i, and nothing is added.
+inline __m256i UnitFast(__m256i i, const Arith::Params& P, simd::LutParam fraction)
+{
+    return _mm256_min_epu16(_mm256_adds_epu16(i, _mm256_mulhi_epu16(i, P.p[fraction])), P.p[simd::kLutLimit]);
+}
+
+inline __m256i UnitCorrected(__m256i i, const Arith::Params& P)
+{
+    const __m256i h = UnitFast(i, P, simd::kLutFh), g = UnitFast(i, P, simd::kLutFl);
+    const __m256i x = _mm256_add_epi16(h, _mm256_mulhi_epu16(h, P.p[simd::kLutK]));
+    const __m256i over = _mm256_subs_epu16(_mm256_xor_si256(x, h), h);
+    return _mm256_sub_epi16(h, _mm256_min_epu16(_mm256_sub_epi16(h, g), over));
+}
+
 // One channel through its form: the plan's mode, or (Fast) the fast form
 // with the same lanes, which a corrected plan's channel without correction
-// (kap 0) equals: x = h, so nothing is taken back.
-template <int Mode, bool Wide, bool Fast>
+// (kap 0) equals: x = h, so nothing is taken back. Unit: every channel has
+// a 1 and offset 0 (fast and corrected forms only).
+template <int Mode, bool Wide, bool Fast, bool Unit>
 inline __m256i EvalChannel(__m256i v, const WordForms& forms, unsigned ch)
 {
-    if constexpr (Fast)
+    if constexpr (Unit && (Fast || Mode == 0))
+        return UnitFast(v, forms.channel[ch], simd::kLutFh);
+    else if constexpr (Unit)
+        return UnitCorrected(v, forms.channel[ch]);
+    else if constexpr (Fast)
         return Arith::Eval<false, false>(v, forms.channel[ch]);
     else
         return Arith::EvalWord<Mode, Wide>(v, forms.channel[ch], forms.scale[ch], forms.offset[ch]);
@@ -274,7 +294,7 @@ inline __m256i EvalChannel(__m256i v, const WordForms& forms, unsigned ch)
 // of two), and blocks whose samples all lie below it keep green as it is
 // (white balance usually leaves green alone; a 10- or 12-bit filter's green
 // table is the identity over the samples' range, not beyond).
-template <int Mode, bool Wide, unsigned FastMask, bool SkipGreen>
+template <int Mode, bool Wide, unsigned FastMask, bool SkipGreen, bool Unit>
 std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                             std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
                             const WordForms& forms, std::uint32_t greenBound)
@@ -283,10 +303,10 @@ std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std
     return Words48Blocks(
         line, above, below, dst, from, to, phase,
         [&](__m256i(&rgb)[3], __m256i any) {
-            rgb[0] = EvalChannel<Mode, Wide, (FastMask & 1) != 0>(rgb[0], forms, 0);
+            rgb[0] = EvalChannel<Mode, Wide, (FastMask & 1) != 0, Unit>(rgb[0], forms, 0);
             if (!SkipGreen || !_mm256_testz_si256(any, aboveGreen))
-                rgb[1] = EvalChannel<Mode, Wide, (FastMask & 2) != 0>(rgb[1], forms, 1);
-            rgb[2] = EvalChannel<Mode, Wide, (FastMask & 4) != 0>(rgb[2], forms, 2);
+                rgb[1] = EvalChannel<Mode, Wide, (FastMask & 2) != 0, Unit>(rgb[1], forms, 1);
+            rgb[2] = EvalChannel<Mode, Wide, (FastMask & 4) != 0, Unit>(rgb[2], forms, 2);
         },
         [&](unsigned char* d) {
             // Register k starts 16k words, (16k) mod 3 words into a pixel.
@@ -319,7 +339,9 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
 {
     WordForms forms;
     unsigned fastMask = 0;
+    bool unit = true;
     for (unsigned ch = 0; ch < 3; ++ch) {
+        unit &= plan.lanes[ch][simd::kLutA][0] == 1 && plan.lanes[ch][simd::kLutOff][0] == 0;
         forms.channel[ch] = Arith::Channel16(plan, ch);
         for (unsigned j = 0; j < 16; ++j) {
             forms.scale[ch][j] = plan.scale[ch][0];
@@ -338,9 +360,18 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
     Arith::WithMode16(plan, [&](auto mode, auto wide) {
         constexpr int kMode = decltype(mode)::value;
         constexpr bool kWide = decltype(wide)::value;
-        auto run = [&](auto fast, auto skip) {
-            x = FormedWords48<kMode, kWide, decltype(fast)::value, decltype(skip)::value>(
+        auto withUnit = [&](auto fast, auto skip, auto unitForms) {
+            x = FormedWords48<kMode, kWide, decltype(fast)::value, decltype(skip)::value, decltype(unitForms)::value>(
                 line, above, below, dst, from, to, phase, plan, forms, greenBound);
+        };
+        auto run = [&](auto fast, auto skip) {
+            if constexpr (kMode == 3 || (kMode == 0 && !kWide)) {
+                if (unit) {
+                    withUnit(fast, skip, std::true_type{});
+                    return;
+                }
+            }
+            withUnit(fast, skip, std::false_type{});
         };
         if constexpr (kMode == 3) {
             if (skipGreen)
