@@ -71,13 +71,16 @@
 //     1080p, 1.23 -> 1.14 at 4096 x 3000).
 // The corrected form (gains such as 1.4) costs about twice the plain one
 // inside the kernel; the RGB48 kernel keeps it to the channels that need it
-// (the others take the fast form) and leaves green alone in blocks below
-// its table's identity range, and the per-call check of the 16-bit forms
-// stops at the filter's entry count (a profile put it under 1% of a call,
-// 30-50 us cold at 1080p, now 5-12 us). Host, four alternating runs at load
-// 4.7-5.3, 1080p / 4096 x 3000: wb/id 1.52-1.59 / 1.37-1.48 -> 1.27-1.37 /
-// 1.12-1.36 (gains 1.8, 1.0, 1.4); the Gain16 row stays within the noise
-// (1.23-1.28 / 1.03-1.19 -> 1.20-1.34 / 1.08-1.29). YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
+// (the others take the fast form), drops the multiply and the offset where
+// every channel has a = 1 and no offset (gains from 1 to 2), and leaves
+// green alone in blocks below its table's identity range; the per-call
+// check of the 16-bit forms stops at the filter's entry count (a profile
+// put it under 1% of a call: 30-50 us cold at 1080p, now 5-12 us). Host,
+// four alternating runs at load 2.0-2.4, 1080p / 4096 x 3000: wb/id
+// 1.36-1.56 / 1.19-1.36 -> 1.21-1.28 / 1.02-1.30 (gains 1.8, 1.0, 1.4);
+// Gain16 1.25-1.37 / 1.01-1.12 -> 1.15-1.31 / 0.96-1.26, its filtered time
+// unchanged within the noise (warm buffers: 10% less extra time at 1080p,
+// none at 4096 x 3000). YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
 // level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
 // load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
 // 1.23-1.30) and at AVX2 (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75).
