@@ -204,6 +204,14 @@ void BM_WhiteBalance_Gain16_Bayer12ToRGB48(benchmark::State& s)
 {
     WhiteBalanceRow(s, ZO_PT_BAYER_RGB12, ZO_PT_RGB48, 12, 12, kBilinear, 1.6);
 }
+void BM_WhiteBalance_Gain16_YUV422ToBGR32(benchmark::State& s)
+{
+    WhiteBalanceRow(s, ZO_PT_YUV8, ZO_PT_BGR32, 8, 8, 0, 1.6);
+}
+void BM_WhiteBalance_Gain16_RGB24PackedToBGR32(benchmark::State& s)
+{
+    WhiteBalanceRow(s, ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 8, 8, 0, 1.6);
+}
 
 void Rows(benchmark::internal::Benchmark* b)
 {
@@ -220,6 +228,8 @@ BENCHMARK(BM_WhiteBalance_YUV422ToBGR32)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_RGB24PackedToBGR32)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_Gain16_Bayer8ToRGB24)->Apply(Rows);
 BENCHMARK(BM_WhiteBalance_Gain16_Bayer12ToRGB48)->Apply(Rows);
+BENCHMARK(BM_WhiteBalance_Gain16_YUV422ToBGR32)->Apply(Rows);
+BENCHMARK(BM_WhiteBalance_Gain16_RGB24PackedToBGR32)->Apply(Rows);
 
 // Rows measured against this machine's memcpy of the destination (the
 // id/memcpy counter; their wb figures repeat the identity where the pair
@@ -263,3 +273,136 @@ BENCHMARK(BM_ColdRow_RGB24PackedToBGR32)->Apply(Rows);
 BENCHMARK(BM_ColdRow_Gray12ToGray8)->Apply(Rows);
 BENCHMARK(BM_ColdRow_Gray8ToRGB16)->Apply(Rows);
 BENCHMARK(BM_ColdRow_Gray8ToBGR32)->Apply(Rows);
+
+// Streaming stores against ordinary ones for the reader that comes next
+// (zoimg_bench --benchmark_filter='ThenRead|NewInto'). In the ColdThenRead
+// rows each call converts a cold frame (identity filter, as the ColdRow rows) and
+// then reads its whole destination once (a sum of 64-bit words, the least
+// any consumer of the frame does). Both store kinds are timed in turn in the
+// same run, the threshold forced each way (0: stream; the largest: never).
+// Counters, medians in ms:
+//   ord_ms, str_ms             convert + read, ordinary / streaming stores;
+//   ord_read_ms, str_read_ms   the read alone;
+//   str/ord                    ratio of the totals (below 1: streaming pays);
+//   rule                       1 where the library's default rule streams.
+// They say whether the rule's choice serves the caller, not only the
+// conversion's own time. Two more kinds of rows keep one destination frame
+// for every call, as an application that converts each camera frame into
+// the same buffer: whatever of it the cache holds stays warm, and streaming
+// stores throw it out. NewIntoReused converts a new cold source each call
+// (a camera's next frame); ReusedThenRead reuses the source too (a frame an
+// earlier stage has just written).
+namespace {
+
+std::uint64_t ReadOnce(const unsigned char* p, std::size_t bytes)
+{
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+    for (; i + 8 <= bytes; i += 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p + i, 8);
+        sum += w;
+    }
+    for (; i < bytes; ++i)
+        sum += p[i];
+    return sum;
+}
+
+enum class Frames { kCold, kNewIntoReused, kReused };
+
+void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits,
+                     Frames frames = Frames::kCold)
+{
+    if (!ZoPixelTypeFactory::HasConverter(source, destination)) {
+        state.SkipWithError("no converter registered for this pair");
+        return;
+    }
+    const ZoPixelConverter& converter = ZoPixelTypeFactory::GetConverter(source, destination);
+    const auto width = static_cast<std::uint32_t>(state.range(0));
+    const auto height = static_cast<std::uint32_t>(state.range(1));
+    const std::size_t sourceBytes = static_cast<std::size_t>(converter.GetSourceByteSize(width)) * height;
+    const std::size_t destinationBytes = static_cast<std::size_t>(converter.GetDestinationByteSize(width)) * height;
+    Ring& ring = PrepareRing(sourceBytes, destinationBytes, sampleBits);
+    if (ring.slots < 2) {
+        state.SkipWithError("frame too large for the ring");
+        return;
+    }
+    const bool rule = sourceBytes + destinationBytes >= zo::StreamingThreshold();
+    const ZoRGBFilter identity(sampleBits > 8 ? 16 : 8);
+
+    std::size_t slot = 0;
+    std::uint64_t sink = 0;
+    // One call: returns convert + read, the read alone in `read`.
+    auto run = [&](bool stream, double& read) {
+        zo::SetStreamingThreshold(stream ? 0 : ~std::uint64_t(0));
+        // Slot 0 is the reused one; cold frames come from the others.
+        const std::size_t cold = 1 + slot++ % (ring.slots - 1);
+        const std::size_t i = frames == Frames::kCold ? cold : 0;
+        const std::size_t from = frames == Frames::kReused ? 0 : cold;
+        const double convert = Seconds([&] {
+            converter.Convert(identity, ring.Source(from), width, height, ring.Destination(i), width, height, width,
+                              height, 0, 0);
+        });
+        read = Seconds([&] { sink += ReadOnce(ring.Destination(i), destinationBytes); });
+        return convert + read;
+    };
+    std::vector<double> ord, str, ordRead, strRead;
+    for (auto _ : state) {
+        double read = 0;
+        ord.push_back(run(false, read));
+        ordRead.push_back(read);
+        const double t = run(true, read);
+        str.push_back(t);
+        strRead.push_back(read);
+        state.SetIterationTime(t);
+    }
+    zo::ResetStreamingThreshold();
+    benchmark::DoNotOptimize(sink);
+    const double ordMs = Median(ord) * 1e3, strMs = Median(str) * 1e3;
+    state.counters["ord_ms"] = ordMs;
+    state.counters["str_ms"] = strMs;
+    state.counters["ord_read_ms"] = Median(ordRead) * 1e3;
+    state.counters["str_read_ms"] = Median(strRead) * 1e3;
+    state.counters["str/ord"] = strMs / ordMs;
+    state.counters["rule"] = rule ? 1 : 0;
+}
+
+void BM_ColdThenRead_Gray12ToGray8(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12); }
+void BM_ColdThenRead_Gray8ToRGB16(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8); }
+void BM_ColdThenRead_Gray8ToBGR32(benchmark::State& s) { ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8); }
+void BM_NewIntoReused_Gray12ToGray8(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12, Frames::kNewIntoReused);
+}
+void BM_NewIntoReused_Gray8ToRGB16(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8, Frames::kNewIntoReused);
+}
+void BM_NewIntoReused_Gray8ToBGR32(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8, Frames::kNewIntoReused);
+}
+void BM_ReusedThenRead_Gray12ToGray8(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY12, ZO_PT_GRAY8, 12, Frames::kReused);
+}
+void BM_ReusedThenRead_Gray8ToRGB16(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_RGB16, 8, Frames::kReused);
+}
+void BM_ReusedThenRead_Gray8ToBGR32(benchmark::State& s)
+{
+    ConvertThenRead(s, ZO_PT_GRAY8, ZO_PT_BGR32, 8, Frames::kReused);
+}
+
+}  // namespace
+
+BENCHMARK(BM_ColdThenRead_Gray12ToGray8)->Apply(Rows);
+BENCHMARK(BM_ColdThenRead_Gray8ToRGB16)->Apply(Rows);
+BENCHMARK(BM_ColdThenRead_Gray8ToBGR32)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray12ToGray8)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray8ToRGB16)->Apply(Rows);
+BENCHMARK(BM_NewIntoReused_Gray8ToBGR32)->Apply(Rows);
+BENCHMARK(BM_ReusedThenRead_Gray12ToGray8)->Apply(Rows);
+BENCHMARK(BM_ReusedThenRead_Gray8ToRGB16)->Apply(Rows);
+BENCHMARK(BM_ReusedThenRead_Gray8ToBGR32)->Apply(Rows);

@@ -7,6 +7,7 @@
 #include "ZoPixelTypeFactory.h"
 #include "convert/BandWindow.h"
 #include "core/PixelTypeId.h"
+#include "core/StreamStores.h"
 
 namespace {
 
@@ -174,6 +175,10 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
             d += destinationAdvance;
         }
     };
+
+    // The one store fence for lines written with streaming stores, after
+    // the last line call.
+    const zo::AreaFinish finish;
 
     // A band conversion in progress on this thread makes only the calls
     // that write its lines (see convert/BandWindow.h).

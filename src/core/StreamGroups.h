@@ -8,13 +8,15 @@
 // destination aligned to a 64-byte line: groups are first converted with
 // ordinary stores up to the first unit that starts a line, then, from that
 // unit on (re-converting the units in between, which writes the same bytes),
-// with streaming stores, and a store fence ends the run. A destination where
-// no unit starts a line (4-byte pixels at an odd address) is written with
-// ordinary stores throughout.
+// with streaming stores. A destination where no unit starts a line (4-byte
+// pixels at an odd address) is written with ordinary stores throughout.
+//
+// No store fence here: a line that streams is always one line of an area
+// conversion, and the area walk fences once after its last line
+// (core/StreamStores.h). A fence per line stalled every line until its
+// streamed bytes had reached memory, which cost short lines most.
 #ifndef ZO_STREAM_GROUPS_H
 #define ZO_STREAM_GROUPS_H
-
-#include <xmmintrin.h>
 
 #include <cstdint>
 #include <type_traits>
@@ -48,7 +50,6 @@ inline std::uint32_t RunGroups(unsigned char* d, bool stream, Fits fits, Step st
     const std::uint32_t head = i;  // units [0, head) are converted, head >= first
     for (i = first; fits(i); i += Group)
         step(i, StreamingStores{});
-    _mm_sfence();
     return i > head ? i : head;
 }
 

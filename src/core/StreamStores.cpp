@@ -122,4 +122,9 @@ void StreamFence()
 #endif
 }
 
+// Unconditional: a fence with no streamed store pending costs a few cycles,
+// and the choice may not be asked again (the threshold can change between
+// the first line and the last).
+void FinishArea() { StreamFence(); }
+
 }  // namespace zo

@@ -200,7 +200,7 @@ std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, st
 const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                 BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
                                 ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2, nullptr,
-                                ThreeToFourFormedAvx2};
+                                ThreeToFourFormedAvx2, nullptr};
 
 }  // namespace simd
 }  // namespace zo

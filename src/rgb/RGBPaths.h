@@ -48,6 +48,11 @@ struct RGBPaths {
     // where the level has no such path.
     std::uint32_t (*threeToFourFormed)(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                        const LutFormPlan8& plan, bool stream);
+    // r g b (group 3) or r g b x (group 4) -> RGB16 words, red, green and
+    // blue through tables[0..2] (null: the identity) before packing,
+    // streaming when `stream`; null where the level has no such path.
+    std::uint32_t (*bytesToRGB16Tables)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                        const unsigned char* const* tables, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
@@ -55,7 +60,8 @@ struct RGBPaths {
 // RGB16 and three- to four-byte paths (sixteen and eight pixels a step, then
 // the SSSE3 one) and the three- to four-byte path through table forms, the
 // SSSE3 paths for the rest; RGBAvx512.cpp: its own RGB16 paths (thirty-two
-// pixels a step, then the AVX2 one), the AVX2 three- to four-byte paths, the
+// pixels a step, then the AVX2 one; through tables, the caller's scalar
+// kernel after it), the AVX2 three- to four-byte paths, the
 // SSSE3 paths for the rest.
 std::uint32_t ThreeToFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);

@@ -20,7 +20,7 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
 
 const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
                                   NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr,
-                                  nullptr};
+                                  nullptr, nullptr};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
@@ -52,6 +52,13 @@ std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::u
 {
     const auto path = RGBActivePaths().threeToFourTables;
     return path ? path(s, d, n, blueFirst, tables, stream) : 0;
+}
+
+std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                 const unsigned char* const* tables, bool stream)
+{
+    const auto path = RGBActivePaths().bytesToRGB16Tables;
+    return path ? path(s, d, n, group, tables, stream) : 0;
 }
 
 std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,

@@ -99,6 +99,13 @@ std::uint32_t RepackPlanarIdentity(const unsigned char* s, unsigned char* red, u
 std::uint32_t ThreeToFourTables(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                 const unsigned char* const* tables, bool stream);
 
+// Three-byte (group 3) or four-byte (group 4) pixels, red, green, blue
+// first, to RGB16 words, red, green and blue through the 256-entry tables
+// tables[0..2] (null: the identity) before packing. Streaming stores when
+// `stream`. 0 where the level has no such path.
+std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                 const unsigned char* const* tables, bool stream);
+
 // The same for tables that all have an arithmetic form (simd/LutForm.h;
 // `tables` in the destination's byte order), evaluated on the pixels before
 // they store, bit for bit the lookups. 0 where a table has no form or the

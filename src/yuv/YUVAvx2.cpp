@@ -454,7 +454,7 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
 }  // namespace
 
 const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2,
-                                      Pairs8FormedAVX2};
+                                      Pairs8FormedAVX2, nullptr};
 
 }  // namespace zo
 

@@ -109,6 +109,11 @@ std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst
 bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                            const simd::LutFormPlan8& plan, std::uint32_t& done);
+// The same through any 8-bit tables (in byte order of the layout), looked
+// up inside the vector path before the store.
+bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                        std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                        const simd::LutTables8& tables, std::uint32_t& done);
 std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                 std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                 std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
@@ -158,9 +163,10 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // layouts do better: the filter is applied to the final channel values just
 // before they are stored, so the vector path writes the destination directly
 // and the pass follows over the pixels it wrote, while they are still in the
-// first-level cache. Better still, where the level has it (AVX2, AVX-512 VBMI,
-// 8-bit 4:2:2 into 32-bit layouts) and the tables have an arithmetic form,
-// the vector path evaluates the form itself before it stores: one pass.
+// first-level cache. Better still, 8-bit 4:2:2 into 32-bit layouts in one
+// pass: at AVX-512 VBMI the vector path looks every table up itself before
+// it stores (any tables); at AVX2, where the tables have an arithmetic form,
+// it evaluates the form before it stores.
 constexpr std::uint32_t kFilterChunkPixels = 256;
 
 template <class Writer>
@@ -189,16 +195,20 @@ inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChan
     simd::ApplyLut8(dst, pixels, Writer::kBytes, YUVByteOrderTables<Writer>(t));
 }
 
-// Filtered 8-bit lines into 24/32-bit layouts whose tables have a form
-// (checked as the table pass checks them): the vector path evaluates the
-// form before it stores, where the level has that path. False: not taken.
+// Filtered 8-bit lines into 24/32-bit layouts: the vector path looks the
+// tables up before it stores where the level has such lookups, else
+// evaluates the tables' form (checked as the table pass checks them) where
+// they have one and the level has that path. False: not taken.
 template <class Writer, class Reader>
-inline bool YUV422Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
-                         const YUVChannelTables& t, std::uint32_t& done)
+inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
+                          const YUVChannelTables& t, std::uint32_t& done)
 {
     if constexpr (kTablePassLayout<Writer> && std::is_same<Reader, YUV8PairReader>::value) {
         if (t.identity)
             return false;
+        if (YUV8PairsLutVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex,
+                               YUVByteOrderTables<Writer>(t), done))
+            return true;
         const simd::LutFormPlan8* plan = simd::FormPlan8(YUVByteOrderTables<Writer>(t), Writer::kBytes);
         return plan && YUV8PairsFormedVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes,
                                              WriterShape<Writer>::kRedIndex, *plan, done);
@@ -227,7 +237,7 @@ void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t
     std::uint32_t done = 0;
     if (vector && t.identity) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);
-    } else if (vector && YUV422Formed<Writer>(src, dst, pairs, reader, t, done)) {
+    } else if (vector && YUV422OnePass<Writer>(src, dst, pairs, reader, t, done)) {
         // one pass: the rest of the line below
     } else if (vector && UseYUVTablePass<Writer>(t)) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);

@@ -2,6 +2,8 @@
 // points the kernels call.
 #include "yuv/YUVSimd.h"
 
+#include <cstring>
+
 #include "simd/Cpu.h"
 #include "yuv/YUVKernels.h"
 
@@ -24,7 +26,7 @@ std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, s
     return 0;
 }
 
-const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr};
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr, nullptr};
 
 const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
@@ -80,6 +82,36 @@ bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::ui
     if (!formed || sampleBytes != 1 || dstBytes != 4)
         return false;
     done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan);
+    return true;
+}
+
+namespace {
+
+bool IsRamp(const std::uint8_t* table)
+{
+    struct Ramp {
+        std::uint8_t bytes[256];
+        Ramp()
+        {
+            for (unsigned i = 0; i < 256; ++i)
+                bytes[i] = static_cast<std::uint8_t>(i);
+        }
+    };
+    static const Ramp kRamp;
+    return std::memcmp(table, kRamp.bytes, 256) == 0;
+}
+
+}  // namespace
+
+bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                        std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                        const simd::LutTables8& tables, std::uint32_t& done)
+{
+    const auto lookup = YUVActivePaths().pairs8Lut;
+    if (!lookup || sampleBytes != 1 || dstBytes != 4)
+        return false;
+    const std::uint8_t* const bytes[3] = {tables.byte0, tables.byte1, tables.byte2};
+    done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !IsRamp(tables.byte1));
     return true;
 }
 

@@ -27,10 +27,19 @@ struct YUVVectorPaths {
     // Filtered 8-bit 4:2:2 through tables that have an arithmetic form
     // (`plan`, simd/LutForm.h, in byte order of the layout), evaluated before
     // the store: as pairs8 with the filter applied; null where the set has
-    // none (filtered lines take the identity path and the table pass).
+    // none (filtered lines take the identity path and the table pass) or
+    // where its lookups below are faster (AVX-512 VBMI).
     std::uint32_t (*pairs8Formed)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                   const simd::LutFormPlan8& plan);
+    // Filtered 8-bit 4:2:2 through any three 256-entry tables (tables[j]
+    // for destination byte j, the layout's byte order), looked up before the
+    // store: as pairs8 with the filter applied. `lookMiddle` false: the
+    // table of byte 1 (green) is the identity and is not looked up. Null
+    // where the set has no byte lookups of its own (AVX-512 VBMI has them).
+    std::uint32_t (*pairs8Lut)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                               const std::uint8_t* const* tables, bool lookMiddle);
 };
 
 // Every path this build and this CPU can run, best last (for tests).
@@ -39,7 +48,8 @@ const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count);
 
 // The tables of each instruction set (absent from builds for other
 // processors). The AVX-512 table (YUVAvx512.cpp) has its own path for 8-bit
-// 4:2:2 to 32-bit pixels and uses the AVX2 paths for the rest.
+// 4:2:2 to 32-bit pixels (identity and filtered) and uses the AVX2 paths for
+// the rest.
 extern const YUVVectorPaths kYUVPathsSSE2;    // YUVSse2.cpp
 extern const YUVVectorPaths kYUVPathsAVX2;    // YUVAvx2.cpp
 extern const YUVVectorPaths kYUVPathsAVX512;  // YUVAvx512.cpp

@@ -288,7 +288,7 @@ std::uint32_t Pixels444SSE2(const unsigned char* src, unsigned char* dst, std::u
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsSSE2 = {"SSE2", Pairs8SSE2, Pairs10SSE2, Pixels444SSE2, nullptr};
+const YUVVectorPaths kYUVPathsSSE2 = {"SSE2", Pairs8SSE2, Pairs10SSE2, Pixels444SSE2, nullptr, nullptr};
 
 }  // namespace zo
 

@@ -1,10 +1,11 @@
 // White balance where the tables have an arithmetic form and the vector
 // kernels evaluate the form before they store (Bayer 8-bit interpolation,
-// YUYV and RGB 24 into 32-bit layouts, 12-bit Bayer into RGB48). One filter per
-// evaluation mode of the form, each with green changed too (and one with
-// green left alone), into every layout these kernels write: every level
-// gives the scalar level's bytes (the scalar kernels look the channels up
-// one by one).
+// YUYV and RGB 24 into 32-bit layouts, 12-bit Bayer into RGB48), and RGB16,
+// whose kernels look the channels up before packing or run the pass over a
+// copy of the source. One filter per evaluation mode of the form, each with
+// green changed too (and one with green left alone), into every layout
+// these kernels write: every level gives the scalar level's bytes (the
+// scalar kernels look the channels up one by one).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -77,8 +78,8 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
 {
     constexpr std::uint32_t kWidth = 203, kHeight = 4;
     std::mt19937 rng(41);
-    // Enough for the widest source, three bytes a pixel.
-    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 3 * (kHeight + 1) + 64, rng);
+    // Enough for the widest source, four bytes a pixel.
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 4 * (kHeight + 1) + 64, rng);
     const std::uint32_t kBilinear = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
     const struct {
         std::int64_t source, destination;
@@ -88,6 +89,7 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
         {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, kBilinear}, {ZO_PT_BAYER_RGB8, ZO_PT_BGR32, kBilinear},
         {ZO_PT_YUV8, ZO_PT_RGB32, 0},               {ZO_PT_YUV8, ZO_PT_BGR32, 0},
         {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32, 0}, {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 0},
+        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB16, 0}, {ZO_PT_RGB32, ZO_PT_RGB16, 0},
     };
     for (const Gains& g : kGains) {
         ZoRGBFilter filter(8);
