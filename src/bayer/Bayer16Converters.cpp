@@ -77,8 +77,8 @@ void With48(const ZoRGBFilter& filter, Body body, Pass pass)
 }
 
 // Area conversions of at least this many pixels check whether the 16-bit
-// tables have a form (3 x 65536 entries evaluated, about the cost of the
-// pass over as many pixels).
+// tables have a form (3 x 65536 entries evaluated for a 16-bit filter, about
+// the cost of the pass over as many pixels; fewer below 16 bits).
 constexpr std::uint64_t kForm16MinPixels = 65536;
 
 }  // namespace
@@ -124,7 +124,8 @@ std::uint32_t ZoBayerRGB16ToRGB::Convert(const unsigned char* source, std::uint3
     const simd::LutForm16Scope forms(
         filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
         GetDestinationByteSize() == 6 && !filter.IsIdentity16() &&
-            std::uint64_t{width} * height >= kForm16MinPixels);
+            std::uint64_t{width} * height >= kForm16MinPixels,
+        filter.GetEntryCount());
     return ZoPixelConverter::Convert(source, sourceWidth, sourceHeight, destination, destinationWidth,
                                      destinationHeight, width, height, flags, destinationPadding);
 }

@@ -70,7 +70,17 @@
 //     identity line now takes the same AVX2 block: id/memcpy 1.26 -> 0.99 at
 //     1080p, 1.23 -> 1.14 at 4096 x 3000).
 // The corrected form (gains such as 1.4) costs about twice the plain one
-// inside the kernel. YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
+// inside the kernel; the RGB48 kernel keeps it to the channels that need it
+// (the others take the fast form), drops the multiply and the offset where
+// every channel has a = 1 and no offset (gains from 1 to 2), and leaves
+// green alone in blocks below its table's identity range; the per-call
+// check of the 16-bit forms stops at the filter's entry count (a profile
+// put it under 1% of a call: 30-50 us cold at 1080p, now 5-12 us). Host,
+// four alternating runs at load 2.0-2.4, 1080p / 4096 x 3000: wb/id
+// 1.36-1.56 / 1.19-1.36 -> 1.21-1.28 / 1.02-1.30 (gains 1.8, 1.0, 1.4);
+// Gain16 1.25-1.37 / 1.01-1.12 -> 1.15-1.31 / 0.96-1.26, its filtered time
+// unchanged within the noise (warm buffers: 10% less extra time at 1080p,
+// none at 4096 x 3000). YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
 // level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
 // load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
 // 1.23-1.30) and at AVX2 (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75).
@@ -113,13 +123,15 @@ struct LutPaths {
     void (*form4)(unsigned char* line, std::uint32_t count, const LutFormPlan8& plan);
     // RGB48: `count` pixels of three little-endian words through a 16-bit plan.
     void (*words3)(unsigned char* line, std::uint32_t count, const LutFormPlan16& plan);
-    // Whether the form gives the table's entry at each of the 65536 indices.
-    bool (*verify16)(const LutChannelForm& form, bool general, bool wide, const std::uint16_t* table);
+    // Whether the form gives the table's entry at each of its first `count`
+    // indices (rounded up to whole registers; at most 65536).
+    bool (*verify16)(const LutChannelForm& form, bool general, bool wide, const std::uint16_t* table,
+                     std::uint32_t count);
     // The same for the exact form; null where the set has no exact form
     // (its passes are never given exact plans).
-    bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table);
+    bool (*verifyExact16)(const LutChannelForm& form, const std::uint16_t* table, std::uint32_t count);
     // The same for the corrected form.
-    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table);
+    bool (*verifyCorrected16)(const LutChannelForm& form, const std::uint16_t* table, std::uint32_t count);
     // Whether the corrected form on bytes beats lookups inside a kernel
     // (measured: from AVX2 on; with SSE2 it loses a little, and 8-bit
     // tables that need it keep the lookups there).

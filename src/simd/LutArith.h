@@ -320,10 +320,10 @@ struct LutArith {
         });
     }
 
-    // ---- The check of a 16-bit table at all 65536 indices ----
+    // ---- The check of a 16-bit table at its first `count` indices ----
 
     template <bool General, bool Wide>
-    static bool VerifyAll(const LutChannelForm& f, const std::uint16_t* table)
+    static bool VerifyAll(const LutChannelForm& f, const std::uint16_t* table, std::uint32_t count)
     {
         Params P;
         P.p[kLutK] = V::Set1(f.k);
@@ -332,19 +332,23 @@ struct LutArith {
         P.p[kLutFl] = V::Set1(f.fl);
         P.p[kLutOff] = V::Set1(f.off);
         P.p[kLutLimit] = V::Set1(General ? f.delta : f.limit);
-        return Sweep(table, [&](T index) { return Eval<General, Wide>(index, P); });
+        return Sweep(table, count, [&](T index) { return Eval<General, Wide>(index, P); });
     }
 
-    // Whether eval(indices) gives the table at all 65536 indices (stops at
-    // the first block that differs).
+    // Whether eval(indices) gives the table at its first `count` indices
+    // (rounded up to whole registers, at most 65536; stops at the first
+    // block that differs).
     template <class Eval>
-    static bool Sweep(const std::uint16_t* table, Eval eval)
+    static bool Sweep(const std::uint16_t* table, std::uint32_t count, Eval eval)
     {
-        const T step = V::Set1(static_cast<std::uint16_t>(W / 2));
+        constexpr std::uint32_t kLanes = W / 2;
+        const std::uint32_t end = count < 65536 ? (count + kLanes - 1) / kLanes * kLanes : 65536;
+        const T step = V::Set1(static_cast<std::uint16_t>(kLanes));
         T index = V::Ramp();
-        for (std::uint32_t block = 0; block < 65536; block += 2048) {
+        for (std::uint32_t block = 0; block < end; block += 2048) {
+            const std::uint32_t stop = block + 2048 < end ? block + 2048 : end;
             T differences = V::Zero();
-            for (std::uint32_t i = block; i < block + 2048; i += W / 2, index = V::Add(index, step))
+            for (std::uint32_t i = block; i < stop; i += kLanes, index = V::Add(index, step))
                 differences = V::Or(differences, V::Xor(eval(index), V::Load(table + i)));
             if (!V::AllZero(differences))
                 return false;
@@ -352,7 +356,7 @@ struct LutArith {
         return true;
     }
 
-    static bool VerifyCorrected16(const LutChannelForm& f, const std::uint16_t* table)
+    static bool VerifyCorrected16(const LutChannelForm& f, const std::uint16_t* table, std::uint32_t count)
     {
         Params P;
         P.p[kLutK] = V::Set1(f.kap);
@@ -361,10 +365,10 @@ struct LutArith {
         P.p[kLutFl] = V::Set1(f.fg);
         P.p[kLutOff] = V::Set1(f.off);
         P.p[kLutLimit] = V::Set1(f.limit);
-        return Sweep(table, [&](T index) { return EvalCorrected(index, P); });
+        return Sweep(table, count, [&](T index) { return EvalCorrected(index, P); });
     }
 
-    static bool VerifyExact16(const LutChannelForm& f, const std::uint16_t* table)
+    static bool VerifyExact16(const LutChannelForm& f, const std::uint16_t* table, std::uint32_t count)
     {
         if constexpr (V::kExact) {
             alignas(64) double scale[32], offset[32];
@@ -375,19 +379,21 @@ struct LutArith {
             Params P;
             P.p[kLutK] = V::Set1(f.k);
             P.p[kLutLimit] = V::Set1(f.delta);
-            return Sweep(table, [&](T index) { return EvalExact(index, P, scale, offset); });
+            return Sweep(table, count, [&](T index) { return EvalExact(index, P, scale, offset); });
         } else {
             (void)f;
             (void)table;
+            (void)count;
             return false;
         }
     }
 
-    static bool Verify16(const LutChannelForm& f, bool general, bool wide, const std::uint16_t* table)
+    static bool Verify16(const LutChannelForm& f, bool general, bool wide, const std::uint16_t* table,
+                         std::uint32_t count)
     {
         if (general)
-            return wide ? VerifyAll<true, true>(f, table) : VerifyAll<true, false>(f, table);
-        return wide ? VerifyAll<false, true>(f, table) : VerifyAll<false, false>(f, table);
+            return wide ? VerifyAll<true, true>(f, table, count) : VerifyAll<true, false>(f, table, count);
+        return wide ? VerifyAll<false, true>(f, table, count) : VerifyAll<false, false>(f, table, count);
     }
 };
 

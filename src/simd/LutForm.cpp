@@ -365,6 +365,7 @@ void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, b
                     LutFormPlan16& plan)
 {
     plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
+    plan.identityBelow[0] = plan.identityBelow[1] = plan.identityBelow[2] = 0;
     plan.general = (general || exact) && !corrected;
     plan.wide = wide && !exact && !corrected;
     plan.exact = exact;
@@ -438,33 +439,70 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
     return &cache.plan;
 }
 
+namespace {
+
+// Whether a plan checked at the indices up to `last` (entries from `last` on
+// all equal, the table's limit) gives that entry at every index past it too.
+// Each form is constant or rises past the last index it was checked at:
+// general and exact forms give the limit at every index past k; fast forms
+// never fall and stop at the limit (met at `last`); a corrected form keeps
+// the limit once its upper fast form h is there, since r <= h and the part
+// taken back (at most h - g, g rising) was 0 at `last`.
+bool HoldsPast(const LutChannelForm& f, const std::uint16_t* table, std::uint32_t last, bool general, bool exact,
+               bool corrected)
+{
+    if (table[last] != f.limit)
+        return false;
+    if (general || exact)
+        return f.k < last;
+    if (corrected) {
+        LutChannelForm upper = f;
+        upper.fg = upper.fh;
+        upper.kap = 0;
+        return EvalLutCorrected(upper, static_cast<std::uint16_t>(last)) == f.limit;
+    }
+    return true;
+}
+
+}  // namespace
+
 LutForm16Scope::LutForm16Scope(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue,
-                               bool worth)
+                               bool worth, std::uint32_t entries)
     : mTables{red, green, blue}, mValid(false), mOuter(tScope16)
 {
     tScope16 = this;
     const LutPaths& paths = ActiveLutPaths();
     if (!worth || !paths.words3 || !paths.verify16 || !red || !green || !blue)
         return;
+    // The indices checked: those below `entries` and `entries` itself, which
+    // stands for every index past it (all 65536 where the tables disagree
+    // with that).
+    std::uint32_t count = entries > 0 && entries < 65535 ? entries + 1 : 65536;
+    for (unsigned c = 0; c < 3 && count < 65536; ++c)
+        if (mTables[c][count - 1] != mTables[c][65535])
+            count = 65536;
     LutChannelForm forms[3];
     bool fixed = false, general = false, wide = false;
     if (!DeriveAll(mTables, 65536, forms, fixed, general, wide))
         return;
     bool matches = fixed;
     for (unsigned c = 0; c < 3 && matches; ++c)
-        matches = paths.verify16(forms[c], general, wide, mTables[c]);
+        matches = paths.verify16(forms[c], general, wide, mTables[c], count);
     // Else the corrected form, else the exact one (twice as slow).
     bool corrected = false, exact = false;
     if (!matches && paths.verifyCorrected16) {
         LutChannelForm trial[3] = {forms[0], forms[1], forms[2]};
-        corrected = matches = CorrectAll(
-            mTables, trial, [&](const LutChannelForm& f) { return paths.verifyCorrected16(f, mTables[&f - trial]); });
+        corrected = matches = CorrectAll(mTables, trial, [&](const LutChannelForm& f) {
+            return paths.verifyCorrected16(f, mTables[&f - trial], count);
+        });
         if (corrected)
             std::copy(trial, trial + 3, forms);
     }
     if (!matches && paths.verifyExact16)
         exact = matches = ChooseScales(
-            forms, [&](const LutChannelForm& f) { return paths.verifyExact16(f, mTables[&f - forms]); });
+            forms, [&](const LutChannelForm& f) { return paths.verifyExact16(f, mTables[&f - forms], count); });
+    for (unsigned c = 0; c < 3 && matches && count < 65536; ++c)
+        matches = HoldsPast(forms[c], mTables[c], count - 1, general, exact, corrected);
     if (!matches)
         return;
     FillFormPlan16(forms, general, wide, exact, corrected, mPlan);
@@ -473,6 +511,7 @@ LutForm16Scope::LutForm16Scope(const std::uint16_t* red, const std::uint16_t* gr
         while (i < 65536 && mTables[c][i] == i)
             ++i;
         mPlan.identity[c] = i == 65536;
+        mPlan.identityBelow[c] = i;
     }
     mValid = true;
 }

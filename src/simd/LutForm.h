@@ -49,7 +49,9 @@
 // table edited between calls misses the cache); 16-bit tables (3 x 65536
 // entries, too many to compare per line) once per area conversion, through
 // a scope the converter opens for the call (the filter must not change while
-// a conversion through it runs).
+// a conversion through it runs), at the indices below the filter's entry
+// count and the first one past it (entries past the count hold the last
+// entry and cannot be set).
 #ifndef ZO_SIMD_LUT_FORM_H
 #define ZO_SIMD_LUT_FORM_H
 
@@ -114,14 +116,17 @@ struct LutFormPlan8 {
 // parameter q of word lane j in a register that starts p words into a pixel.
 // exact: the exact form (k and delta in the lanes, the multiplier and the
 // offset of each lane in scale and offset); corrected: the corrected form.
-// identity[c]: channel c's table gives every index itself (LutForm16Scope
-// sets it).
+// identity[c]: channel c's table gives every index itself; identityBelow[c]:
+// it gives every index below this count itself (the entries from 0 up to
+// the first that differs; LutForm16Scope sets both). Kernels whose values
+// in a block all lie below it may leave that channel as it is there.
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
     bool general, wide, exact, corrected;
     bool identity[3];
+    std::uint32_t identityBelow[3];
 };
 
 // The plan for 8-bit tables (byte order of the layout) on pixels of
@@ -135,9 +140,16 @@ const LutFormPlan8* FormPlan8(const LutTables8& tables, unsigned pixelBytes);
 // calling thread while it lives: lines ask ScopedFormPlan16 for the tables
 // they are given. `worth` false (or no form, or no arithmetic pass at this
 // level) opens an empty scope. Scopes nest (the innermost one answers).
+// `entries`: the caller guarantees that in each table every entry from
+// index `entries` on equals the last one (a filter's entries past its entry
+// count, which cannot be set); the forms are then checked at the indices up
+// to `entries` only (4097 a channel for a 12-bit filter instead of 65536),
+// and shown to hold past it by their shape. 0 or 65536 and more: all
+// indices.
 class LutForm16Scope {
 public:
-    LutForm16Scope(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue, bool worth);
+    LutForm16Scope(const std::uint16_t* red, const std::uint16_t* green, const std::uint16_t* blue, bool worth,
+                   std::uint32_t entries = 65536);
     ~LutForm16Scope();
     LutForm16Scope(const LutForm16Scope&) = delete;
     LutForm16Scope& operator=(const LutForm16Scope&) = delete;

@@ -109,8 +109,9 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
 }
 
 // 16-bit tables: one filter per form of the RGB48 kernels, over areas large
-// enough for the per-call plan, from 12-bit samples (the kernels' 16-bit
-// sums; WhiteBalanceTest feeds full 16-bit samples).
+// enough for the per-call plan, from 12-bit samples with a band of 10-bit
+// ones (the kernels' 16-bit sums; WhiteBalanceTest feeds full 16-bit
+// samples).
 struct Gains16 {
     std::uint32_t bits;
     double red, green, blue;
@@ -125,6 +126,18 @@ const Gains16 kGains16[] = {
     {16, 1.8, 1.2, 1.4, 0, 0, true, false, true, false},
     {12, 1.8, 1.2, 1.4, 0, 0, false, true, false, false},
     {12, 1.8, 1.0, 1.4, 0, 0, false, true, false, false},  // green the identity, skipped
+    // Corrected plans whose other channels take the fast form; green the
+    // identity below 1024 only: skipped in the 10-bit band of the samples.
+    {12, 1.4, 1.6, 1.8, 0, 0, false, true, false, false},
+    {12, 1.4, 1.0, 1.6, 0, 0, false, true, false, false},
+    {10, 1.8, 1.0, 1.4, 0, 0, false, true, false, false},
+    {10, 1.8, 1.0, 1.6, 0, 0, false, false, false, false},
+    // A gain below 1 ends below the limit the entries past the count hold:
+    // general and exact forms, green skipped.
+    {12, 0.9, 1.0, 1.6, 0, 0, false, false, true, false},
+    {12, 0.7, 1.0, 1.8, 0, 0, true, false, true, false},
+    {16, 0.75, 1.0, 1.5, 0, 0, false, false, false, false},  // fast, red's slope below 1
+    {12, 1.8, 1.0, 1.4, 5, 0, false, true, false, false},    // corrected, red fast with an offset
 };
 
 TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
@@ -134,8 +147,10 @@ TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
     std::mt19937 rng(43);
     std::vector<std::uint8_t> input =
         zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
+    // 12-bit samples, 10-bit ones in a band of columns (every line has both).
+    const std::size_t rowBytes = conv.GetSourceByteSize(kWidth);
     for (std::size_t i = 1; i < input.size(); i += 2)
-        input[i] &= 0x0F;
+        input[i] &= (i % rowBytes) / 2 - 96 < 100 ? 0x03 : 0x0F;
     const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
     for (const Gains16& g : kGains16) {
         ZoRGBFilter filter(g.bits);

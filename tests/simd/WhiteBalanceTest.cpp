@@ -115,12 +115,13 @@ std::vector<std::uint8_t> ConvertFiltered(const ZoPixelConverter& conv, const Zo
 // 16-bit ones take. Multipliers just below a short fraction (1.4, 0.7, 2.3)
 // give tables whose products the filter rounded up to an integer: corrected
 // forms, or exact ones (offset, entries beyond 32767, or not fast). An entry
-// written after SetMultipliers (edit) breaks every form.
+// written after SetMultipliers (edit: its index; 0 none) breaks every form,
+// the last one a filter below 16 bits lets set too.
 struct MultiplierCase {
     std::uint32_t bits;
     double red, green, blue;
     std::uint16_t redOffset, blueOffset;
-    bool edit;
+    std::uint32_t edit;
     bool form8;
     enum { kNone, kFixed, kCorrected, kExact } form16;
 };
@@ -132,8 +133,10 @@ const MultiplierCase kMultiplierCases[] = {
     {16, 1.4737219, 1.0, 2.018331, 0, 0, false, true, MultiplierCase::kFixed},  // two-multiply fraction
     {16, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kExact},  // 1.4 * 45 rounds up to 63
     {12, 3.0, 0.0, 1.0, 5, 4000, false, true, MultiplierCase::kFixed},  // a channel 0 after entry 0
-    {8, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
-    {16, 1.8, 1.0, 1.6, 0, 0, true, false, MultiplierCase::kNone},
+    {8, 1.8, 1.0, 1.6, 0, 0, 100, false, MultiplierCase::kNone},
+    {16, 1.8, 1.0, 1.6, 0, 0, 100, false, MultiplierCase::kNone},
+    {12, 1.8, 1.0, 1.6, 0, 0, 4095, true, MultiplierCase::kNone},
+    {10, 1.8, 1.0, 1.4, 0, 0, 1023, true, MultiplierCase::kNone},
     {12, 1.8, 1.0, 1.4, 0, 0, false, true, MultiplierCase::kCorrected},  // the benchmark's gains
     {12, 0.7, 1.0, 2.3, 0, 0, false, true, MultiplierCase::kExact},
     {12, 1.2, 1.9, 1.4, 0, 7, false, false, MultiplierCase::kExact},  // offset on a lifted table
@@ -146,14 +149,15 @@ std::unique_ptr<ZoRGBFilter> MakeFilter(const MultiplierCase& c)
 {
     auto f = std::make_unique<ZoRGBFilter>(c.bits);
     EXPECT_EQ(f->SetMultipliers(c.red, c.green, c.blue, c.redOffset, 0, c.blueOffset), ZO_OK);
-    EXPECT_TRUE(!c.edit || f->SetBlueValue(100, 3) == ZO_OK);
+    EXPECT_TRUE(!c.edit || f->SetBlueValue(c.edit, 3) == ZO_OK);
     return f;
 }
 
 // Multiplier tables: the 8-bit plans, run by every arithmetic pass over
-// random lines, give the lookups' bytes; the 16-bit plan of a conversion is
-// made where the level has the pass and equals the lookups on random RGB48
-// lines. Tables without a form get no plan.
+// random lines, give the lookups' bytes; the 16-bit plan of a conversion,
+// checked at every index or up to the filter's entry count, is made where
+// the level has the pass and equals the lookups on random RGB48 lines and on
+// one holding every 16-bit value. Tables without a form get no plan.
 TEST(LutPasses, MultiplierTablePlansMatchLookups)
 {
     std::mt19937 rng(21);
@@ -180,32 +184,40 @@ TEST(LutPasses, MultiplierTablePlansMatchLookups)
                     }
             }
         const std::uint16_t* const t[3] = {filter->RedTable16(), filter->GreenTable16(), filter->BlueTable16()};
-        AtEveryLevel([&](CpuLevel) {
-            const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
-            const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true);
-            const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
-            const bool expected =
-                paths.words3 && (c.form16 == MultiplierCase::kFixed ||
-                                 (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
-                                 (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
-            ASSERT_EQ(plan != nullptr, expected) << paths.name;
-            EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
-            if (!plan)
-                return;
-            EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
-            EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
-            for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u}) {
-                std::vector<std::uint8_t> line = zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
-                std::vector<std::uint8_t> expected = line;
-                for (std::size_t i = 0; i < std::size_t(count) * 3; ++i) {
-                    const std::uint16_t v = t[i % 3][line[2 * i] | line[2 * i + 1] << 8];
-                    expected[2 * i] = static_cast<std::uint8_t>(v);
-                    expected[2 * i + 1] = static_cast<std::uint8_t>(v >> 8);
+        std::vector<std::uint8_t> everyValue(std::size_t(21846) * 6 + 64);
+        for (std::size_t i = 0; i < 65536; ++i) {
+            everyValue[2 * i] = static_cast<std::uint8_t>(i);
+            everyValue[2 * i + 1] = static_cast<std::uint8_t>(i >> 8);
+        }
+        for (const std::uint32_t entries : {65536u, filter->GetEntryCount()}) {
+            AtEveryLevel([&](CpuLevel) {
+                const zo::simd::LutPaths& paths = zo::simd::ActiveLutPaths();
+                const zo::simd::LutForm16Scope scope(t[0], t[1], t[2], true, entries);
+                const zo::simd::LutFormPlan16* plan = zo::simd::ScopedFormPlan16(t[0], t[1], t[2]);
+                const bool expected =
+                    paths.words3 && (c.form16 == MultiplierCase::kFixed ||
+                                     (c.form16 == MultiplierCase::kCorrected && paths.verifyCorrected16) ||
+                                     (c.form16 == MultiplierCase::kExact && paths.verifyExact16));
+                ASSERT_EQ(plan != nullptr, expected) << paths.name << ", entries " << entries;
+                EXPECT_EQ(zo::simd::ScopedFormPlan16(t[1], t[0], t[2]), nullptr);  // other tables: no plan
+                if (!plan)
+                    return;
+                EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
+                EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
+                for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u, 21846u}) {
+                    std::vector<std::uint8_t> line =
+                        count == 21846u ? everyValue : zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
+                    std::vector<std::uint8_t> expected = line;
+                    for (std::size_t i = 0; i < std::size_t(count) * 3; ++i) {
+                        const std::uint16_t v = t[i % 3][line[2 * i] | line[2 * i + 1] << 8];
+                        expected[2 * i] = static_cast<std::uint8_t>(v);
+                        expected[2 * i + 1] = static_cast<std::uint8_t>(v >> 8);
+                    }
+                    ASSERT_TRUE(zo::simd::ApplyLut16(line.data(), count, *plan));
+                    ASSERT_TRUE(line == expected) << paths.name << ", count " << count << ", entries " << entries;
                 }
-                ASSERT_TRUE(zo::simd::ApplyLut16(line.data(), count, *plan));
-                ASSERT_TRUE(line == expected) << paths.name << ", count " << count;
-            }
-        });
+            });
+        }
     }
 }
 
@@ -240,7 +252,7 @@ TEST(LutPasses, SixteenBitScopesNestAndAnswerOnlyForTheirTables)
 
 // Tables edited at the same addresses between two calls: the 8-bit plan
 // cache notices, and a conversion after the edit gives the scalar level's
-// bytes for the edited tables at every level.
+// bytes for the edited tables at every level; the same for 16-bit tables.
 TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
 {
     using Get = std::uint8_t (ZoRGBFilter::*)(std::uint32_t) const;
@@ -273,6 +285,30 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
                         AtScalarLevel([&] { return ConvertFiltered(conv, filter, input, kWidth, kHeight, kFlags); }));
         });
     }
+    // 16-bit tables (planned per area conversion): 12-bit Bayer into RGB48
+    // over an area large enough for the plan, a run of entries edited
+    // between two conversions at the same addresses.
+    const ZoPixelConverter& conv48 = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
+    constexpr std::uint32_t kWidth48 = 258, kHeight48 = 256;
+    std::vector<std::uint8_t> input48 =
+        zotest::RandomBytes(std::size_t(conv48.GetSourceByteSize(kWidth48)) * (kHeight48 + 1) + 64, rng);
+    for (std::size_t i = 1; i < input48.size(); i += 2)
+        input48[i] &= 0x0F;
+    auto convert48 = [&](const ZoRGBFilter& f) {
+        return ConvertFiltered(conv48, f, input48, kWidth48, kHeight48, kFlags);
+    };
+    for (const auto& channel : channels) {
+        const Set set = channel.second;
+        ZoRGBFilter filter(12);
+        AtEveryLevel([&](CpuLevel) {
+            ASSERT_EQ(filter.SetMultipliers(1.8, 1.0, 1.6), ZO_OK);
+            convert48(filter);  // plans the unedited tables
+            for (std::uint32_t i = 1000; i < 1064; ++i)
+                ASSERT_EQ((filter.*set)(i, 3), ZO_OK);
+            const std::vector<std::uint8_t> actual = convert48(filter);
+            ASSERT_TRUE(actual == AtScalarLevel([&] { return convert48(filter); }));
+        });
+    }
 }
 
 // The filters of the area tests: 8-bit tables random and 16-bit tables
@@ -283,7 +319,7 @@ const ZoRGBFilter& RandomTables() { return bayer_test::RandomFilter(); }
 const ZoRGBFilter& Gains(unsigned which = 0)
 {
     static const std::unique_ptr<ZoRGBFilter> filters[] = {
-        MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, false, true, {}}), MakeFilter(kMultiplierCases[0]),
+        MakeFilter({16, 1.8, 1.0, 1.4, 0, 0, 0, true, {}}), MakeFilter(kMultiplierCases[0]),
         MakeFilter(kMultiplierCases[8])};
     return *filters[which];
 }
