@@ -125,7 +125,7 @@ std::uint32_t ZoBayerRGB16ToRGB::Convert(const unsigned char* source, std::uint3
         filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
         GetDestinationByteSize() == 6 && !filter.IsIdentity16() &&
             std::uint64_t{width} * height >= kForm16MinPixels,
-        filter.GetEntryCount());
+        filter.ZoRGBFilter::GetEntryCount());  // the tables' own count, whatever a derived class reports
     return ZoPixelConverter::Convert(source, sourceWidth, sourceHeight, destination, destinationWidth,
                                      destinationHeight, width, height, flags, destinationPadding);
 }
