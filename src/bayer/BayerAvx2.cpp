@@ -1,10 +1,11 @@
 // AVX2 inside of an interpolating line (this file alone is compiled for
-// AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the SSE2
-// block of BayerSse2.cpp on 32 pixels. Filtered lines whose 8-bit tables
+// AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the
+// 32-pixel block of BayerBlocks256.h. Filtered lines whose 8-bit tables
 // have an arithmetic form take the same block with each channel evaluated
 // through its form (simd/LutArith.h) on the 16-bit lanes just before they
 // are packed: the bytes a table pass over the identity line would give,
-// without the second pass over the line.
+// without the second pass over the line (at the AVX-512 VBMI level the
+// block looks the tables up instead, BayerAvx512.cpp).
 #include "bayer/BayerPaths.h"
 
 #if defined(__AVX2__)
