@@ -50,14 +50,15 @@ std::uint32_t Nearest8(const BayerLineCall& call, const ZoRGBFilter& filter, std
     });
 }
 
-// Interpolated lines of 8-bit samples whose tables have a form evaluate it
-// inside the vector path (one pass, see WithFormedLine); others take the
-// identity line and the table pass, or the kernel's own lookups.
+// Interpolated lines of 8-bit samples apply the tables inside the vector
+// path where the level can (VBMI lookups, or the tables' form; one pass,
+// see WithFusedLine); others take the identity line and the table pass, or
+// the kernel's own lookups.
 template <class Writer>
 std::uint32_t Interpolated8(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t sampleBytes)
 {
     if (sampleBytes == 1 &&
-        WithFormedLine<Writer>(filter, [&](const auto& out) { InterpolateCall<Samples8>(call, out); }))
+        WithFusedLine<Writer>(filter, [&](const auto& out) { InterpolateCall<Samples8>(call, out); }))
         return ZO_OK;
     std::uint32_t result = ZO_OK;
     if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {

@@ -1,15 +1,17 @@
 // AVX2 inside of an interpolating line (this file alone is compiled for
-// AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the SSE2
-// block of BayerSse2.cpp on 32 pixels. Filtered lines whose 8-bit tables
+// AVX2; its table runs from the AVX2 level on, see BayerSimd.cpp): the
+// 32-pixel block of BayerBlocks256.h. Filtered lines whose 8-bit tables
 // have an arithmetic form take the same block with each channel evaluated
 // through its form (simd/LutArith.h) on the 16-bit lanes just before they
 // are packed: the bytes a table pass over the identity line would give,
-// without the second pass over the line.
+// without the second pass over the line (at the AVX-512 VBMI level the
+// block looks the tables up instead, BayerAvx512.cpp).
 #include "bayer/BayerPaths.h"
 
 #if defined(__AVX2__)
 #include <immintrin.h>
 
+#include "bayer/BayerBlocks256.h"
 #include "simd/LutArith.h"
 #include "simd/LutV256.h"
 
@@ -21,40 +23,6 @@ using Arith = simd::LutArith<simd::V256>;
 // The forms of red, green and blue, each broadcast to every lane.
 using ChannelForms = Arith::Channels;
 
-inline __m256i Pick(__m256i evenValue, __m256i oddValue)
-{
-    const __m256i even = _mm256_set1_epi32(0x0000FFFF);
-    return _mm256_or_si256(_mm256_and_si256(even, evenValue), _mm256_andnot_si256(even, oddValue));
-}
-
-// Sixteen pixels of each 128-bit lane as 16-bit lanes (see BayerHalf).
-inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
-                 __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
-{
-    const __m256i v = _mm256_add_epi16(a1, b1);
-    const __m256i h = _mm256_add_epi16(c0, c2);
-    const __m256i d = _mm256_add_epi16(_mm256_add_epi16(a0, a2), _mm256_add_epi16(b0, b2));
-    const __m256i rowAverage = _mm256_srli_epi16(h, 1);
-    const __m256i columnAverage = _mm256_srli_epi16(v, 1);
-    const __m256i cross = _mm256_srli_epi16(_mm256_add_epi16(v, h), 2);
-    const __m256i diagonal = _mm256_srli_epi16(d, 2);
-    if (phase < 2) {
-        const __m256i rowColour = Pick(rowAverage, c1);
-        const __m256i columnColour = Pick(columnAverage, diagonal);
-        g = Pick(c1, cross);
-        r = phase == 0 ? rowColour : columnColour;
-        b = phase == 0 ? columnColour : rowColour;
-    } else {
-        const __m256i own = Pick(c1, rowAverage);
-        const __m256i other = Pick(diagonal, columnAverage);
-        g = Pick(cross, c1);
-        r = phase == 2 ? own : other;
-        b = phase == 2 ? other : own;
-    }
-}
-
-inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-
 // Mode: -1 the identity, else the form's mode (Arith::EvalFixed; `forms`
 // read only then); Green false: green's table is the identity (as white
 // balance usually leaves it) and is not evaluated.
@@ -62,69 +30,26 @@ template <unsigned Bytes, bool BlueFirst, int Mode = -1, bool Green = true>
 std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                      std::uint32_t from, std::uint32_t to, int phase, const ChannelForms* forms = nullptr)
 {
-    const __m256i zero = _mm256_setzero_si256();
-    // 4-byte pixels to 3-byte pixels within each 128-bit lane (12 bytes).
-    const __m256i compress = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, 0, 1, 2, 4, 5,
-                                              6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    std::uint32_t x = from;
-    // A 24-bit block writes four bytes past its last pixel: keep two pixels
-    // of room before `to`.
-    const std::uint32_t room = Bytes == 3 ? 34 : 32;
-    for (; x + room <= to; x += 32) {
-        const unsigned char* a = line + above + x;
-        const unsigned char* c = line + x;
-        const unsigned char* b = line + below + x;
-        const __m256i a0 = Load(a - 1), a1 = Load(a), a2 = Load(a + 1);
-        const __m256i c0 = Load(c - 1), c1 = Load(c), c2 = Load(c + 1);
-        const __m256i b0 = Load(b - 1), b1 = Load(b), b2 = Load(b + 1);
-        __m256i rl, gl, bl, rh, gh, bh;
-        Half(_mm256_unpacklo_epi8(a0, zero), _mm256_unpacklo_epi8(a1, zero), _mm256_unpacklo_epi8(a2, zero),
-             _mm256_unpacklo_epi8(c0, zero), _mm256_unpacklo_epi8(c1, zero), _mm256_unpacklo_epi8(c2, zero),
-             _mm256_unpacklo_epi8(b0, zero), _mm256_unpacklo_epi8(b1, zero), _mm256_unpacklo_epi8(b2, zero), phase,
-             rl, gl, bl);
-        Half(_mm256_unpackhi_epi8(a0, zero), _mm256_unpackhi_epi8(a1, zero), _mm256_unpackhi_epi8(a2, zero),
-             _mm256_unpackhi_epi8(c0, zero), _mm256_unpackhi_epi8(c1, zero), _mm256_unpackhi_epi8(c2, zero),
-             _mm256_unpackhi_epi8(b0, zero), _mm256_unpackhi_epi8(b1, zero), _mm256_unpackhi_epi8(b2, zero), phase,
-             rh, gh, bh);
-        if constexpr (Mode >= 0) {
-            rl = Arith::EvalFixed<Mode>(rl, forms->red);
-            rh = Arith::EvalFixed<Mode>(rh, forms->red);
-            if constexpr (Green) {
-                gl = Arith::EvalFixed<Mode>(gl, forms->green);
-                gh = Arith::EvalFixed<Mode>(gh, forms->green);
-            }
-            bl = Arith::EvalFixed<Mode>(bl, forms->blue);
-            bh = Arith::EvalFixed<Mode>(bh, forms->blue);
-        }
-        const __m256i red = _mm256_packus_epi16(rl, rh);
-        const __m256i green = _mm256_packus_epi16(gl, gh);
-        const __m256i blue = _mm256_packus_epi16(bl, bh);
-        const __m256i first = BlueFirst ? blue : red;
-        const __m256i last = BlueFirst ? red : blue;
-        const __m256i fgLow = _mm256_unpacklo_epi8(first, green), fgHigh = _mm256_unpackhi_epi8(first, green);
-        const __m256i lzLow = _mm256_unpacklo_epi8(last, zero), lzHigh = _mm256_unpackhi_epi8(last, zero);
-        // Lane 0 holds pixels 0-15, lane 1 pixels 16-31, four per register.
-        const __m256i q[4] = {_mm256_unpacklo_epi16(fgLow, lzLow), _mm256_unpackhi_epi16(fgLow, lzLow),
-                              _mm256_unpacklo_epi16(fgHigh, lzHigh), _mm256_unpackhi_epi16(fgHigh, lzHigh)};
-        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
-        if (Bytes == 4) {
-            __m256i* out = reinterpret_cast<__m256i*>(d);
-            _mm256_storeu_si256(out + 0, _mm256_permute2x128_si256(q[0], q[1], 0x20));
-            _mm256_storeu_si256(out + 1, _mm256_permute2x128_si256(q[2], q[3], 0x20));
-            _mm256_storeu_si256(out + 2, _mm256_permute2x128_si256(q[0], q[1], 0x31));
-            _mm256_storeu_si256(out + 3, _mm256_permute2x128_si256(q[2], q[3], 0x31));
-        } else {
-            for (int lane = 0; lane < 2; ++lane)
-                for (int k = 0; k < 4; ++k) {
-                    const __m256i packed = _mm256_shuffle_epi8(q[k], compress);
-                    const __m128i half =
-                        lane ? _mm256_extracti128_si256(packed, 1) : _mm256_castsi256_si128(packed);
-                    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), half);
-                    d += 12;
+    if constexpr (Mode < 0) {
+        (void)forms;
+        return Blocks256<Bytes, BlueFirst>(line, above, below, dst, from, to, phase, KeepWidened{}, KeepPacked{});
+    } else {
+        return Blocks256<Bytes, BlueFirst>(
+            line, above, below, dst, from, to, phase,
+            [forms](__m256i& rl, __m256i& gl, __m256i& bl, __m256i& rh, __m256i& gh, __m256i& bh) {
+                rl = Arith::EvalFixed<Mode>(rl, forms->red);
+                rh = Arith::EvalFixed<Mode>(rh, forms->red);
+                if constexpr (Green) {
+                    gl = Arith::EvalFixed<Mode>(gl, forms->green);
+                    gh = Arith::EvalFixed<Mode>(gh, forms->green);
+                } else {
+                    (void)gl, (void)gh;
                 }
-        }
+                bl = Arith::EvalFixed<Mode>(bl, forms->blue);
+                bh = Arith::EvalFixed<Mode>(bh, forms->blue);
+            },
+            KeepPacked{});
     }
-    return x;
 }
 
 // 32 pixels a step, then the SSE2 blocks for what is left.
@@ -391,7 +316,7 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
 }  // namespace
 
 const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Avx2,
-                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2};
+                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2, nullptr};
 
 }  // namespace zo
 #endif

@@ -82,6 +82,12 @@ struct Formed8 : Filtered8<Writer, false> {
     const simd::LutFormPlan8* plan;
 };
 
+// The same for 8-bit samples where the level's vector path looks the
+// channels up itself (the Bayer paths' bytesLookup): the same lookups in
+// the scalar loops and in the vector path.
+template <class Writer>
+struct Looked8 : Filtered8<Writer, false> {};
+
 // RGB48 through the filter's 16-bit tables (16-bit values index them).
 struct Filtered48 {
     static constexpr unsigned kBytes = 6;
@@ -408,6 +414,17 @@ struct BayerInteriorFormed {
                                               *out.plan);
     }
 };
+// Only chosen where the level has the lookup path (BayerTablePass.h).
+template <unsigned RedIndex, unsigned Bytes>
+struct BayerInteriorLooked {
+    template <class Out>
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
+    {
+        return BayerActivePaths().bytesLookup(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase,
+                                              out.red, out.green, out.blue);
+    }
+};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Identity8<Write24<RedIndex>, false>> : BayerInteriorBytes<RedIndex, 3> {};
 template <unsigned RedIndex>
@@ -416,6 +433,10 @@ template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Formed8<Write24<RedIndex>>> : BayerInteriorFormed<RedIndex, 3> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Formed8<Write32<RedIndex>>> : BayerInteriorFormed<RedIndex, 4> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Looked8<Write24<RedIndex>>> : BayerInteriorLooked<RedIndex, 3> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples8, Looked8<Write32<RedIndex>>> : BayerInteriorLooked<RedIndex, 4> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>> : BayerInteriorWords<RedIndex, 3> {};
 template <unsigned RedIndex>

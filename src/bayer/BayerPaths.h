@@ -49,6 +49,15 @@ using BayerWords48FormedPath = std::uint32_t (*)(const unsigned char* line, std:
                                                  std::ptrdiff_t below, unsigned char* dst, std::uint32_t from,
                                                  std::uint32_t to, int phase, const simd::LutFormPlan16& plan);
 
+// 8-bit samples into a 3- or 4-byte layout through any 8-bit tables (red,
+// green, blue: 256 entries each), each channel's bytes looked up in its
+// table before they are stored.
+using BayerBytesLookupPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
+                                               std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                                               std::uint32_t from, std::uint32_t to, int phase,
+                                               const std::uint8_t* red, const std::uint8_t* green,
+                                               const std::uint8_t* blue);
+
 struct BayerPaths {
     const char* name;
     BayerBytesPath bytes;
@@ -57,6 +66,9 @@ struct BayerPaths {
     // Null: no such path (filtered lines take the identity line and the table pass).
     BayerBytesFormedPath bytesFormed;
     BayerWords48FormedPath words48Formed;
+    // Null below AVX-512 VBMI; where set, filtered 8-bit lines take it
+    // before bytesFormed (BayerTablePass.h).
+    BayerBytesLookupPath bytesLookup;
 };
 
 // BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step;
@@ -71,12 +83,19 @@ std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char
                              unsigned shift);
 std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
+// BayerAvx512.cpp: 8-bit samples through tables, 32 pixels a step (the
+// lookup path of the AVX-512 table, which keeps AVX2's other paths).
+std::uint32_t BayerBytesLookupAvx512(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                     std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                     int phase, const std::uint8_t* red, const std::uint8_t* green,
+                                     const std::uint8_t* blue);
 extern const BayerPaths kBayerPathsSSE2;
 extern const BayerPaths kBayerPathsAVX2;
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
 // returns `from`) at the scalar level, SSE2 at SSE2 and SSSE3, AVX2 from
-// AVX2 on.
+// AVX2 on, and at AVX-512 on CPUs with VBMI the AVX2 paths plus the lookup
+// path.
 const BayerPaths& BayerActivePaths();
 
 }  // namespace zo

@@ -22,11 +22,27 @@ std::uint32_t NoWords48(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, un
     return from;
 }
 
-const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr};
+const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr, nullptr};
+
+#if ZO_SIMD_X86
+// AVX2's paths with the VBMI lookups inside the 8-bit block.
+const BayerPaths* Avx512Paths()
+{
+    static const BayerPaths paths = [] {
+        BayerPaths p = kBayerPathsAVX2;
+        p.name = "AVX-512 VBMI";
+        p.bytesLookup = BayerBytesLookupAvx512;
+        return p;
+    }();
+    return &paths;
+}
+#endif
 
 const BayerPaths* ChooseBayerPaths(simd::CpuLevel level)
 {
 #if ZO_SIMD_X86
+    if (level >= simd::CpuLevel::kAVX512 && simd::HostCpuFeatures().avx512vbmi)
+        return Avx512Paths();
     if (level >= simd::CpuLevel::kAVX2)
         return &kBayerPathsAVX2;
     if (level >= simd::CpuLevel::kSSE2)

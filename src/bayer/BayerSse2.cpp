@@ -302,7 +302,8 @@ std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, 
     return InterpolateWordBlocks48Sse2(line, above, below, dst, from, to, phase);
 }
 
-const BayerPaths kBayerPathsSSE2 = {"SSE2", BayerBytesSse2, BayerWordsSse2, BayerWords48Sse2, nullptr, nullptr};
+const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2, BayerWords48Sse2, nullptr,
+                                    nullptr, nullptr};
 
 }  // namespace zo
 

@@ -1,8 +1,11 @@
 // Filtered Bayer lines in one pass where the vector kernel can evaluate the
 // tables, else as the identity line followed by a table pass.
 //
-// One pass (WithFormedLine here; RGB48 in Bayer16Converters.cpp): at the
-// AVX2 level and up (the Bayer paths' bytesFormed and words48Formed),
+// One pass (WithFusedLine here; RGB48 in Bayer16Converters.cpp): at the
+// AVX-512 level on CPUs with VBMI (the Bayer paths' bytesLookup),
+// interpolated lines of 8-bit samples into 24/32-bit layouts look each
+// channel's packed bytes up in its table inside the block (any table, form
+// or not); otherwise, at the AVX2 level and up (the Bayer paths' bytesFormed and words48Formed),
 // interpolated lines of 8-bit samples into 24/32-bit layouts, and of 16-bit
 // samples into RGB48, whose tables have an arithmetic form (simd/LutForm.h:
 // 8-bit tables checked through the per-thread cache on every line, 16-bit
@@ -16,7 +19,8 @@
 // 1.31, 1.77 / 1.63 -> 1.26 / 1.24 and 1.49 / 1.33 -> 1.22 / 1.07 (more in
 // simd/Lut.h). Everything else below keeps the identity line and the pass:
 // replicating lines, 16-bit samples into 8-bit layouts, the upper bytes of
-// 16-bit containers, tables without a form, and levels below AVX2.
+// 16-bit containers, tables without a form (below VBMI), and levels below
+// AVX2.
 //
 // Both Bayer families apply the filter to the final red, green and blue of a
 // pixel just before the writer stores it (Filtered8, Filtered48), and their
@@ -87,22 +91,33 @@ bool WithTablePass(const ZoRGBFilter& filter, Run run)
     }
 }
 
-// Runs run(out) with the formed output (Formed8) for an interpolated line
-// of 8-bit samples through `filter` and returns true; false (nothing run)
-// for the identity filter, a layout without a pass, a level without the
-// formed vector path, or tables without an arithmetic form (checked as the
-// table pass checks them: simd::FormPlan8's per-thread cache, compared with
-// the tables on every line).
+// Runs run(out) with the output of one pass for an interpolated line of
+// 8-bit samples through `filter` and returns true; false (nothing run) for
+// the identity filter, a layout without a pass, a level without a fused
+// vector path, or (below VBMI) tables without an arithmetic form. With the
+// lookup path (AVX-512 VBMI) every table takes it, Looked8: the lookups beat
+// the forms even for plain gains, whose form is the cheapest (wb/id, 1080p /
+// 4096 x 3000, one run, load about 8: gains 1.6 1.04 / 1.00 against
+// 1.09 / 1.11 through the form). Otherwise the tables' form, Formed8,
+// checked as the table pass checks it (simd::FormPlan8's per-thread cache,
+// compared with the tables on every line).
 template <class Writer, class Run>
-bool WithFormedLine(const ZoRGBFilter& filter, Run run)
+bool WithFusedLine(const ZoRGBFilter& filter, Run run)
 {
     using L = TablePassLayout<Writer>;
     if constexpr (L::kUses) {
-        if (filter.IsIdentity8() || !BayerActivePaths().bytesFormed)
+        if (filter.IsIdentity8())
             return false;
+        const BayerPaths& paths = BayerActivePaths();
         const std::uint8_t* const red = filter.RedTable8();
         const std::uint8_t* const green = filter.GreenTable8();
         const std::uint8_t* const blue = filter.BlueTable8();
+        if (paths.bytesLookup) {
+            run(Looked8<Writer>{{red, green, blue, 0}});
+            return true;
+        }
+        if (!paths.bytesFormed)
+            return false;
         const simd::LutFormPlan8* plan =
             simd::FormPlan8(simd::LutTablesInByteOrder(red, green, blue, L::kRedIndex), L::kPixelBytes);
         if (!plan)

@@ -1,11 +1,13 @@
 // White balance where the tables have an arithmetic form and the vector
 // kernels evaluate the form before they store (Bayer 8-bit interpolation,
-// YUYV and RGB 24 into 32-bit layouts, 12-bit Bayer into RGB48), and RGB16,
-// whose kernels look the channels up before packing or run the pass over a
-// copy of the source. One filter per evaluation mode of the form, each with
-// green changed too (and one with green left alone), into every layout
-// these kernels write: every level gives the scalar level's bytes (the
-// scalar kernels look the channels up one by one).
+// YUYV and RGB 24 into 32-bit layouts, 12-bit Bayer into RGB48), or look
+// any 8-bit table up before they store (Bayer 8-bit, YUYV and RGB 24 to
+// 32-bit layouts with VBMI), and RGB16, whose kernels look the channels up
+// before packing or run the pass over a copy of the source. One filter per
+// evaluation mode of the form, each with green changed too (and one with
+// green left alone), into every layout these kernels write: every level
+// gives the scalar level's bytes (the scalar kernels look the channels up
+// one by one).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -105,6 +107,37 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
                  << ", destination 0x" << c.destination;
             ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, c.flags, what.str());
         }
+    }
+}
+
+// 8-bit tables without a form, written entry by entry (the VBMI level looks
+// them up inside the Bayer block, any table): red and blue random, green the
+// identity except one quarter of its entries (random there), so that a
+// check for the identity green that skips its lookup must read the whole
+// table; and all three random.
+TEST(FusedWhiteBalance, EightBitBayerLinesThroughAnyTablesMatchTheScalarLevel)
+{
+    constexpr std::uint32_t kWidth = 203, kHeight = 4;
+    std::mt19937 rng(47);
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    const std::vector<std::uint8_t> random = zotest::RandomBytes(3 * 256, rng);
+    for (unsigned changedQuarter : {0u, 1u, 2u, 3u, 4u}) {  // 4: green random too
+        ZoRGBFilter filter(8);
+        for (std::uint32_t i = 0; i < 256; ++i) {
+            const bool changed = changedQuarter == 4 || i / 64 == changedQuarter;
+            ASSERT_EQ(filter.SetRedValue(i, random[i]), ZO_OK);
+            ASSERT_EQ(filter.SetGreenValue(i, std::uint16_t(changed ? random[256 + i] ^ 0x80 : i)), ZO_OK);
+            ASSERT_EQ(filter.SetBlueValue(i, random[512 + i]), ZO_OK);
+        }
+        for (std::int64_t destination : {ZO_PT_RGB24, ZO_PT_BGR24, ZO_PT_RGB32, ZO_PT_BGR32})
+            for (std::uint32_t pattern : {ZO_FLAG_BAYER_GBRG, ZO_FLAG_BAYER_RGGB}) {
+                std::ostringstream what;
+                what << "green changed in quarter " << changedQuarter << std::hex << ", destination 0x"
+                     << destination << ", pattern 0x" << pattern;
+                ExpectEveryLevelMatchesScalar(ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB8, destination), filter,
+                                              input, kWidth, kHeight, pattern | ZO_FLAG_BAYER_INTERPOLATE,
+                                              what.str());
+            }
     }
 }
 

@@ -1,0 +1,104 @@
+// White balance inside the interpolating 8-bit Bayer block with AVX-512 VBMI
+// (this file alone is compiled for AVX-512 F, BW, VL and VBMI; the path runs
+// at the AVX-512 level on CPUs with VBMI, see BayerSimd.cpp). The block is
+// the AVX2 one (BayerBlocks256.h); right after it packs a channel to 32
+// bytes, each byte is looked up in the channel's 256-entry table by byte
+// permutes, so any table gives its own entries exactly: no arithmetic form
+// is needed, and tables written entry by entry run as fast as gains.
+//
+// A table is four 64-byte registers. One two-source permute (vpermi2b)
+// looks up 128 entries by the low seven bits of each index: the low half
+// of the table in one, the high half in another, and bit 7 of the index
+// picks between the two results. The channel's 32 bytes sit in the low
+// half of the 512-bit index register (the upper half's results are
+// dropped). A green table that is the identity (white balance usually
+// leaves green alone) is not looked up.
+#include "bayer/BayerPaths.h"
+
+#if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512VL__) && defined(__AVX512VBMI__)
+// GCC 12 warns about the deliberately undefined upper halves of the index
+// registers (_mm512_castsi256_si512) once they are inlined.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+
+#include "bayer/BayerBlocks256.h"
+
+namespace zo {
+namespace {
+
+struct Table {
+    __m512i q0, q1, q2, q3;  // entries 0-63, 64-127, 128-191, 192-255
+};
+
+inline Table LoadTable(const std::uint8_t* t)
+{
+    return {_mm512_loadu_si512(t), _mm512_loadu_si512(t + 64), _mm512_loadu_si512(t + 128),
+            _mm512_loadu_si512(t + 192)};
+}
+
+bool IsIdentity(const Table& t)
+{
+    const __m512i ramp = _mm512_set_epi64(0x3F3E3D3C3B3A3938, 0x3736353433323130, 0x2F2E2D2C2B2A2928,
+                                          0x2726252423222120, 0x1F1E1D1C1B1A1918, 0x1716151413121110,
+                                          0x0F0E0D0C0B0A0908, 0x0706050403020100);
+    const __m512i step = _mm512_set1_epi8(64);
+    const __m512i r1 = _mm512_add_epi8(ramp, step), r2 = _mm512_add_epi8(r1, step), r3 = _mm512_add_epi8(r2, step);
+    return (_mm512_cmpneq_epi8_mask(t.q0, ramp) | _mm512_cmpneq_epi8_mask(t.q1, r1) |
+            _mm512_cmpneq_epi8_mask(t.q2, r2) | _mm512_cmpneq_epi8_mask(t.q3, r3)) == 0;
+}
+
+// The 32 bytes of v through table t.
+inline __m256i Lookup(__m256i v, const Table& t)
+{
+    const __m512i index = _mm512_castsi256_si512(v);
+    const __m512i low = _mm512_permutex2var_epi8(t.q0, index, t.q1);
+    const __m512i high = _mm512_permutex2var_epi8(t.q2, index, t.q3);
+    return _mm256_mask_blend_epi8(_mm256_movepi8_mask(v), _mm512_castsi512_si256(low), _mm512_castsi512_si256(high));
+}
+
+struct Tables {
+    Table red, green, blue;
+};
+
+template <unsigned Bytes, bool BlueFirst, bool Green>
+std::uint32_t LookupBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const Tables& t)
+{
+    return Blocks256<Bytes, BlueFirst>(line, above, below, dst, from, to, phase, KeepWidened{},
+                                       [&t](__m256i& red, __m256i& green, __m256i& blue) {
+                                           red = Lookup(red, t.red);
+                                           if constexpr (Green)
+                                               green = Lookup(green, t.green);
+                                           else
+                                               (void)green;
+                                           blue = Lookup(blue, t.blue);
+                                       });
+}
+
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t LookupLayout(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const Tables& t)
+{
+    return IsIdentity(t.green) ? LookupBlocks<Bytes, BlueFirst, false>(line, above, below, dst, from, to, phase, t)
+                               : LookupBlocks<Bytes, BlueFirst, true>(line, above, below, dst, from, to, phase, t);
+}
+
+}  // namespace
+
+std::uint32_t BayerBytesLookupAvx512(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                     std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                     int phase, const std::uint8_t* red, const std::uint8_t* green,
+                                     const std::uint8_t* blue)
+{
+    const Tables t = {LoadTable(red), LoadTable(green), LoadTable(blue)};
+    if (bytes == 4)
+        return blueFirst ? LookupLayout<4, true>(line, above, below, dst, from, to, phase, t)
+                         : LookupLayout<4, false>(line, above, below, dst, from, to, phase, t);
+    return blueFirst ? LookupLayout<3, true>(line, above, below, dst, from, to, phase, t)
+                     : LookupLayout<3, false>(line, above, below, dst, from, to, phase, t);
+}
+
+}  // namespace zo
+#endif
