@@ -24,6 +24,7 @@
 #include <immintrin.h>
 
 #include "bayer/BayerBlocks256.h"
+#include "simd/Lut.h"
 
 namespace zo {
 namespace {
@@ -38,16 +39,6 @@ inline Table LoadTable(const std::uint8_t* t)
             _mm512_loadu_si512(t + 192)};
 }
 
-bool IsIdentity(const Table& t)
-{
-    const __m512i ramp = _mm512_set_epi64(0x3F3E3D3C3B3A3938, 0x3736353433323130, 0x2F2E2D2C2B2A2928,
-                                          0x2726252423222120, 0x1F1E1D1C1B1A1918, 0x1716151413121110,
-                                          0x0F0E0D0C0B0A0908, 0x0706050403020100);
-    const __m512i step = _mm512_set1_epi8(64);
-    const __m512i r1 = _mm512_add_epi8(ramp, step), r2 = _mm512_add_epi8(r1, step), r3 = _mm512_add_epi8(r2, step);
-    return (_mm512_cmpneq_epi8_mask(t.q0, ramp) | _mm512_cmpneq_epi8_mask(t.q1, r1) |
-            _mm512_cmpneq_epi8_mask(t.q2, r2) | _mm512_cmpneq_epi8_mask(t.q3, r3)) == 0;
-}
 
 // The 32 bytes of v through table t.
 inline __m256i Lookup(__m256i v, const Table& t)
@@ -79,9 +70,9 @@ std::uint32_t LookupBlocks(const unsigned char* line, std::ptrdiff_t above, std:
 
 template <unsigned Bytes, bool BlueFirst>
 std::uint32_t LookupLayout(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
-                           std::uint32_t from, std::uint32_t to, int phase, const Tables& t)
+                           std::uint32_t from, std::uint32_t to, int phase, const Tables& t, bool lookGreen)
 {
-    return IsIdentity(t.green) ? LookupBlocks<Bytes, BlueFirst, false>(line, above, below, dst, from, to, phase, t)
+    return !lookGreen ? LookupBlocks<Bytes, BlueFirst, false>(line, above, below, dst, from, to, phase, t)
                                : LookupBlocks<Bytes, BlueFirst, true>(line, above, below, dst, from, to, phase, t);
 }
 
@@ -93,11 +84,12 @@ std::uint32_t BayerBytesLookupAvx512(unsigned bytes, bool blueFirst, const unsig
                                      const std::uint8_t* blue)
 {
     const Tables t = {LoadTable(red), LoadTable(green), LoadTable(blue)};
+    const bool lookGreen = !simd::IsIdentityTable8(green);
     if (bytes == 4)
-        return blueFirst ? LookupLayout<4, true>(line, above, below, dst, from, to, phase, t)
-                         : LookupLayout<4, false>(line, above, below, dst, from, to, phase, t);
-    return blueFirst ? LookupLayout<3, true>(line, above, below, dst, from, to, phase, t)
-                     : LookupLayout<3, false>(line, above, below, dst, from, to, phase, t);
+        return blueFirst ? LookupLayout<4, true>(line, above, below, dst, from, to, phase, t, lookGreen)
+                         : LookupLayout<4, false>(line, above, below, dst, from, to, phase, t, lookGreen);
+    return blueFirst ? LookupLayout<3, true>(line, above, below, dst, from, to, phase, t, lookGreen)
+                     : LookupLayout<3, false>(line, above, below, dst, from, to, phase, t, lookGreen);
 }
 
 }  // namespace zo

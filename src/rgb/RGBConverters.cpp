@@ -66,16 +66,7 @@ bool RGBTablePassLevel()
 // it), else the table.
 const unsigned char* IdentityOrTable(const std::uint8_t* table)
 {
-    struct Ramp {
-        std::uint8_t bytes[256];
-        Ramp()
-        {
-            for (unsigned i = 0; i < 256; ++i)
-                bytes[i] = static_cast<std::uint8_t>(i);
-        }
-    };
-    static const Ramp kRamp;
-    return std::memcmp(table, kRamp.bytes, 256) ? table : nullptr;
+    return zo::simd::IsIdentityTable8(table) ? nullptr : table;
 }
 
 // A line of one-byte channels whose identity line would stream: chunk by

@@ -29,6 +29,20 @@ inline void Store32(unsigned char* p, std::uint32_t v)
 
 }  // namespace
 
+bool IsIdentityTable8(const std::uint8_t* table)
+{
+    struct Ramp {
+        std::uint8_t bytes[256];
+        Ramp()
+        {
+            for (unsigned i = 0; i < 256; ++i)
+                bytes[i] = static_cast<std::uint8_t>(i);
+        }
+    };
+    static const Ramp kRamp;
+    return std::memcmp(table, kRamp.bytes, 256) == 0;
+}
+
 // A pixel is read and written as one word (one store instead of three).
 void LutBytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables)
 {

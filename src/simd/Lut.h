@@ -150,6 +150,10 @@ const LutPaths* Sse2LutPaths();
 const LutPaths* Avx2LutPaths();
 const LutPaths* Avx512LutPaths();
 
+// Whether an 8-bit table maps every byte to itself: the fused lookups skip
+// such a table (white balance usually leaves green as it is).
+bool IsIdentityTable8(const std::uint8_t* table);
+
 // The scalar lookups (every kind's lookups where it has no vector ones).
 void LutBytes3Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables);
 void LutBytes4Scalar(unsigned char* line, std::uint32_t count, const LutTables8& tables);

@@ -68,13 +68,6 @@ inline __mmask64 FirstBytes(std::size_t n)
     return n >= 64 ? ~__mmask64(0) : (__mmask64(1) << n) - 1;
 }
 
-bool IsIdentity(const std::uint8_t* t)
-{
-    for (unsigned i = 0; i < 256; ++i)
-        if (t[i] != i)
-            return false;
-    return true;
-}
 
 // The distinct tables a pass needs and the positions each serves: a table
 // that is the identity is skipped (white balance usually leaves green as it
@@ -92,7 +85,7 @@ LookupPlan MakePlan(const LutTables8& t, unsigned pixelBytes)
     const std::uint8_t* distinct[3] = {};
     LookupPlan plan;
     for (unsigned p = 0; p < 3; ++p) {
-        if (IsIdentity(byPosition[p]))
+        if (IsIdentityTable8(byPosition[p]))
             continue;
         unsigned j = 0;
         while (j < plan.count && std::memcmp(distinct[j], byPosition[p], 256) != 0)

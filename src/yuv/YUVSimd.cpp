@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "simd/Cpu.h"
+#include "simd/Lut.h"
 #include "yuv/YUVKernels.h"
 
 namespace zo {
@@ -85,23 +86,6 @@ bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::ui
     return true;
 }
 
-namespace {
-
-bool IsRamp(const std::uint8_t* table)
-{
-    struct Ramp {
-        std::uint8_t bytes[256];
-        Ramp()
-        {
-            for (unsigned i = 0; i < 256; ++i)
-                bytes[i] = static_cast<std::uint8_t>(i);
-        }
-    };
-    static const Ramp kRamp;
-    return std::memcmp(table, kRamp.bytes, 256) == 0;
-}
-
-}  // namespace
 
 bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                         std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
@@ -111,7 +95,7 @@ bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint3
     if (!lookup || sampleBytes != 1 || dstBytes != 4)
         return false;
     const std::uint8_t* const bytes[3] = {tables.byte0, tables.byte1, tables.byte2};
-    done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !IsRamp(tables.byte1));
+    done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !simd::IsIdentityTable8(tables.byte1));
     return true;
 }
 
