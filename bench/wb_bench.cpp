@@ -109,6 +109,34 @@ double Seconds(F&& f)
     return Now() - start;
 }
 
+// A row's converter, frame size (the state's range) and the ring filled for
+// its buffers; null after marking the row skipped.
+struct Row {
+    const ZoPixelConverter* converter;
+    std::uint32_t width, height;
+    std::size_t sourceBytes, destinationBytes;
+    Ring* ring;
+};
+
+bool SetUpRow(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits, Row& row)
+{
+    if (!ZoPixelTypeFactory::HasConverter(source, destination)) {
+        state.SkipWithError("no converter registered for this pair");
+        return false;
+    }
+    row.converter = &ZoPixelTypeFactory::GetConverter(source, destination);
+    row.width = static_cast<std::uint32_t>(state.range(0));
+    row.height = static_cast<std::uint32_t>(state.range(1));
+    row.sourceBytes = static_cast<std::size_t>(row.converter->GetSourceByteSize(row.width)) * row.height;
+    row.destinationBytes = static_cast<std::size_t>(row.converter->GetDestinationByteSize(row.width)) * row.height;
+    row.ring = &PrepareRing(row.sourceBytes, row.destinationBytes, sampleBits);
+    if (row.ring->slots < 2) {
+        state.SkipWithError("frame too large for the ring");
+        return false;
+    }
+    return true;
+}
+
 // One row: `filterBits` is the white-balance filter's bit size (8: the 8-bit
 // tables of byte samples; 12 or 16: 16-bit tables). The twin converts through
 // the identity filter the library itself uses for such a source: 8-bit, or
@@ -122,20 +150,13 @@ double Seconds(F&& f)
 void WhiteBalanceRow(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits,
                      unsigned filterBits, std::uint32_t flags, double blueGain = 1.4)
 {
-    if (!ZoPixelTypeFactory::HasConverter(source, destination)) {
-        state.SkipWithError("no converter registered for this pair");
+    Row row;
+    if (!SetUpRow(state, source, destination, sampleBits, row))
         return;
-    }
-    const ZoPixelConverter& converter = ZoPixelTypeFactory::GetConverter(source, destination);
-    const auto width = static_cast<std::uint32_t>(state.range(0));
-    const auto height = static_cast<std::uint32_t>(state.range(1));
-    const std::size_t sourceBytes = static_cast<std::size_t>(converter.GetSourceByteSize(width)) * height;
-    const std::size_t destinationBytes = static_cast<std::size_t>(converter.GetDestinationByteSize(width)) * height;
-    Ring& ring = PrepareRing(sourceBytes, destinationBytes, sampleBits);
-    if (ring.slots < 2) {
-        state.SkipWithError("frame too large for the ring");
-        return;
-    }
+    const ZoPixelConverter& converter = *row.converter;
+    const std::uint32_t width = row.width, height = row.height;
+    const std::size_t destinationBytes = row.destinationBytes;
+    Ring& ring = *row.ring;
 
     ZoRGBFilter balance(filterBits);
     balance.SetMultipliers(1.8, 1.0, blueGain);
@@ -313,20 +334,13 @@ enum class Frames { kCold, kNewIntoReused, kReused };
 void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t destination, unsigned sampleBits,
                      Frames frames = Frames::kCold)
 {
-    if (!ZoPixelTypeFactory::HasConverter(source, destination)) {
-        state.SkipWithError("no converter registered for this pair");
+    Row row;
+    if (!SetUpRow(state, source, destination, sampleBits, row))
         return;
-    }
-    const ZoPixelConverter& converter = ZoPixelTypeFactory::GetConverter(source, destination);
-    const auto width = static_cast<std::uint32_t>(state.range(0));
-    const auto height = static_cast<std::uint32_t>(state.range(1));
-    const std::size_t sourceBytes = static_cast<std::size_t>(converter.GetSourceByteSize(width)) * height;
-    const std::size_t destinationBytes = static_cast<std::size_t>(converter.GetDestinationByteSize(width)) * height;
-    Ring& ring = PrepareRing(sourceBytes, destinationBytes, sampleBits);
-    if (ring.slots < 2) {
-        state.SkipWithError("frame too large for the ring");
-        return;
-    }
+    const ZoPixelConverter& converter = *row.converter;
+    const std::uint32_t width = row.width, height = row.height;
+    const std::size_t sourceBytes = row.sourceBytes, destinationBytes = row.destinationBytes;
+    Ring& ring = *row.ring;
     const bool rule = sourceBytes + destinationBytes >= zo::StreamingThreshold();
     const ZoRGBFilter identity(sampleBits > 8 ? 16 : 8);
 
