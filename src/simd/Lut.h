@@ -58,7 +58,7 @@
 // and EvalWord; green tables that are the identity are skipped). Measured
 // (one run per level, load about 6.5 on the two cores, before -> after,
 // 1080p / 4096 x 3000, gains 1.8, 1.0, 1.4):
-//   host (AVX-512 VBMI; the Bayer kernels are AVX2): Bayer 8 -> RGB24
+//   host (AVX-512 VBMI, before its lookups below): Bayer 8 -> RGB24
 //     1.32 / 1.34 -> 1.24 / 1.26, -> BGRA 1.31 / 1.39 -> 1.16 / 1.23,
 //     12-bit Bayer -> RGB48 1.53 / 1.25 -> 1.33 / 1.18;
 //   ZOIMG_CPU=avx2: Bayer 8 -> RGB24 1.70 / 1.63 -> 1.34 / 1.31, -> BGRA
@@ -80,15 +80,23 @@
 // 1.36-1.56 / 1.19-1.36 -> 1.21-1.28 / 1.02-1.30 (gains 1.8, 1.0, 1.4);
 // Gain16 1.25-1.37 / 1.01-1.12 -> 1.15-1.31 / 0.96-1.26, its filtered time
 // unchanged within the noise (warm buffers: 10% less extra time at 1080p,
-// none at 4096 x 3000). YUYV into RGB32/BGR32 does the same at the AVX-512 VBMI
-// level (yuv/YUVAvx512.cpp; host wb/id, three runs each side by side at
-// load 6.3, 1080p / 4096 x 3000: 1.39-1.49 / 1.49-1.53 -> 1.28-1.36 /
-// 1.23-1.30) and at AVX2 (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75).
-// RGB 24 into RGB32/BGR32: AVX2 evaluates the forms before its store
-// (rgb/RGBAvx2.cpp; about 2.0-2.3 -> 1.34-1.44 at 1080p, 1.26-1.35 at
-// 4096 x 3000), AVX-512 VBMI looks the tables up inside the kernel
-// (rgb/RGBAvx512.cpp). The rest of the RGB filtered conversions take the
-// pass after their identity line.
+// none at 4096 x 3000). YUYV into RGB32/BGR32 evaluates the forms at AVX2
+// (yuv/YUVAvx2.cpp; wb/id about 2.4 -> 1.55-1.75), RGB 24 into RGB32/BGR32
+// too (rgb/RGBAvx2.cpp; about 2.0-2.3 -> 1.34-1.44 at 1080p, 1.26-1.35 at
+// 4096 x 3000).
+// With AVX-512 VBMI the 8-bit kernels look any table up inside the kernel
+// instead, two two-source byte permutes and a blend on bit 7 per table and
+// register, which measured faster than the forms for every gain (host,
+// cold buffers, wb/id at 1080p / 4096 x 3000, gains 1.8, 1.0, 1.4):
+// Bayer 8-bit bilinear (bayer/BayerAvx512.cpp) 1.25-1.27 / 1.32 -> 1.04-1.06
+// / 0.99-1.00 into RGB24 and 1.19-1.21 / 1.23-1.28 -> 0.94-0.95 / 0.92-1.13
+// into BGRA; YUYV into RGB32/BGR32 (yuv/YUVAvx512.cpp) 1.27-1.29 /
+// 1.25-1.28 -> 1.01-1.03 / 0.99-1.01; RGB 24 into RGB32/BGR32
+// (rgb/RGBAvx512.cpp) 1.45-1.50 / 1.32-1.34 -> 1.24-1.25 / 0.96-1.06; RGB 24
+// and RGB 32 into RGB16, looked up before packing, 4.8 / 5.2 -> 1.25-1.44 /
+// 1.24-1.33 (below VBMI the pass runs over a cached copy of the source
+// chunk before the identity packing: 2.8-3.0 / 3.3-3.6). The rest of the
+// RGB filtered conversions take the pass after their identity line.
 //
 // Left out: AVX2 dword gathers (measured slower than plain lookups for
 // 4-byte pixels); 16-entry byte shuffles (sixteen shuffles and selects per
