@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cctype>
+#include <cstdlib>
 #include <cstring>
 
 #include "convert/BandWindow.h"
@@ -63,6 +65,7 @@ std::uint64_t ReadLastLevelCacheBytes()
 }
 
 constexpr std::uint64_t kUnset = ~std::uint64_t(0);
+constexpr std::uint64_t kNever = kUnset - 1;  // no footprint reaches it
 std::atomic<std::uint64_t> gThreshold{kUnset};
 
 }  // namespace
@@ -78,10 +81,27 @@ std::uint64_t StreamingThreshold()
     const std::uint64_t set = gThreshold.load(std::memory_order_relaxed);
     if (set != kUnset)
         return set;
-    return LastLevelCacheBytes() / 4;
+    static const std::uint64_t rule = ThresholdFromSetting(std::getenv("ZOIMG_STREAMING"), LastLevelCacheBytes() / 4);
+    return rule;
 }
 
-void SetStreamingThreshold(std::uint64_t bytes) { gThreshold.store(bytes == kUnset ? kUnset - 1 : bytes); }
+std::uint64_t ThresholdFromSetting(const char* value, std::uint64_t cacheRule)
+{
+    auto is = [value](const char* word) {
+        std::size_t i = 0;
+        for (; word[i]; ++i)
+            if (std::tolower(static_cast<unsigned char>(value[i])) != word[i])
+                return false;
+        return value[i] == '\0';
+    };
+    if (value && is("off"))
+        return kNever;
+    if (value && is("on"))
+        return 0;
+    return cacheRule;
+}
+
+void SetStreamingThreshold(std::uint64_t bytes) { gThreshold.store(bytes == kUnset ? kNever : bytes); }
 void ResetStreamingThreshold() { gThreshold.store(kUnset); }
 
 bool StreamDestination(const ZoPixelConverterContext& context)

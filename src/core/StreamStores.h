@@ -57,8 +57,13 @@ namespace zo {
 std::uint64_t LastLevelCacheBytes();
 
 // The footprint (source plus destination bytes of the area) from which an
-// area conversion streams: a quarter of the last-level cache unless set.
+// area conversion streams: a quarter of the last-level cache unless set, or
+// unless the environment variable ZOIMG_STREAMING, read once, says `off`
+// (never) or `on` (every area conversion), in any case.
 std::uint64_t StreamingThreshold();
+// The threshold for a ZOIMG_STREAMING value (null: unset); anything but
+// `off` and `on` keeps `cacheRule`.
+std::uint64_t ThresholdFromSetting(const char* value, std::uint64_t cacheRule);
 // Sets the threshold (0: every area conversion streams); for tests and
 // benchmarks, while no conversion runs. ResetStreamingThreshold goes back to
 // the cache rule.

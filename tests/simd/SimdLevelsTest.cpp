@@ -148,6 +148,19 @@ TEST(StreamingStores, EveryLevelWritesTheScalarBytes)
     EXPECT_GT(checked, 20);
 }
 
+// ZOIMG_STREAMING: `off` and `on` in any case, anything else the cache rule.
+TEST(StreamingStores, TheSettingChoosesTheRule)
+{
+    const std::uint64_t rule = 8u << 20, never = ~std::uint64_t(0) - 1;
+    const struct {
+        const char* value;
+        std::uint64_t threshold;
+    } kCases[] = {{nullptr, rule}, {"", rule}, {"auto", rule}, {"off", never}, {"OFF", never}, {"Off", never},
+                  {"on", 0},       {"ON", 0},  {"o", rule},    {"offf", rule}, {"on ", rule}, {"1", rule}};
+    for (const auto& c : kCases)
+        EXPECT_EQ(zo::ThresholdFromSetting(c.value, rule), c.threshold) << (c.value ? c.value : "(unset)");
+}
+
 // Every family follows the ceiling: at the scalar level each chooses its
 // scalar table, from AVX2 on the converter families have vector paths
 // (x86-64). The choices per level are printed for the log. Level names read
