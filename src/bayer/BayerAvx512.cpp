@@ -24,33 +24,17 @@
 #include <immintrin.h>
 
 #include "bayer/BayerBlocks256.h"
+#include "simd/LookupVbmi.h"
 #include "simd/Lut.h"
 
 namespace zo {
 namespace {
 
-struct Table {
-    __m512i q0, q1, q2, q3;  // entries 0-63, 64-127, 128-191, 192-255
-};
-
-inline Table LoadTable(const std::uint8_t* t)
-{
-    return {_mm512_loadu_si512(t), _mm512_loadu_si512(t + 64), _mm512_loadu_si512(t + 128),
-            _mm512_loadu_si512(t + 192)};
-}
-
-
-// The 32 bytes of v through table t.
-inline __m256i Lookup(__m256i v, const Table& t)
-{
-    const __m512i index = _mm512_castsi256_si512(v);
-    const __m512i low = _mm512_permutex2var_epi8(t.q0, index, t.q1);
-    const __m512i high = _mm512_permutex2var_epi8(t.q2, index, t.q3);
-    return _mm256_mask_blend_epi8(_mm256_movepi8_mask(v), _mm512_castsi512_si256(low), _mm512_castsi512_si256(high));
-}
+using simd::ByteTable256;
+using simd::LookUp;
 
 struct Tables {
-    Table red, green, blue;
+    ByteTable256 red, green, blue;
 };
 
 template <unsigned Bytes, bool BlueFirst, bool Green>
@@ -59,12 +43,12 @@ std::uint32_t LookupBlocks(const unsigned char* line, std::ptrdiff_t above, std:
 {
     return Blocks256<Bytes, BlueFirst>(line, above, below, dst, from, to, phase, KeepWidened{},
                                        [&t](__m256i& red, __m256i& green, __m256i& blue) {
-                                           red = Lookup(red, t.red);
+                                           red = LookUp(red, t.red);
                                            if constexpr (Green)
-                                               green = Lookup(green, t.green);
+                                               green = LookUp(green, t.green);
                                            else
                                                (void)green;
-                                           blue = Lookup(blue, t.blue);
+                                           blue = LookUp(blue, t.blue);
                                        });
 }
 
@@ -83,7 +67,7 @@ std::uint32_t BayerBytesLookupAvx512(unsigned bytes, bool blueFirst, const unsig
                                      int phase, const std::uint8_t* red, const std::uint8_t* green,
                                      const std::uint8_t* blue)
 {
-    const Tables t = {LoadTable(red), LoadTable(green), LoadTable(blue)};
+    const Tables t = {ByteTable256(red), ByteTable256(green), ByteTable256(blue)};
     const bool lookGreen = !simd::IsIdentityTable8(green);
     if (bytes == 4)
         return blueFirst ? LookupLayout<4, true>(line, above, below, dst, from, to, phase, t, lookGreen)

@@ -17,6 +17,7 @@
 #include <cstddef>
 
 #include "core/StreamGroups.h"
+#include "simd/LookupVbmi.h"
 
 namespace zo {
 namespace simd {
@@ -103,32 +104,24 @@ __m512i SpreadIndex(bool blueFirst)
     return _mm512_load_si512(spread);
 }
 
-// Every byte of x through a 256-entry table held as four 64-byte quarters:
-// two two-source permutes look up the low and the high 128 entries (seven
-// bits of the index each), bit 7 of the index picks the half.
-inline __m512i LookUp(__m512i x, const __m512i (&q)[4])
-{
-    const __m512i low = _mm512_permutex2var_epi8(q[0], x, q[1]);
-    const __m512i high = _mm512_permutex2var_epi8(q[2], x, q[3]);
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), low, high);
-}
+using simd::ByteTable256;
+using simd::LookUp;
 
 // The destination tables of one line: each 256-entry table as four
 // registers, and whether it is looked up (a null table is the identity).
 struct LineTables {
-    __m512i q[3][4];
+    ByteTable256 table[3];
     bool look[3];
 
     explicit LineTables(const unsigned char* const* tables)
     {
         for (unsigned c = 0; c < 3; ++c) {
             look[c] = tables[c] != nullptr;
-            for (unsigned h = 0; h < 4; ++h)
-                q[c][h] = look[c] ? _mm512_loadu_si512(tables[c] + 64 * h) : _mm512_setzero_si512();
+            if (look[c])
+                table[c] = ByteTable256(tables[c]);
         }
     }
 };
-
 // Sixteen pixels, the table lookups fused into the three- to four-byte
 // permute: one permute spreads 48 source bytes over 64 (the fourth bytes
 // zeroed), then each table is looked up over the whole register and its
@@ -140,7 +133,7 @@ inline __m512i Spread16(const unsigned char* s, const __m512i& spread, const Lin
     __m512i r = v;
     for (unsigned c = 0; c < 3; ++c)
         if (t.look[c])
-            r = _mm512_mask_mov_epi8(r, 0x1111111111111111ull << c, LookUp(v, t.q[c]));
+            r = _mm512_mask_mov_epi8(r, 0x1111111111111111ull << c, LookUp(v, t.table[c]));
     return r;
 }
 
@@ -205,7 +198,7 @@ std::uint32_t ThreeToFourTables64(const unsigned char* s, unsigned char* d, std:
         for (unsigned c = 0; c < 3; ++c) {
             x[c] = _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(a, index[c], b), third[c], index[c], e);
             if (t.look[c])
-                x[c] = LookUp(x[c], t.q[c]);
+                x[c] = LookUp(x[c], t.table[c]);
         }
         const __m512i low = _mm512_unpacklo_epi8(x[0], x[1]), high = _mm512_unpackhi_epi8(x[0], x[1]);
         const __m512i lowEnd = _mm512_unpacklo_epi8(x[2], zero), highEnd = _mm512_unpackhi_epi8(x[2], zero);
@@ -255,11 +248,11 @@ std::uint32_t BytesToRGB16TablesAvx512(const unsigned char* s, unsigned char* d,
     return BytesToRGB16Steps(s, d, n, group, stream, [&](__m512i& x, __m512i& y) {
         const __m512i greenRed = x;
         if (t.look[0])
-            x = _mm512_mask_mov_epi8(x, highBytes, LookUp(greenRed, t.q[0]));
+            x = _mm512_mask_mov_epi8(x, highBytes, LookUp(greenRed, t.table[0]));
         if (t.look[1])
-            x = _mm512_mask_mov_epi8(x, lowBytes, LookUp(greenRed, t.q[1]));
+            x = _mm512_mask_mov_epi8(x, lowBytes, LookUp(greenRed, t.table[1]));
         if (t.look[2])
-            y = _mm512_mask_mov_epi8(y, lowBytes, LookUp(y, t.q[2]));
+            y = _mm512_mask_mov_epi8(y, lowBytes, LookUp(y, t.table[2]));
     });
 }
 

@@ -19,6 +19,7 @@
 
 #include <cstring>
 
+#include "simd/LookupVbmi.h"
 #include "simd/Lut.h"
 #include "simd/LutArith.h"
 #include "simd/LutV512.h"
@@ -26,16 +27,6 @@
 namespace zo {
 namespace simd {
 namespace {
-
-struct Table256 {
-    __m512i q0, q1, q2, q3;
-};
-
-inline Table256 LoadTable(const std::uint8_t* t)
-{
-    return {_mm512_loadu_si512(t), _mm512_loadu_si512(t + 64), _mm512_loadu_si512(t + 128),
-            _mm512_loadu_si512(t + 192)};
-}
 
 // Lane masks of the bytes whose position in the pixel is p, for a register
 // starting `phase` bytes into a pixel of `pixelBytes`.
@@ -74,7 +65,7 @@ inline __mmask64 FirstBytes(std::size_t n)
 // is) and positions with equal tables share one lookup, two permutes each.
 // masks[j][k]: lanes of table j in a register starting k bytes into a pixel.
 struct LookupPlan {
-    Table256 tables[3];
+    ByteTable256 tables[3];
     std::uint64_t masks[3][3];
     unsigned count = 0;
 };
@@ -92,7 +83,7 @@ LookupPlan MakePlan(const LutTables8& t, unsigned pixelBytes)
             ++j;
         if (j == plan.count) {
             distinct[j] = byPosition[p];
-            plan.tables[j] = LoadTable(byPosition[p]);
+            plan.tables[j] = ByteTable256(byPosition[p]);
             for (unsigned k = 0; k < 3; ++k)
                 plan.masks[j][k] = 0;
             ++plan.count;
@@ -113,10 +104,7 @@ inline __m512i Lookup(__m512i v, const LookupPlan& plan, unsigned k)
     const __mmask64 upper = _mm512_movepi8_mask(v);
     __m512i r = v;
     for (unsigned j = 0; j < N; ++j) {
-        const Table256& t = plan.tables[j];
-        const __m512i low = _mm512_permutex2var_epi8(t.q0, v, t.q1);
-        const __m512i high = _mm512_permutex2var_epi8(t.q2, v, t.q3);
-        r = _mm512_mask_mov_epi8(r, plan.masks[j][k], _mm512_mask_blend_epi8(upper, low, high));
+        r = _mm512_mask_mov_epi8(r, plan.masks[j][k], LookUp(v, plan.tables[j], upper));
     }
     return r;
 }

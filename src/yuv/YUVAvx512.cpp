@@ -20,6 +20,7 @@
 #if defined(__AVX512BW__) && defined(__AVX512VBMI__)
 #include <immintrin.h>
 
+#include "simd/LookupVbmi.h"
 #include "simd/LutV512.h"
 #include "yuv/YUVTransform.h"
 
@@ -146,25 +147,8 @@ const Tables& SharedTables()
     return kTables;
 }
 
-// The four 64-byte quarters of a 256-entry byte table.
-struct ByteTable {
-    __m512i q[4];
-    explicit ByteTable(const std::uint8_t* table)
-    {
-        for (int h = 0; h < 4; ++h)
-            q[h] = _mm512_loadu_si512(table + 64 * h);
-    }
-};
-
-// Every byte of x through the table: two two-source permutes look up the
-// low and the high 128 entries (seven bits of the index each), bit 7 of the
-// index picks the half.
-inline __m512i LookUp(__m512i x, const ByteTable& t)
-{
-    const __m512i low = _mm512_permutex2var_epi8(t.q[0], x, t.q[1]);
-    const __m512i high = _mm512_permutex2var_epi8(t.q[2], x, t.q[3]);
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), low, high);
-}
+using simd::ByteTable256;
+using simd::LookUp;
 
 // Pixels 0-15 and 16-31 of each of two groups of thirty-two pixels, as bytes
 // (first, green, third, any) from `ends` (block k: first of pixels
@@ -205,8 +189,8 @@ std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std
 {
     static const LookupTables kOut;
     const Tables t = SharedTables();
-    const ByteTable first(tables[0]), third(tables[2]);
-    const ByteTable middle(tables[Middle ? 1 : 0]);
+    const ByteTable256 first(tables[0]), third(tables[2]);
+    const ByteTable256 middle(tables[Middle ? 1 : 0]);
     const __mmask64 colour = 0x7777777777777777ull;
     auto step = [&](const unsigned char* s, unsigned char* d, bool two) {
         __m512i r0, g0, b0, r1, g1, b1;
