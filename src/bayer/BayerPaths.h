@@ -89,13 +89,20 @@ std::uint32_t BayerBytesLookupAvx512(unsigned bytes, bool blueFirst, const unsig
                                      std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
                                      int phase, const std::uint8_t* red, const std::uint8_t* green,
                                      const std::uint8_t* blue);
+// BayerWords48Avx512.cpp: RGB48, the identity line and through table forms,
+// 32 pixels a step, then the AVX2 paths.
+std::uint32_t BayerWords48Avx512(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                 unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
+std::uint32_t BayerWords48FormedAvx512(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                       unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                       const simd::LutFormPlan16& plan);
 extern const BayerPaths kBayerPathsSSE2;
 extern const BayerPaths kBayerPathsAVX2;
 
 // The paths of the active level (simd/Cpu.h): the scalar table (every entry
 // returns `from`) at the scalar level, SSE2 at SSE2 and SSSE3, AVX2 from
 // AVX2 on, and at AVX-512 on CPUs with VBMI the AVX2 paths plus the lookup
-// path.
+// path and the 32-pixel RGB48 paths.
 const BayerPaths& BayerActivePaths();
 
 }  // namespace zo

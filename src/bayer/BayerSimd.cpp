@@ -25,13 +25,16 @@ std::uint32_t NoWords48(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, un
 const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr, nullptr};
 
 #if ZO_SIMD_X86
-// AVX2's paths with the VBMI lookups inside the 8-bit block.
+// AVX2's paths with the VBMI lookups inside the 8-bit block and the
+// 32-pixel RGB48 block (AVX-512 BW).
 const BayerPaths* Avx512Paths()
 {
     static const BayerPaths paths = [] {
         BayerPaths p = kBayerPathsAVX2;
         p.name = "AVX-512 VBMI";
         p.bytesLookup = BayerBytesLookupAvx512;
+        p.words48 = BayerWords48Avx512;
+        p.words48Formed = BayerWords48FormedAvx512;
         return p;
     }();
     return &paths;

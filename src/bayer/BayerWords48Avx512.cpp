@@ -1,0 +1,288 @@
+// RGB48 from 10- to 14-bit Bayer samples with AVX-512 BW (this file alone is
+// compiled for AVX-512; its paths run in the AVX-512 table, see
+// BayerSimd.cpp): the AVX2 block of BayerAvx2.cpp on twice the width, 32
+// pixels a step. Filtered lines evaluate each channel's 16-bit table form
+// (simd/LutArith.h) on 512-bit lanes just before the store, which halves
+// the forms' instructions per pixel against the 16-pixel block. What is
+// left of a line after the last 32-pixel block goes to the AVX2 path.
+#include "bayer/BayerPaths.h"
+
+#if defined(__AVX512F__) && defined(__AVX512BW__)
+// GCC 12 warns about the deliberately undefined upper halves of the exact
+// form's registers (_mm512_castsi256_si512) once they are inlined.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+
+#include <type_traits>
+
+#include "simd/LutArith.h"
+#include "simd/LutV512.h"
+
+namespace zo {
+namespace {
+
+using V = simd::V512;
+using Arith = simd::LutArith<V>;
+
+// Even word lanes (even pixels) from evenValue, odd ones from oddValue.
+inline __m512i Pick(__m512i evenValue, __m512i oddValue)
+{
+    return _mm512_mask_blend_epi16(0x55555555u, oddValue, evenValue);
+}
+
+// The bilinear red, green and blue of 32 pixels (see BayerHalf).
+inline void Interpolate(__m512i a0, __m512i a1, __m512i a2, __m512i c0, __m512i c1, __m512i c2, __m512i b0,
+                        __m512i b1, __m512i b2, int phase, __m512i& r, __m512i& g, __m512i& b)
+{
+    const __m512i v = _mm512_add_epi16(a1, b1);
+    const __m512i h = _mm512_add_epi16(c0, c2);
+    const __m512i d = _mm512_add_epi16(_mm512_add_epi16(a0, a2), _mm512_add_epi16(b0, b2));
+    const __m512i rowAverage = _mm512_srli_epi16(h, 1);
+    const __m512i columnAverage = _mm512_srli_epi16(v, 1);
+    const __m512i cross = _mm512_srli_epi16(_mm512_add_epi16(v, h), 2);
+    const __m512i diagonal = _mm512_srli_epi16(d, 2);
+    if (phase < 2) {
+        const __m512i rowColour = Pick(rowAverage, c1);
+        const __m512i columnColour = Pick(columnAverage, diagonal);
+        g = Pick(c1, cross);
+        r = phase == 0 ? rowColour : columnColour;
+        b = phase == 0 ? columnColour : rowColour;
+    } else {
+        const __m512i own = Pick(c1, rowAverage);
+        const __m512i other = Pick(diagonal, columnAverage);
+        g = Pick(cross, c1);
+        r = phase == 2 ? own : other;
+        b = phase == 2 ? other : own;
+    }
+}
+
+// Word permutes that interleave 32 pixels' red, green and blue (one
+// register each) into three registers of RGB48: output register k holds
+// words 32k to 32k + 31; red and green come from one two-source permute,
+// blue is merged in under a mask.
+struct Rgb48Permutes {
+    alignas(64) std::uint16_t redGreen[3][32];
+    alignas(64) std::uint16_t blue[3][32];
+    std::uint32_t blueMask[3];
+};
+constexpr Rgb48Permutes MakeRgb48Permutes()
+{
+    Rgb48Permutes s{};
+    for (int k = 0; k < 3; ++k)
+        for (int j = 0; j < 32; ++j) {
+            const int word = 32 * k + j, pixel = word / 3, channel = word % 3;
+            // Index bit 5 picks the second source (green).
+            s.redGreen[k][j] = static_cast<std::uint16_t>(channel == 1 ? 32 + pixel : pixel);
+            s.blue[k][j] = static_cast<std::uint16_t>(pixel);
+            if (channel == 2)
+                s.blueMask[k] |= 1u << j;
+        }
+    return s;
+}
+constexpr Rgb48Permutes kRgb48Permutes = MakeRgb48Permutes();
+
+inline __m512i Load(const unsigned char* p) { return _mm512_loadu_si512(p); }
+
+// Thirty-two pixels a step while a block fits before `to`. Samples below
+// 2^14 are summed in 16-bit lanes; a block with larger samples takes the
+// SSE2 path. `forms(rgb, any)` maps the channels before they are stored
+// (`any`: the OR of the block's samples, which bounds every interpolated
+// value), `formsAfter(d)` the 192 bytes the SSE2 path wrote at d.
+template <class Forms, class FormsAfter>
+std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, Forms forms, FormsAfter formsAfter)
+{
+    const __m512i high = _mm512_set1_epi16(static_cast<short>(0xC000));
+    const __m512i redGreen[3] = {Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.redGreen[0])),
+                                 Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.redGreen[1])),
+                                 Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.redGreen[2]))};
+    const __m512i blue[3] = {Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[0])),
+                             Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[1])),
+                             Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[2]))};
+    std::uint32_t x = from;
+    for (; x + 32 <= to; x += 32) {
+        const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
+        const unsigned char* a = c + above;
+        const unsigned char* b = c + below;
+        const __m512i a0 = Load(a - 2), a1 = Load(a), a2 = Load(a + 2);
+        const __m512i c0 = Load(c - 2), c1 = Load(c), c2 = Load(c + 2);
+        const __m512i b0 = Load(b - 2), b1 = Load(b), b2 = Load(b + 2);
+        const __m512i any = _mm512_ternarylogic_epi64(
+            _mm512_ternarylogic_epi64(a0, a1, a2, 0xFE), _mm512_ternarylogic_epi64(c0, c1, c2, 0xFE),
+            _mm512_ternarylogic_epi64(b0, b1, b2, 0xFE), 0xFE);
+        unsigned char* d = dst + static_cast<std::size_t>(x) * 6;
+        if (_mm512_test_epi16_mask(any, high) != 0) {
+            BayerWords48Sse2(line, above, below, dst, x, x + 32, phase);
+            formsAfter(d);
+            continue;
+        }
+        __m512i rgb[3];
+        Interpolate(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, rgb[0], rgb[1], rgb[2]);
+        forms(rgb, any);
+        for (int k = 0; k < 3; ++k) {
+            const __m512i rg = _mm512_permutex2var_epi16(rgb[0], redGreen[k], rgb[1]);
+            _mm512_storeu_si512(d + 64 * k,
+                                _mm512_mask_permutexvar_epi16(rg, kRgb48Permutes.blueMask[k], blue[k], rgb[2]));
+        }
+    }
+    return x;
+}
+
+// The forms of red, green and blue in every lane, with the exact form's
+// doubles.
+struct WordForms {
+    Arith::Params channel[3];
+    alignas(64) double scale[3][32];
+    alignas(64) double offset[3][32];
+};
+
+// The fast and corrected forms where a is 1 and the offset 0 (gains from 1
+// to 2, as white balance mostly has): a * i is i, and nothing is added.
+inline __m512i UnitFast(__m512i i, const Arith::Params& P, simd::LutParam fraction)
+{
+    return V::Min(V::AddS(i, V::MulHi(i, P.p[fraction])), P.p[simd::kLutLimit]);
+}
+
+inline __m512i UnitCorrected(__m512i i, const Arith::Params& P)
+{
+    const __m512i h = UnitFast(i, P, simd::kLutFh), g = UnitFast(i, P, simd::kLutFl);
+    const __m512i x = V::Add(h, V::MulHi(h, P.p[simd::kLutK]));
+    return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+}
+
+// One channel through its form: the plan's mode, or (Fast) the fast form,
+// which a corrected plan's channel without correction (kap 0) equals.
+// Unit: every channel has a 1 and offset 0 (fast and corrected forms only).
+template <int Mode, bool Wide, bool Fast, bool Unit>
+inline __m512i EvalChannel(__m512i v, const WordForms& forms, unsigned ch)
+{
+    if constexpr (Unit && (Fast || Mode == 0))
+        return UnitFast(v, forms.channel[ch], simd::kLutFh);
+    else if constexpr (Unit)
+        return UnitCorrected(v, forms.channel[ch]);
+    else if constexpr (Fast)
+        return Arith::Eval<false, false>(v, forms.channel[ch]);
+    else
+        return Arith::EvalWord<Mode, Wide>(v, forms.channel[ch], forms.scale[ch], forms.offset[ch]);
+}
+
+// FastMask: the channels (bit c) a corrected plan evaluates by the fast
+// form. SkipGreen: green's table is the identity below greenBound (a power
+// of two), and blocks whose samples all lie below it keep green as it is.
+template <int Mode, bool Wide, unsigned FastMask, bool SkipGreen, bool Unit>
+std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
+                            const WordForms& forms, std::uint32_t greenBound)
+{
+    const __m512i aboveGreen = _mm512_set1_epi16(static_cast<short>(~(greenBound - 1) & 0xFFFF));
+    return Words48Blocks(
+        line, above, below, dst, from, to, phase,
+        [&](__m512i(&rgb)[3], __m512i any) {
+            rgb[0] = EvalChannel<Mode, Wide, (FastMask & 1) != 0, Unit>(rgb[0], forms, 0);
+            if (!SkipGreen || _mm512_test_epi16_mask(any, aboveGreen) != 0)
+                rgb[1] = EvalChannel<Mode, Wide, (FastMask & 2) != 0, Unit>(rgb[1], forms, 1);
+            rgb[2] = EvalChannel<Mode, Wide, (FastMask & 4) != 0, Unit>(rgb[2], forms, 2);
+        },
+        [&](unsigned char* d) {
+            // Register k starts 32k words, (32k) mod 3 words into a pixel.
+            for (unsigned k = 0; k < 3; ++k)
+                Arith::Words<Mode, Wide>(d + 64 * k, plan, (2 * k) % 3);
+        });
+}
+
+// Calls run(std::integral_constant<unsigned, mask>) for a mask of bits 0-2;
+// with `Green` false, bit 1 is ignored.
+template <bool Green, class Run>
+inline void WithFastMask(unsigned mask, Run run)
+{
+    using U = unsigned;
+    switch (mask & (Green ? 7u : 5u)) {
+    case 1: run(std::integral_constant<U, 1>{}); break;
+    case 4: run(std::integral_constant<U, 4>{}); break;
+    case 5: run(std::integral_constant<U, 5>{}); break;
+    case 2: if constexpr (Green) run(std::integral_constant<U, 2>{}); break;
+    case 3: if constexpr (Green) run(std::integral_constant<U, 3>{}); break;
+    case 6: if constexpr (Green) run(std::integral_constant<U, 6>{}); break;
+    case 7: if constexpr (Green) run(std::integral_constant<U, 7>{}); break;
+    default: run(std::integral_constant<U, 0>{}); break;
+    }
+}
+
+std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan)
+{
+    WordForms forms;
+    unsigned fastMask = 0;
+    bool unit = true;
+    for (unsigned ch = 0; ch < 3; ++ch) {
+        unit &= plan.lanes[ch][simd::kLutA][0] == 1 && plan.lanes[ch][simd::kLutOff][0] == 0;
+        forms.channel[ch] = Arith::Channel16(plan, ch);
+        for (unsigned j = 0; j < 32; ++j) {
+            forms.scale[ch][j] = plan.scale[ch][0];
+            forms.offset[ch][j] = plan.offset[ch][0];
+        }
+        if (plan.corrected && plan.lanes[ch][simd::kLutK][0] == 0)
+            fastMask |= 1u << ch;
+    }
+    // The largest power of two up to which green is the identity; worth a
+    // test per block from 256 on (blocks hold samples below 2^14 anyway).
+    std::uint32_t greenBound = 1;
+    while (greenBound * 2 <= plan.identityBelow[1] && greenBound < 16384)
+        greenBound *= 2;
+    const bool skipGreen = greenBound >= 256;
+    std::uint32_t x = from;
+    Arith::WithMode16(plan, [&](auto mode, auto wide) {
+        constexpr int kMode = decltype(mode)::value;
+        constexpr bool kWide = decltype(wide)::value;
+        auto withUnit = [&](auto fast, auto skip, auto unitForms) {
+            x = FormedWords48<kMode, kWide, decltype(fast)::value, decltype(skip)::value, decltype(unitForms)::value>(
+                line, above, below, dst, from, to, phase, plan, forms, greenBound);
+        };
+        auto run = [&](auto fast, auto skip) {
+            if constexpr (kMode == 3 || (kMode == 0 && !kWide)) {
+                if (unit) {
+                    withUnit(fast, skip, std::true_type{});
+                    return;
+                }
+            }
+            withUnit(fast, skip, std::false_type{});
+        };
+        if constexpr (kMode == 3) {
+            if (skipGreen)
+                WithFastMask<false>(fastMask, [&](auto fast) { run(fast, std::true_type{}); });
+            else
+                WithFastMask<true>(fastMask, [&](auto fast) { run(fast, std::false_type{}); });
+        } else {
+            if (skipGreen)
+                run(std::integral_constant<unsigned, 0>{}, std::true_type{});
+            else
+                run(std::integral_constant<unsigned, 0>{}, std::false_type{});
+        }
+    });
+    return x;
+}
+
+}  // namespace
+
+std::uint32_t BayerWords48FormedAvx512(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                       unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                       const simd::LutFormPlan16& plan)
+{
+    const std::uint32_t x = FormedBlocks(line, above, below, dst, from, to, phase, plan);
+    // A tail of 16 pixels or more: the AVX2 block's 16 at a time.
+    return x + 16 <= to ? kBayerPathsAVX2.words48Formed(line, above, below, dst, x, to, phase, plan) : x;
+}
+
+// The identity RGB48 line.
+std::uint32_t BayerWords48Avx512(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                 unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+{
+    const std::uint32_t x = Words48Blocks(
+        line, above, below, dst, from, to, phase, [](__m512i(&)[3], __m512i) {}, [](unsigned char*) {});
+    return kBayerPathsAVX2.words48(line, above, below, dst, x, to, phase);
+}
+
+}  // namespace zo
+#endif
