@@ -19,6 +19,7 @@
 
 #include "simd/LutArith.h"
 #include "simd/LutV512.h"
+#include "bayer/BayerWords48Forms.h"
 
 namespace zo {
 namespace {
@@ -130,43 +131,7 @@ std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std
     return x;
 }
 
-// The forms of red, green and blue in every lane, with the exact form's
-// doubles.
-struct WordForms {
-    Arith::Params channel[3];
-    alignas(64) double scale[3][32];
-    alignas(64) double offset[3][32];
-};
-
-// The fast and corrected forms where a is 1 and the offset 0 (gains from 1
-// to 2, as white balance mostly has): a * i is i, and nothing is added.
-inline __m512i UnitFast(__m512i i, const Arith::Params& P, simd::LutParam fraction)
-{
-    return V::Min(V::AddS(i, V::MulHi(i, P.p[fraction])), P.p[simd::kLutLimit]);
-}
-
-inline __m512i UnitCorrected(__m512i i, const Arith::Params& P)
-{
-    const __m512i h = UnitFast(i, P, simd::kLutFh), g = UnitFast(i, P, simd::kLutFl);
-    const __m512i x = V::Add(h, V::MulHi(h, P.p[simd::kLutK]));
-    return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
-}
-
-// One channel through its form: the plan's mode, or (Fast) the fast form,
-// which a corrected plan's channel without correction (kap 0) equals.
-// Unit: every channel has a 1 and offset 0 (fast and corrected forms only).
-template <int Mode, bool Wide, bool Fast, bool Unit>
-inline __m512i EvalChannel(__m512i v, const WordForms& forms, unsigned ch)
-{
-    if constexpr (Unit && (Fast || Mode == 0))
-        return UnitFast(v, forms.channel[ch], simd::kLutFh);
-    else if constexpr (Unit)
-        return UnitCorrected(v, forms.channel[ch]);
-    else if constexpr (Fast)
-        return Arith::Eval<false, false>(v, forms.channel[ch]);
-    else
-        return Arith::EvalWord<Mode, Wide>(v, forms.channel[ch], forms.scale[ch], forms.offset[ch]);
-}
+using WordForms = WordFormsOf<Arith, 32>;
 
 // FastMask: the channels (bit c) a corrected plan evaluates by the fast
 // form. SkipGreen: green's table is the identity below greenBound (a power
@@ -180,10 +145,10 @@ std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std
     return Words48Blocks(
         line, above, below, dst, from, to, phase,
         [&](__m512i(&rgb)[3], __m512i any) {
-            rgb[0] = EvalChannel<Mode, Wide, (FastMask & 1) != 0, Unit>(rgb[0], forms, 0);
+            rgb[0] = EvalChannel<V, Mode, Wide, (FastMask & 1) != 0, Unit>(rgb[0], forms, 0);
             if (!SkipGreen || _mm512_test_epi16_mask(any, aboveGreen) != 0)
-                rgb[1] = EvalChannel<Mode, Wide, (FastMask & 2) != 0, Unit>(rgb[1], forms, 1);
-            rgb[2] = EvalChannel<Mode, Wide, (FastMask & 4) != 0, Unit>(rgb[2], forms, 2);
+                rgb[1] = EvalChannel<V, Mode, Wide, (FastMask & 2) != 0, Unit>(rgb[1], forms, 1);
+            rgb[2] = EvalChannel<V, Mode, Wide, (FastMask & 4) != 0, Unit>(rgb[2], forms, 2);
         },
         [&](unsigned char* d) {
             // Register k starts 32k words, (32k) mod 3 words into a pixel.
@@ -192,76 +157,15 @@ std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std
         });
 }
 
-// Calls run(std::integral_constant<unsigned, mask>) for a mask of bits 0-2;
-// with `Green` false, bit 1 is ignored.
-template <bool Green, class Run>
-inline void WithFastMask(unsigned mask, Run run)
-{
-    using U = unsigned;
-    switch (mask & (Green ? 7u : 5u)) {
-    case 1: run(std::integral_constant<U, 1>{}); break;
-    case 4: run(std::integral_constant<U, 4>{}); break;
-    case 5: run(std::integral_constant<U, 5>{}); break;
-    case 2: if constexpr (Green) run(std::integral_constant<U, 2>{}); break;
-    case 3: if constexpr (Green) run(std::integral_constant<U, 3>{}); break;
-    case 6: if constexpr (Green) run(std::integral_constant<U, 6>{}); break;
-    case 7: if constexpr (Green) run(std::integral_constant<U, 7>{}); break;
-    default: run(std::integral_constant<U, 0>{}); break;
-    }
-}
-
 std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan)
 {
-    WordForms forms;
-    unsigned fastMask = 0;
-    bool unit = true;
-    for (unsigned ch = 0; ch < 3; ++ch) {
-        unit &= plan.lanes[ch][simd::kLutA][0] == 1 && plan.lanes[ch][simd::kLutOff][0] == 0;
-        forms.channel[ch] = Arith::Channel16(plan, ch);
-        for (unsigned j = 0; j < 32; ++j) {
-            forms.scale[ch][j] = plan.scale[ch][0];
-            forms.offset[ch][j] = plan.offset[ch][0];
-        }
-        if (plan.corrected && plan.lanes[ch][simd::kLutK][0] == 0)
-            fastMask |= 1u << ch;
-    }
-    // The largest power of two up to which green is the identity; worth a
-    // test per block from 256 on (blocks hold samples below 2^14 anyway).
-    std::uint32_t greenBound = 1;
-    while (greenBound * 2 <= plan.identityBelow[1] && greenBound < 16384)
-        greenBound *= 2;
-    const bool skipGreen = greenBound >= 256;
-    std::uint32_t x = from;
-    Arith::WithMode16(plan, [&](auto mode, auto wide) {
-        constexpr int kMode = decltype(mode)::value;
-        constexpr bool kWide = decltype(wide)::value;
-        auto withUnit = [&](auto fast, auto skip, auto unitForms) {
-            x = FormedWords48<kMode, kWide, decltype(fast)::value, decltype(skip)::value, decltype(unitForms)::value>(
-                line, above, below, dst, from, to, phase, plan, forms, greenBound);
-        };
-        auto run = [&](auto fast, auto skip) {
-            if constexpr (kMode == 3 || (kMode == 0 && !kWide)) {
-                if (unit) {
-                    withUnit(fast, skip, std::true_type{});
-                    return;
-                }
-            }
-            withUnit(fast, skip, std::false_type{});
-        };
-        if constexpr (kMode == 3) {
-            if (skipGreen)
-                WithFastMask<false>(fastMask, [&](auto fast) { run(fast, std::true_type{}); });
-            else
-                WithFastMask<true>(fastMask, [&](auto fast) { run(fast, std::false_type{}); });
-        } else {
-            if (skipGreen)
-                run(std::integral_constant<unsigned, 0>{}, std::true_type{});
-            else
-                run(std::integral_constant<unsigned, 0>{}, std::false_type{});
-        }
+    return WithWordForms<Arith, 32>(plan, from, [&](auto mode, auto wide, auto fast, auto skip, auto unit,
+                                                  const WordForms& forms, std::uint32_t greenBound) {
+        return FormedWords48<decltype(mode)::value, decltype(wide)::value, decltype(fast)::value,
+                             decltype(skip)::value, decltype(unit)::value>(line, above, below, dst, from, to, phase,
+                                                                           plan, forms, greenBound);
     });
-    return x;
 }
 
 }  // namespace
