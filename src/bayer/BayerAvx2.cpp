@@ -128,7 +128,7 @@ inline void Store48(unsigned char* d, __m128i r, __m128i g, __m128i b)
     }
 }
 
-using WordForms = WordFormsOf<Arith, 16>;
+using WordForms = WordFormsOf<Arith>;
 
 // Sixteen pixels a step. Samples below 2^14 (10- and 12-bit data) are summed
 // in 16-bit lanes (as the SSE2 path does); a block with larger samples takes
@@ -142,8 +142,16 @@ std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std
                             std::uint32_t from, std::uint32_t to, int phase, Forms forms, FormsAfter formsAfter)
 {
     const __m256i high = _mm256_set1_epi16(static_cast<short>(0xC000));
-    std::uint32_t x = from;
-    for (; x + 16 <= to; x += 16) {
+    // Whole blocks; where the rest of the line is an even number of pixels
+    // (the interiors the line walk hands over are), one more block ending
+    // at `to`, over pixels already written: it writes them again with the
+    // same values (every block computes from the source alone), and its
+    // even start keeps the lanes' colours.
+    if (to < from + 16)
+        return from;
+    const std::uint32_t end = (to - from) % 2 == 0 ? to : from + (to - from) / 16 * 16;
+    for (std::uint32_t step = from; step < end; step += 16) {
+        const std::uint32_t x = step + 16 <= end ? step : end - 16;
         const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
         const unsigned char* a = c + above;
         const unsigned char* b = c + below;
@@ -166,7 +174,7 @@ std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std
         Store48(d + 48, _mm256_extracti128_si256(rgb[0], 1), _mm256_extracti128_si256(rgb[1], 1),
                 _mm256_extracti128_si256(rgb[2], 1));
     }
-    return x;
+    return end;
 }
 
 // The identity RGB48 line.
@@ -185,8 +193,9 @@ std::uint32_t BayerWords48Avx2(const unsigned char* line, std::ptrdiff_t above, 
 template <int Mode, bool Wide, unsigned FastMask, bool SkipGreen, bool Unit>
 std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                             std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
-                            const WordForms& forms, std::uint32_t greenBound)
+                            std::uint32_t greenBound)
 {
+    const WordForms forms = MakeWordForms<Arith>(plan);
     const __m256i aboveGreen = _mm256_set1_epi16(static_cast<short>(~(greenBound - 1) & 0xFFFF));
     return Words48Blocks(
         line, above, below, dst, from, to, phase,
@@ -207,11 +216,11 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
                                      unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
                                      const simd::LutFormPlan16& plan)
 {
-    return WithWordForms<Arith, 16>(plan, from, [&](auto mode, auto wide, auto fast, auto skip, auto unit,
-                                                  const WordForms& forms, std::uint32_t greenBound) {
+    return WithWordForms<Arith>(plan, from, [&](auto mode, auto wide, auto fast, auto skip, auto unit,
+                                              std::uint32_t greenBound) {
         return FormedWords48<decltype(mode)::value, decltype(wide)::value, decltype(fast)::value,
                              decltype(skip)::value, decltype(unit)::value>(line, above, below, dst, from, to, phase,
-                                                                           plan, forms, greenBound);
+                                                                           plan, greenBound);
     });
 }
 

@@ -3,8 +3,9 @@
 // BayerSimd.cpp): the AVX2 block of BayerAvx2.cpp on twice the width, 32
 // pixels a step. Filtered lines evaluate each channel's 16-bit table form
 // (simd/LutArith.h) on 512-bit lanes just before the store, which halves
-// the forms' instructions per pixel against the 16-pixel block. What is
-// left of a line after the last 32-pixel block goes to the AVX2 path.
+// the forms' instructions per pixel against the 16-pixel block. A line's
+// last block ends at its end (overlapping the one before); lines of fewer
+// than 32 pixels go to the AVX2 path.
 #include "bayer/BayerPaths.h"
 
 #if defined(__AVX512F__) && defined(__AVX512BW__)
@@ -102,8 +103,16 @@ std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std
     const __m512i blue[3] = {Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[0])),
                              Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[1])),
                              Load(reinterpret_cast<const unsigned char*>(kRgb48Permutes.blue[2]))};
-    std::uint32_t x = from;
-    for (; x + 32 <= to; x += 32) {
+    // Whole blocks; where the rest of the line is an even number of pixels
+    // (the interiors the line walk hands over are), one more block ending
+    // at `to`, over pixels already written: it writes them again with the
+    // same values (every block computes from the source alone), and its
+    // even start keeps the lanes' colours.
+    if (to < from + 32)
+        return from;
+    const std::uint32_t end = (to - from) % 2 == 0 ? to : from + (to - from) / 32 * 32;
+    for (std::uint32_t step = from; step < end; step += 32) {
+        const std::uint32_t x = step + 32 <= end ? step : end - 32;
         const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
         const unsigned char* a = c + above;
         const unsigned char* b = c + below;
@@ -128,10 +137,10 @@ std::uint32_t Words48Blocks(const unsigned char* line, std::ptrdiff_t above, std
                                 _mm512_mask_permutexvar_epi16(rg, kRgb48Permutes.blueMask[k], blue[k], rgb[2]));
         }
     }
-    return x;
+    return end;
 }
 
-using WordForms = WordFormsOf<Arith, 32>;
+using WordForms = WordFormsOf<Arith>;
 
 // FastMask: the channels (bit c) a corrected plan evaluates by the fast
 // form. SkipGreen: green's table is the identity below greenBound (a power
@@ -139,8 +148,9 @@ using WordForms = WordFormsOf<Arith, 32>;
 template <int Mode, bool Wide, unsigned FastMask, bool SkipGreen, bool Unit>
 std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                             std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan,
-                            const WordForms& forms, std::uint32_t greenBound)
+                            std::uint32_t greenBound)
 {
+    const WordForms forms = MakeWordForms<Arith>(plan);
     const __m512i aboveGreen = _mm512_set1_epi16(static_cast<short>(~(greenBound - 1) & 0xFFFF));
     return Words48Blocks(
         line, above, below, dst, from, to, phase,
@@ -160,11 +170,11 @@ std::uint32_t FormedWords48(const unsigned char* line, std::ptrdiff_t above, std
 std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                            std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan16& plan)
 {
-    return WithWordForms<Arith, 32>(plan, from, [&](auto mode, auto wide, auto fast, auto skip, auto unit,
-                                                  const WordForms& forms, std::uint32_t greenBound) {
+    return WithWordForms<Arith>(plan, from, [&](auto mode, auto wide, auto fast, auto skip, auto unit,
+                                              std::uint32_t greenBound) {
         return FormedWords48<decltype(mode)::value, decltype(wide)::value, decltype(fast)::value,
                              decltype(skip)::value, decltype(unit)::value>(line, above, below, dst, from, to, phase,
-                                                                           plan, forms, greenBound);
+                                                                           plan, greenBound);
     });
 }
 

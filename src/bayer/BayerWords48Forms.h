@@ -16,14 +16,31 @@
 namespace zo {
 namespace {
 
-// The forms of red, green and blue in every lane, with the exact form's
-// doubles.
-template <class Arith, unsigned Lanes>
+// The forms of red, green and blue in every lane, and the exact form's
+// doubles in the plan. Made by the function that runs a line's blocks, as
+// a local: the compiler keeps the parameters the variant reads in
+// registers and drops the others. (Copies of every parameter made per line
+// and handed down by reference cost more than the forms themselves: their
+// stores queue behind the previous line's stores to a destination not in
+// the cache.)
+template <class Arith>
 struct WordFormsOf {
     typename Arith::Params channel[3];
-    alignas(64) double scale[3][Lanes];
-    alignas(64) double offset[3][Lanes];
+    const double* scale[3];
+    const double* offset[3];
 };
+
+template <class Arith>
+inline WordFormsOf<Arith> MakeWordForms(const simd::LutFormPlan16& plan)
+{
+    WordFormsOf<Arith> forms;
+    for (unsigned ch = 0; ch < 3; ++ch) {
+        forms.channel[ch] = Arith::Channel16(plan, ch);
+        forms.scale[ch] = plan.channelScale[ch];
+        forms.offset[ch] = plan.channelOffset[ch];
+    }
+    return forms;
+}
 
 // The fast and corrected forms where a is 1 and the offset 0 (gains from 1
 // to 2, as white balance mostly has): a * i is i, and nothing is added.
@@ -45,8 +62,8 @@ inline typename V::T UnitCorrected(typename V::T i, const typename simd::LutArit
 // with the same lanes, which a corrected plan's channel without correction
 // (kap 0) equals: x = h, so nothing is taken back. Unit: every channel has
 // a 1 and offset 0 (fast and corrected forms only).
-template <class V, int Mode, bool Wide, bool Fast, bool Unit, unsigned Lanes>
-inline typename V::T EvalChannel(typename V::T v, const WordFormsOf<simd::LutArith<V>, Lanes>& forms, unsigned ch)
+template <class V, int Mode, bool Wide, bool Fast, bool Unit>
+inline typename V::T EvalChannel(typename V::T v, const WordFormsOf<simd::LutArith<V>>& forms, unsigned ch)
 {
     using Arith = simd::LutArith<V>;
     if constexpr (Unit && (Fast || Mode == 0))
@@ -77,25 +94,19 @@ inline void WithFastMask(unsigned mask, Run run)
     }
 }
 
-// Fills the forms of `plan` and returns blocks(mode, wide, fast, skipGreen,
-// unit, forms, greenBound) for the plan's variant (`from` if it has none): mode and wide as
+// Returns blocks(mode, wide, fast, skipGreen, unit, greenBound) for the
+// plan's variant (`from` if it has none): mode and wide as
 // LutArith::WithMode16 gives them; fast, the mask of the channels a
 // corrected plan evaluates by the fast form; skipGreen, whether green is
 // the identity in blocks whose samples stay below greenBound; unit, whether
 // every channel has slope 1 and no offset (no multiply, no offset add).
-template <class Arith, unsigned Lanes, class Blocks>
+template <class Arith, class Blocks>
 std::uint32_t WithWordForms(const simd::LutFormPlan16& plan, std::uint32_t from, Blocks blocks)
 {
-    WordFormsOf<Arith, Lanes> forms;
     unsigned fastMask = 0;
     bool unit = true;
     for (unsigned ch = 0; ch < 3; ++ch) {
         unit &= plan.lanes[ch][simd::kLutA][0] == 1 && plan.lanes[ch][simd::kLutOff][0] == 0;
-        forms.channel[ch] = Arith::Channel16(plan, ch);
-        for (unsigned j = 0; j < Lanes; ++j) {
-            forms.scale[ch][j] = plan.scale[ch][0];
-            forms.offset[ch][j] = plan.offset[ch][0];
-        }
         if (plan.corrected && plan.lanes[ch][simd::kLutK][0] == 0)
             fastMask |= 1u << ch;
     }
@@ -112,11 +123,11 @@ std::uint32_t WithWordForms(const simd::LutFormPlan16& plan, std::uint32_t from,
         auto run = [&](auto fast, auto skip) {
             if constexpr (kMode == 3 || (kMode == 0 && !kWide)) {
                 if (unit) {
-                    x = blocks(mode, wide, fast, skip, std::true_type{}, forms, greenBound);
+                    x = blocks(mode, wide, fast, skip, std::true_type{}, greenBound);
                     return;
                 }
             }
-            x = blocks(mode, wide, fast, skip, std::false_type{}, forms, greenBound);
+            x = blocks(mode, wide, fast, skip, std::false_type{}, greenBound);
         };
         if constexpr (kMode == 3) {
             if (skipGreen)

@@ -276,11 +276,7 @@ struct LutArith {
     // The parameters of channel c (0 red, 1 green, 2 blue) in every lane.
     static Params Channel16(const LutFormPlan16& plan, unsigned c)
     {
-        // Lane 0 of a register starting c words into a pixel is channel c.
-        Params r;
-        for (unsigned q = 0; q < kLutParamCount; ++q)
-            r.p[q] = V::Set1(plan.lanes[c][q][0]);
-        return r;
+        return Load(plan.channel[c]);
     }
 
     template <int Mode, bool Wide>

@@ -381,6 +381,13 @@ void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, b
             plan.lanes[phase][kLutLimit][j] = plan.general ? f.delta : f.limit;
             plan.scale[phase][j] = f.scale;
             plan.offset[phase][j] = f.off;
+            // Channel `phase` (lane 0 of a register starting `phase` words
+            // into a pixel) in lane j.
+            const LutChannelForm& c = forms[phase];
+            for (unsigned q = 0; q < kLutParamCount; ++q)
+                plan.channel[phase][q][j] = plan.lanes[phase][q][0];
+            plan.channelScale[phase][j] = c.scale;
+            plan.channelOffset[phase][j] = c.off;
         }
 }
 

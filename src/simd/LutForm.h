@@ -120,10 +120,16 @@ struct LutFormPlan8 {
 // it gives every index below this count itself (the entries from 0 up to
 // the first that differs; LutForm16Scope sets both). Kernels whose values
 // in a block all lie below it may leave that channel as it is there.
+// channel[c][q][j], channelScale[c][j], channelOffset[c][j]: channel c's
+// parameters in every lane, for kernels that hold one channel a register
+// (read straight from the plan: nothing to set up per line).
 struct LutFormPlan16 {
     alignas(64) std::uint16_t lanes[3][kLutParamCount][32];
     alignas(64) double scale[3][32];
     alignas(64) double offset[3][32];
+    alignas(64) std::uint16_t channel[3][kLutParamCount][32];
+    alignas(64) double channelScale[3][32];
+    alignas(64) double channelOffset[3][32];
     bool general, wide, exact, corrected;
     bool identity[3];
     std::uint32_t identityBelow[3];
