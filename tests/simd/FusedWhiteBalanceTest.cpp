@@ -173,36 +173,48 @@ const Gains16 kGains16[] = {
     {12, 1.8, 1.0, 1.4, 5, 0, false, true, false, false},    // corrected, red fast with an offset
 };
 
+// Area sizes (at least the per-call plan's 65536 pixels): line interiors of
+// 254 pixels (blocks and a last block overlapping the one before), 98 (32k
+// + 2: the last block overlaps by 30, 16k + 2 at AVX2) and 26 (fewer than
+// one 32-pixel block: the AVX2 block and its overlap).
+struct Area16 {
+    std::uint32_t width, height;
+};
+const Area16 kAreas16[] = {{258, 256}, {102, 643}, {30, 2185}};
+
 TEST(FusedWhiteBalance, Bayer12ToRgb48MatchesTheScalarLevelInEveryForm)
 {
-    constexpr std::uint32_t kWidth = 258, kHeight = 256;  // 66048 pixels
     const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(ZO_PT_BAYER_RGB12, ZO_PT_RGB48);
-    std::mt19937 rng(43);
-    std::vector<std::uint8_t> input =
-        zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
-    // 12-bit samples, 10-bit ones in a band of columns (every line has both).
-    const std::size_t rowBytes = conv.GetSourceByteSize(kWidth);
-    for (std::size_t i = 1; i < input.size(); i += 2)
-        input[i] &= (i % rowBytes) / 2 - 96 < 100 ? 0x03 : 0x0F;
     const std::uint32_t flags = ZO_FLAG_BAYER_BGGR | ZO_FLAG_BAYER_INTERPOLATE;
-    for (const Gains16& g : kGains16) {
-        ZoRGBFilter filter(g.bits);
-        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, 0, g.blueOffset), ZO_OK);
-        if (zo::simd::HostCpuLevel() >= CpuLevel::kAVX2) {  // the forms planned at the host's level
-            const zotest::CpuCeilingScope ceiling(zo::simd::HostCpuLevel());
-            const zo::simd::LutForm16Scope scope(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16(),
-                                                 true);
-            const zo::simd::LutFormPlan16* plan =
-                scope.Plan(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16());
-            ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
-            EXPECT_EQ(plan->exact, g.exact) << g.red << " " << g.green << " " << g.blue;
-            EXPECT_EQ(plan->corrected, g.corrected) << g.red << " " << g.green << " " << g.blue;
-            EXPECT_EQ(plan->general, g.general) << g.red << " " << g.green << " " << g.blue;
-            EXPECT_EQ(plan->wide, g.wide) << g.red << " " << g.green << " " << g.blue;
+    for (const Area16& area : kAreas16) {
+        const std::uint32_t kWidth = area.width, kHeight = area.height;
+        std::mt19937 rng(43);
+        std::vector<std::uint8_t> input =
+            zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(kWidth)) * (kHeight + 1) + 64, rng);
+        // 12-bit samples, 10-bit ones in a band of columns (in the widest
+        // area every line has both).
+        const std::size_t rowBytes = conv.GetSourceByteSize(kWidth);
+        for (std::size_t i = 1; i < input.size(); i += 2)
+            input[i] &= (i % rowBytes) / 2 - 96 < 100 ? 0x03 : 0x0F;
+        for (const Gains16& g : kGains16) {
+            ZoRGBFilter filter(g.bits);
+            ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue, g.redOffset, 0, g.blueOffset), ZO_OK);
+            if (zo::simd::HostCpuLevel() >= CpuLevel::kAVX2) {  // the forms planned at the host's level
+                const zotest::CpuCeilingScope ceiling(zo::simd::HostCpuLevel());
+                const zo::simd::LutForm16Scope scope(filter.RedTable16(), filter.GreenTable16(),
+                                                     filter.BlueTable16(), true);
+                const zo::simd::LutFormPlan16* plan =
+                    scope.Plan(filter.RedTable16(), filter.GreenTable16(), filter.BlueTable16());
+                ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->exact, g.exact) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->corrected, g.corrected) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->general, g.general) << g.red << " " << g.green << " " << g.blue;
+                EXPECT_EQ(plan->wide, g.wide) << g.red << " " << g.green << " " << g.blue;
+            }
+            std::ostringstream what;
+            what << kWidth << " x " << kHeight << ", gains " << g.red << " " << g.green << " " << g.blue;
+            ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, flags, what.str());
         }
-        std::ostringstream what;
-        what << "gains " << g.red << " " << g.green << " " << g.blue;
-        ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, flags, what.str());
     }
 }
 
