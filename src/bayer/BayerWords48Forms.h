@@ -19,10 +19,9 @@ namespace {
 // The forms of red, green and blue in every lane, and the exact form's
 // doubles in the plan. Made by the function that runs a line's blocks, as
 // a local: the compiler keeps the parameters the variant reads in
-// registers and drops the others. (Copies of every parameter made per line
-// and handed down by reference cost more than the forms themselves: their
-// stores queue behind the previous line's stores to a destination not in
-// the cache.)
+// registers and drops the others. (A copy of every parameter and of 192
+// doubles made per line and handed down by reference measured slower than
+// the forms themselves at 1920 pixels a line.)
 template <class Arith>
 struct WordFormsOf {
     typename Arith::Params channel[3];
