@@ -35,7 +35,9 @@ inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 }
 
 // Sixteen pixels of each 128-bit lane as 16-bit lanes (see BayerHalf).
-inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
+// Always inlined: a call passes its nine registers through memory, which a
+// file instantiating many blocks (one per table form) would otherwise get.
+inline __attribute__((always_inline)) void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
                  __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
 {
     const __m256i v = _mm256_add_epi16(a1, b1);

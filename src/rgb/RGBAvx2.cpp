@@ -137,7 +137,7 @@ template <int Mode>
 inline __m256i EvalBytes(__m256i x, const Arith::Params& forms)
 {
     const __m256i r = Arith::EvalFixed<Mode>(x, forms);
-    if constexpr (Mode == 4 || Mode == 5)
+    if constexpr (Mode >= 4)
         return _mm256_min_epu16(r, _mm256_set1_epi16(255));
     else
         return r;
@@ -180,8 +180,12 @@ std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, st
     if (plan.pixelBytes != 4)
         return 0;
     std::uint32_t done = 0;
-    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
-        done = ThreeToFourFormedRun<decltype(mode)::value, decltype(green)::value>(s, d, n, blueFirst, plan, stream);
+    // Bytes 0 and 2 share a register: the corrected unit form where either
+    // needs it (it gives a fast channel's bytes too).
+    Arith::WithChannelModes(plan, 0, [&](auto first, auto middle, auto third) {
+        constexpr int kOuter = decltype(first)::value > decltype(third)::value ? decltype(first)::value
+                                                                               : decltype(third)::value;
+        done = ThreeToFourFormedRun<kOuter, (decltype(middle)::value >= 0)>(s, d, n, blueFirst, plan, stream);
     });
     return done;
 }

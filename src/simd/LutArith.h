@@ -106,12 +106,39 @@ struct LutArith {
         return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
     }
 
+    // The saturating forms of a channel whose slope a is 1 and offset 0
+    // (gains from 1 up to 2, as white balance mostly has): a*i is i, no
+    // multiply-low, and with mh = MulHi(i, fh), mg = MulHi(i, fg)
+    //   fast:      r = i + mh
+    //   corrected: h = i + mh, r = h - min(mh - mg, sat(x ^ h - h)),
+    //              x = h + h*kap/2^16
+    // (h - g = mh - mg). Nothing saturates for i < 32768, so both equal
+    // EvalFastSaturating and EvalCorrectedSaturating there: on bytes, and on
+    // values past 255 (lanes that are not clamped first), which stay past 254
+    // and pack to 255, the last entry of every saturating table.
+    template <bool Corrected>
+    static T EvalUnit(T i, const Params& P)
+    {
+        const T mh = V::MulHi(i, P.p[kLutFh]);
+        const T h = V::Add(i, mh);
+        if constexpr (Corrected) {
+            const T d = V::Sub(mh, V::MulHi(i, P.p[kLutFl]));
+            const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+            return V::Sub(h, V::Min(d, V::SubS(V::Xor(x, h), h)));
+        } else {
+            return h;
+        }
+    }
+
     // Mode: 0 fast, 1 general, 3 corrected, 4 fast and 5 corrected
-    // saturating (fixed-point: one-multiply fraction).
+    // saturating (fixed-point: one-multiply fraction); 6 and 7: the fast and
+    // corrected unit-slope forms (EvalUnit).
     template <int Mode>
     static T EvalFixed(T i, const Params& P)
     {
-        if constexpr (Mode == 3)
+        if constexpr (Mode == 6 || Mode == 7)
+            return EvalUnit<Mode == 7>(i, P);
+        else if constexpr (Mode == 3)
             return EvalCorrected(i, P);
         else if constexpr (Mode == 4)
             return EvalFastSaturating(i, P);
@@ -223,6 +250,49 @@ struct LutArith {
                 run(mode, std::false_type{});
             else
                 run(mode, std::true_type{});
+        });
+    }
+
+    // Whether the channel at byte `position` of a pixel takes a unit-slope
+    // form (EvalUnit) in a saturating plan, and whether the corrected one
+    // (else its fast form gives its bytes: fg = fh, kap = 0).
+    static bool UnitChannel(const LutFormPlan8& plan, unsigned position)
+    {
+        const std::uint16_t(&lanes)[kLutParamCount][32] = plan.lanes[0][0];
+        return plan.saturating && lanes[kLutA][position] == 1 && lanes[kLutOff][position] == 0;
+    }
+    static bool CorrectedChannel(const LutFormPlan8& plan, unsigned position)
+    {
+        const std::uint16_t(&lanes)[kLutParamCount][32] = plan.lanes[0][0];
+        return plan.corrected && (lanes[kLutK][position] != 0 || lanes[kLutFl][position] != lanes[kLutFh][position]);
+    }
+
+    // For kernels that hold the channels apart: calls run(red, green, blue)
+    // with each channel's EvalFixed mode (std::integral_constant; -1: green's
+    // table is the identity, left as it is), from a plan with red at byte
+    // redIndex. Where green is the identity and red and blue have unit
+    // slopes, each takes its own unit form (6 fast, 7 corrected); else all
+    // take WithMode's mode.
+    template <class Run>
+    static void WithChannelModes(const LutFormPlan8& plan, unsigned redIndex, Run run)
+    {
+        const unsigned blueIndex = 2 - redIndex;
+        using Skip = std::integral_constant<int, -1>;
+        if (plan.identity[1] && UnitChannel(plan, redIndex) && UnitChannel(plan, blueIndex)) {
+            using Fast = std::integral_constant<int, 6>;
+            using Corrected = std::integral_constant<int, 7>;
+            const bool red = CorrectedChannel(plan, redIndex), blue = CorrectedChannel(plan, blueIndex);
+            if (red)
+                blue ? run(Corrected{}, Skip{}, Corrected{}) : run(Corrected{}, Skip{}, Fast{});
+            else
+                blue ? run(Fast{}, Skip{}, Corrected{}) : run(Fast{}, Skip{}, Fast{});
+            return;
+        }
+        WithModeAndGreen(plan, [&](auto mode, auto green) {
+            if constexpr (decltype(green)::value)
+                run(mode, mode, mode);
+            else
+                run(mode, Skip{}, mode);
         });
     }
 

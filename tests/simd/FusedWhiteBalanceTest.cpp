@@ -74,6 +74,15 @@ const Gains kGains[] = {
     {1.8, 1.2, 1.6, 0, 0, 0, Mode::kFastSaturating},
     {1.8, 1.4, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
     {1.8, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},  // green the identity, skipped
+    // Slopes of 1 (and green the identity): each of red and blue its own
+    // unit form, fast or corrected; red the identity itself.
+    {1.4, 1.0, 1.8, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.4, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.6, 1.0, 1.2, 0, 0, 0, Mode::kFastSaturating},
+    {1.0, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    // Not unit forms: an offset, a slope of 2.
+    {1.8, 1.0, 1.6, 3, 0, 0, Mode::kFastSaturating},
+    {2.2, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
 };
 
 TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
