@@ -132,12 +132,13 @@ Arith::Params PairForms(const LutFormPlan8& plan, unsigned even, unsigned odd)
 
 // Form `Mode` (Arith::EvalFixed) on 16-bit lanes holding bytes; a
 // saturating form leaves lanes past 255, which are clamped to 255 (the
-// entry every such table ends with).
+// entry every such table ends with); the unit forms (6, 7) saturate
+// themselves.
 template <int Mode>
 inline __m256i EvalBytes(__m256i x, const Arith::Params& forms)
 {
     const __m256i r = Arith::EvalFixed<Mode>(x, forms);
-    if constexpr (Mode >= 4)
+    if constexpr (Mode == 4 || Mode == 5)
         return _mm256_min_epu16(r, _mm256_set1_epi16(255));
     else
         return r;

@@ -106,25 +106,24 @@ struct LutArith {
         return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
     }
 
-    // The saturating forms of a channel whose slope a is 1 and offset 0
-    // (gains from 1 up to 2, as white balance mostly has): a*i is i, no
-    // multiply-low, and with mh = MulHi(i, fh), mg = MulHi(i, fg)
-    //   fast:      r = i + mh
-    //   corrected: h = i + mh, r = h - min(mh - mg, sat(x ^ h - h)),
-    //              x = h + h*kap/2^16
-    // (h - g = mh - mg). Nothing saturates for i < 32768, so both equal
-    // EvalFastSaturating and EvalCorrectedSaturating there: on bytes, and on
-    // values past 255 (lanes that are not clamped first), which stay past 254
-    // and pack to 255, the last entry of every saturating table.
+    // The unit forms of a byte table with slope a = 1 and offset 0 (gains
+    // from 1 up to 2, as white balance mostly has; LutFormPlan8::unit says
+    // where they hold): a*i is i, no multiply-low; the sums saturate to 255
+    // byte-wise (no clamp after them; i and the lanes below 256); the
+    // corrected form picks g where x passed the power of two above h instead
+    // of taking back min(h - g, ...):
+    //   fast:      h = sat8(i + MulHi(i, fh))
+    //   corrected: g = sat8(i + MulHi(i, fg)), x = h + h*kap/2^16,
+    //              r = x ^ h > h ? g : h
+    // (EvalLutUnit8; needs AddS8, Greater (signed) and Select from V).
     template <bool Corrected>
     static T EvalUnit(T i, const Params& P)
     {
-        const T mh = V::MulHi(i, P.p[kLutFh]);
-        const T h = V::Add(i, mh);
+        const T h = V::AddS8(i, V::MulHi(i, P.p[kLutFh]));
         if constexpr (Corrected) {
-            const T d = V::Sub(mh, V::MulHi(i, P.p[kLutFl]));
+            const T g = V::AddS8(i, V::MulHi(i, P.p[kLutFl]));
             const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
-            return V::Sub(h, V::Min(d, V::SubS(V::Xor(x, h), h)));
+            return V::Select(V::Greater(V::Xor(x, h), h), g, h);
         } else {
             return h;
         }
@@ -253,14 +252,9 @@ struct LutArith {
         });
     }
 
-    // Whether the channel at byte `position` of a pixel takes a unit-slope
-    // form (EvalUnit) in a saturating plan, and whether the corrected one
-    // (else its fast form gives its bytes: fg = fh, kap = 0).
-    static bool UnitChannel(const LutFormPlan8& plan, unsigned position)
-    {
-        const std::uint16_t(&lanes)[kLutParamCount][32] = plan.lanes[0][0];
-        return plan.saturating && lanes[kLutA][position] == 1 && lanes[kLutOff][position] == 0;
-    }
+    // Whether the unit form of the channel at byte `position` of a pixel
+    // (which gives its bytes, LutFormPlan8::unit) is the corrected one (else
+    // the fast one is: fg = fh, kap = 0).
     static bool CorrectedChannel(const LutFormPlan8& plan, unsigned position)
     {
         const std::uint16_t(&lanes)[kLutParamCount][32] = plan.lanes[0][0];
@@ -270,15 +264,15 @@ struct LutArith {
     // For kernels that hold the channels apart: calls run(red, green, blue)
     // with each channel's EvalFixed mode (std::integral_constant; -1: green's
     // table is the identity, left as it is), from a plan with red at byte
-    // redIndex. Where green is the identity and red and blue have unit
-    // slopes, each takes its own unit form (6 fast, 7 corrected); else all
-    // take WithMode's mode.
+    // redIndex. Where green is the identity and red and blue have unit forms,
+    // each takes its own (6 fast, 7 corrected); else all take WithMode's
+    // mode. The unit forms take indices below 256 only.
     template <class Run>
     static void WithChannelModes(const LutFormPlan8& plan, unsigned redIndex, Run run)
     {
         const unsigned blueIndex = 2 - redIndex;
         using Skip = std::integral_constant<int, -1>;
-        if (plan.identity[1] && UnitChannel(plan, redIndex) && UnitChannel(plan, blueIndex)) {
+        if (plan.identity[1] && plan.unit[redIndex] && plan.unit[blueIndex]) {
             using Fast = std::integral_constant<int, 6>;
             using Corrected = std::integral_constant<int, 7>;
             const bool red = CorrectedChannel(plan, redIndex), blue = CorrectedChannel(plan, blueIndex);

@@ -325,9 +325,7 @@ using ChannelForms = Arith::Channels;
 // As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
 // clamped to 0-255 (what the pack does) and evaluated through its table's
 // form (Arith::EvalFixed mode; -1: the identity, not evaluated) before the
-// pack. The unit-slope forms (modes 6 and 7) take values past 255 as they
-// are: they give at least 255 there, which the pack clamps to the tables'
-// last entry, 255.
+// pack.
 template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                  const ChannelForms& forms)
@@ -338,8 +336,6 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
         constexpr int kMode = decltype(mode)::value;
         if constexpr (kMode < 0)
             return v;
-        else if constexpr (kMode >= 6)
-            return Arith::EvalFixed<kMode>(_mm256_max_epi16(v, zero), form);
         else
             return Arith::EvalFixed<kMode>(_mm256_min_epi16(_mm256_max_epi16(v, zero), top), form);
     };
