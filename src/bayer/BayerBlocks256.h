@@ -64,8 +64,9 @@ inline __attribute__((always_inline)) void Half(__m256i a0, __m256i a1, __m256i 
 
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 
-// Converts pixels from, from + 32, ... while a block fits before `to` and
-// returns where it stopped (see BayerPaths.h).
+// Converts pixels from, from + 32, ... while a block fits before `to` (and
+// the last block that fits, see below) and returns where it stopped (see
+// BayerPaths.h; an even number of pixels past `from`).
 template <unsigned Bytes, bool BlueFirst, class Widened, class Packed>
 std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                         std::uint32_t from, std::uint32_t to, int phase, Widened widened, Packed packed)
@@ -78,7 +79,21 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
     // A 24-bit block writes four bytes past its last pixel: keep two pixels
     // of room before `to`.
     const std::uint32_t room = Bytes == 3 ? 34 : 32;
-    for (; x + room <= to; x += 32) {
+    for (;; x += 32) {
+        if (x + room > to) {
+            // Where a block ran and fewer than 32 pixels are left, one more
+            // block that ends `room` before `to`, on the parity of `from`
+            // (the phase's), overlapping the last one: it writes the same
+            // bytes there, and the caller's pixel loop is left two pixels
+            // at most instead of up to 33.
+            if (x == from)
+                break;
+            std::uint32_t last = to - room;
+            last -= (last - from) & 1;
+            if (last + 32 <= x)
+                break;
+            x = last;
+        }
         const unsigned char* a = line + above + x;
         const unsigned char* c = line + x;
         const unsigned char* b = line + below + x;
