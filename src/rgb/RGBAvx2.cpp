@@ -11,7 +11,6 @@
 #include <immintrin.h>
 
 #include <cstddef>
-#include <cstring>
 
 #include "core/StreamGroups.h"
 #include "simd/LutArith.h"
@@ -197,12 +196,15 @@ __m256i ChannelWords(unsigned at, bool second)
 // channels at destination bytes 0 and 2 of sixteen pixels gathered in one
 // register each, so that each is evaluated in its own form once (a fast
 // channel costs two operations, the corrected one nine), then interleaved
-// back with the middle bytes. The loads end 8 bytes past the step.
+// back with the middle bytes. The loads end with the step's 48 bytes; a
+// line of 16 pixels or more ends with a step on its last 16 pixels
+// (overlapping the one before, whose bytes it writes again).
 template <int First, int Third>
 std::uint32_t ThreeToFourUnitRun(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                  const LutFormPlan8& plan, bool stream)
 {
-    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6);
+    // The second load starts 16 bytes into the step: pixel 8 at dword 2.
+    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6), lanes2 = _mm256_setr_epi32(2, 3, 4, 5, 5, 6, 7, 7);
     const unsigned firstAt = blueFirst ? 2 : 0, thirdAt = 2 - firstAt;
     const __m256i first0 = ChannelWords(firstAt, false), first1 = ChannelWords(firstAt, true);
     const __m256i third0 = ChannelWords(thirdAt, false), third1 = ChannelWords(thirdAt, true);
@@ -210,12 +212,12 @@ std::uint32_t ThreeToFourUnitRun(const unsigned char* s, unsigned char* d, std::
                                             Z, 1, Z, Z, Z, 4, Z, Z, Z, 7, Z, Z, Z, 10, Z, Z);
     const Arith::Params firstForm = Arith::Channel(plan, 0), thirdForm = Arith::Channel(plan, 2);
     const std::uint64_t inEnd = std::uint64_t(n) * 3;
-    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 56 <= inEnd; };
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 48 <= inEnd; };
     auto step = [&](std::uint32_t i, auto streaming) {
         const unsigned char* p = s + std::size_t(i) * 3;
         const __m256i a = _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)), lanes);
         const __m256i b =
-            _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 24)), lanes);
+            _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 16)), lanes2);
         // Lane 0: pixels 0-3 and 8-11, lane 1: 4-7 and 12-15.
         const __m256i x = Arith::EvalFixed<First>(
             _mm256_or_si256(_mm256_shuffle_epi8(a, first0), _mm256_shuffle_epi8(b, first1)), firstForm);
@@ -225,27 +227,11 @@ std::uint32_t ThreeToFourUnitRun(const unsigned char* s, unsigned char* d, std::
         Store(q, _mm256_or_si256(_mm256_unpacklo_epi16(x, y), _mm256_shuffle_epi8(a, middle)), streaming);
         Store(q + 32, _mm256_or_si256(_mm256_unpackhi_epi16(x, y), _mm256_shuffle_epi8(b, middle)), streaming);
     };
-    return RunGroups<16, 4>(d, stream, fits, step);
-}
-
-// The pixels a formed run leaves (its loads read past its last step) through
-// steps on copies: sixteen source pixels copied into a zeroed buffer with
-// room for the loads, converted into a buffer, the converted bytes copied
-// out. `run(s, d, n)` converts what it can of n pixels with ordinary stores.
-template <class Run>
-std::uint32_t FinishThroughCopies(const unsigned char* s, unsigned char* d, std::uint32_t done, std::uint32_t n,
-                                  Run run)
-{
-    while (done < n) {
-        alignas(32) unsigned char in[16 * 3 + 32] = {}, out[16 * 4];
-        const std::uint32_t count = n - done < 16 ? n - done : 16;
-        std::memcpy(in, s + std::size_t(done) * 3, std::size_t(count) * 3);
-        if (run(in, out, std::uint32_t(sizeof in / 3)) < count)
-            break;
-        std::memcpy(d + std::size_t(done) * 4, out, std::size_t(count) * 4);
-        done += count;
-    }
-    return done;
+    const std::uint32_t done = RunGroups<16, 4>(d, stream, fits, step);
+    if (done == 0 || done == n)
+        return done;
+    step(n - 16, OrdinaryStores{});
+    return n;
 }
 
 std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
@@ -257,21 +243,14 @@ std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, st
     // Bytes 0 and 2 share a register: the corrected unit form where either
     // needs it (it gives a fast channel's bytes too).
     Arith::WithChannelModes(plan, 0, [&](auto first, auto middle, auto third) {
-        auto run = [&](const unsigned char* from, unsigned char* to, std::uint32_t count, bool streaming) {
-            if constexpr (decltype(first)::value >= 6) {
-                return ThreeToFourUnitRun<decltype(first)::value, decltype(third)::value>(from, to, count, blueFirst,
-                                                                                        plan, streaming);
-            } else {
-                constexpr int kOuter = decltype(first)::value > decltype(third)::value ? decltype(first)::value
-                                                                                       : decltype(third)::value;
-                return ThreeToFourFormedRun<kOuter, (decltype(middle)::value >= 0)>(from, to, count, blueFirst, plan,
-                                                                                   streaming);
-            }
-        };
-        done = FinishThroughCopies(s, d, run(s, d, n, stream), n, [&](const unsigned char* from, unsigned char* to,
-                                                                     std::uint32_t count) {
-            return run(from, to, count, false);
-        });
+        if constexpr (decltype(first)::value >= 6) {
+            done = ThreeToFourUnitRun<decltype(first)::value, decltype(third)::value>(s, d, n, blueFirst, plan,
+                                                                                    stream);
+        } else {
+            constexpr int kOuter = decltype(first)::value > decltype(third)::value ? decltype(first)::value
+                                                                                   : decltype(third)::value;
+            done = ThreeToFourFormedRun<kOuter, (decltype(middle)::value >= 0)>(s, d, n, blueFirst, plan, stream);
+        }
     });
     return done;
 }
