@@ -35,10 +35,12 @@ inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 }
 
 // Sixteen pixels of each 128-bit lane as 16-bit lanes (see BayerHalf).
-// Always inlined: a call passes its nine registers through memory, which a
-// file instantiating many blocks (one per table form) would otherwise get.
-inline __attribute__((always_inline)) void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
-                 __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
+// Always inlined into the 8-bit block: a call passes its nine registers
+// through memory, which a file instantiating many blocks (one per table
+// form) would otherwise get. Half: the same where the compiler chooses.
+inline __attribute__((always_inline)) void HalfInlined(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1,
+                                                       __m256i c2, __m256i b0, __m256i b1, __m256i b2, int phase,
+                                                       __m256i& r, __m256i& g, __m256i& b)
 {
     const __m256i v = _mm256_add_epi16(a1, b1);
     const __m256i h = _mm256_add_epi16(c0, c2);
@@ -60,6 +62,12 @@ inline __attribute__((always_inline)) void Half(__m256i a0, __m256i a1, __m256i 
         r = phase == 2 ? own : other;
         b = phase == 2 ? other : own;
     }
+}
+
+inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
+                 __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
+{
+    HalfInlined(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
@@ -87,11 +95,11 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
         const __m256i c0 = Load(c - 1), c1 = Load(c), c2 = Load(c + 1);
         const __m256i b0 = Load(b - 1), b1 = Load(b), b2 = Load(b + 1);
         __m256i rl, gl, bl, rh, gh, bh;
-        Half(_mm256_unpacklo_epi8(a0, zero), _mm256_unpacklo_epi8(a1, zero), _mm256_unpacklo_epi8(a2, zero),
+        HalfInlined(_mm256_unpacklo_epi8(a0, zero), _mm256_unpacklo_epi8(a1, zero), _mm256_unpacklo_epi8(a2, zero),
              _mm256_unpacklo_epi8(c0, zero), _mm256_unpacklo_epi8(c1, zero), _mm256_unpacklo_epi8(c2, zero),
              _mm256_unpacklo_epi8(b0, zero), _mm256_unpacklo_epi8(b1, zero), _mm256_unpacklo_epi8(b2, zero), phase,
              rl, gl, bl);
-        Half(_mm256_unpackhi_epi8(a0, zero), _mm256_unpackhi_epi8(a1, zero), _mm256_unpackhi_epi8(a2, zero),
+        HalfInlined(_mm256_unpackhi_epi8(a0, zero), _mm256_unpackhi_epi8(a1, zero), _mm256_unpackhi_epi8(a2, zero),
              _mm256_unpackhi_epi8(c0, zero), _mm256_unpackhi_epi8(c1, zero), _mm256_unpackhi_epi8(c2, zero),
              _mm256_unpackhi_epi8(b0, zero), _mm256_unpackhi_epi8(b1, zero), _mm256_unpackhi_epi8(b2, zero), phase,
              rh, gh, bh);
