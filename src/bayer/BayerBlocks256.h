@@ -72,9 +72,9 @@ inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m
 
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 
-// Converts pixels from, from + 32, ... while a block fits before `to` (and,
-// 32-bit pixels, one block ending there, see below) and returns where it
-// stopped (see BayerPaths.h; an even number of pixels past `from`).
+// Converts pixels from, from + 32, ... while a block fits before `to` (and
+// one block ending there, see below) and returns where it stopped (see
+// BayerPaths.h; an even number of pixels past `from`).
 template <unsigned Bytes, bool BlueFirst, class Widened, class Packed>
 std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                         std::uint32_t from, std::uint32_t to, int phase, Widened widened, Packed packed)
@@ -136,13 +136,11 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
     std::uint32_t x = from;
     for (; x + room <= to; x += 32)
         block(x);
-    // 32-bit pixels: where a block ran and fewer than 32 pixels are left, one
-    // more block that ends at `to`, on the parity of `from` (the phase's),
+    // Where a block ran and fewer than 32 pixels are left, one more block
+    // that ends `room` before `to`, on the parity of `from` (the phase's),
     // overlapping the last one: it writes the same bytes there, and the
-    // caller's pixel loop is left one pixel at most instead of up to 31.
-    // (24-bit blocks measured slower so: their 16-byte stores, 12 bytes
-    // apart, rewriting bytes just stored.)
-    if (Bytes == 4 && x > from && x < to) {
+    // caller's pixel loop is left two pixels at most instead of up to 33.
+    if (x > from && x < to) {
         std::uint32_t last = to - room;
         last -= (last - from) & 1;
         if (last + 32 > x) {
