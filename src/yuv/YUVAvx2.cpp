@@ -334,10 +334,17 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
     const __m256i top = _mm256_set1_epi16(255);
     auto eval = [&](__m256i v, const Arith::Params& form, auto mode) {
         constexpr int kMode = decltype(mode)::value;
-        if constexpr (kMode < 0)
+        if constexpr (kMode < 0) {
             return v;
-        else
+        } else if constexpr (kMode == 6) {
+            // The fast unit form without the clamp to 255 and its byte-wise
+            // saturation: i + MulHi(i, fh) passes 255 exactly where the
+            // table's entry is 255 (its last), which the pack gives.
+            const __m256i i = _mm256_max_epi16(v, zero);
+            return _mm256_add_epi16(i, _mm256_mulhi_epu16(i, form.p[simd::kLutFh]));
+        } else {
             return Arith::EvalFixed<kMode>(_mm256_min_epi16(_mm256_max_epi16(v, zero), top), form);
+        }
     };
     const std::uint32_t steps = pairs / 8;
     for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
