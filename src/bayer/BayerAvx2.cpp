@@ -24,30 +24,34 @@ using Arith = simd::LutArith<simd::V256>;
 // The forms of red, green and blue, each broadcast to every lane.
 using ChannelForms = Arith::Channels;
 
-// Mode: -1 the identity, else the form's mode (Arith::EvalFixed; `forms`
-// read only then); Green false: green's table is the identity (as white
-// balance usually leaves it) and is not evaluated.
-template <unsigned Bytes, bool BlueFirst, int Mode = -1, bool Green = true>
+// Red, Green, Blue: each channel's form (Arith::EvalFixed mode; `forms`
+// read only then), -1 the identity, not evaluated (green's table, as white
+// balance usually leaves it; all three: the identity line).
+template <unsigned Bytes, bool BlueFirst, int Red = -1, int Green = -1, int Blue = -1>
 std::uint32_t Blocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                      std::uint32_t from, std::uint32_t to, int phase, const ChannelForms* forms = nullptr)
 {
-    if constexpr (Mode < 0) {
+    if constexpr (Red < 0 && Green < 0 && Blue < 0) {
         (void)forms;
         return Blocks256<Bytes, BlueFirst>(line, above, below, dst, from, to, phase, KeepWidened{}, KeepPacked{});
     } else {
         return Blocks256<Bytes, BlueFirst>(
             line, above, below, dst, from, to, phase,
             [forms](__m256i& rl, __m256i& gl, __m256i& bl, __m256i& rh, __m256i& gh, __m256i& bh) {
-                rl = Arith::EvalFixed<Mode>(rl, forms->red);
-                rh = Arith::EvalFixed<Mode>(rh, forms->red);
-                if constexpr (Green) {
-                    gl = Arith::EvalFixed<Mode>(gl, forms->green);
-                    gh = Arith::EvalFixed<Mode>(gh, forms->green);
+                if constexpr (Red >= 0) {
+                    rl = Arith::EvalFixed<Red>(rl, forms->red);
+                    rh = Arith::EvalFixed<Red>(rh, forms->red);
+                }
+                if constexpr (Green >= 0) {
+                    gl = Arith::EvalFixed<Green>(gl, forms->green);
+                    gh = Arith::EvalFixed<Green>(gh, forms->green);
                 } else {
                     (void)gl, (void)gh;
                 }
-                bl = Arith::EvalFixed<Mode>(bl, forms->blue);
-                bh = Arith::EvalFixed<Mode>(bh, forms->blue);
+                if constexpr (Blue >= 0) {
+                    bl = Arith::EvalFixed<Blue>(bl, forms->blue);
+                    bh = Arith::EvalFixed<Blue>(bh, forms->blue);
+                }
             },
             KeepPacked{});
     }
@@ -73,9 +77,9 @@ std::uint32_t FormedBlocks(const unsigned char* line, std::ptrdiff_t above, std:
     // The plan is in byte order of the layout: blue first for BGR.
     const ChannelForms forms = Arith::ChannelsOf(plan, BlueFirst ? 2 : 0);
     std::uint32_t x = from;
-    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
-        x = Blocks<Bytes, BlueFirst, decltype(mode)::value, decltype(green)::value>(line, above, below, dst, from, to,
-                                                                                  phase, &forms);
+    Arith::WithChannelModes(plan, BlueFirst ? 2 : 0, [&](auto red, auto green, auto blue) {
+        x = Blocks<Bytes, BlueFirst, decltype(red)::value, decltype(green)::value, decltype(blue)::value>(
+            line, above, below, dst, from, to, phase, &forms);
     });
     return x;
 }

@@ -35,8 +35,12 @@ inline __m256i Pick(__m256i evenValue, __m256i oddValue)
 }
 
 // Sixteen pixels of each 128-bit lane as 16-bit lanes (see BayerHalf).
-inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
-                 __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
+// Always inlined into the 8-bit block: a call passes its nine registers
+// through memory, which a file instantiating many blocks (one per table
+// form) would otherwise get. Half: the same where the compiler chooses.
+inline __attribute__((always_inline)) void HalfInlined(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1,
+                                                       __m256i c2, __m256i b0, __m256i b1, __m256i b2, int phase,
+                                                       __m256i& r, __m256i& g, __m256i& b)
 {
     const __m256i v = _mm256_add_epi16(a1, b1);
     const __m256i h = _mm256_add_epi16(c0, c2);
@@ -60,10 +64,17 @@ inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m
     }
 }
 
+inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,
+                 __m256i b2, int phase, __m256i& r, __m256i& g, __m256i& b)
+{
+    HalfInlined(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
+}
+
 inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
 
-// Converts pixels from, from + 32, ... while a block fits before `to` and
-// returns where it stopped (see BayerPaths.h).
+// Converts pixels from, from + 32, ... while a block fits before `to` (and
+// one block ending there, see below) and returns where it stopped (see
+// BayerPaths.h; an even number of pixels past `from`).
 template <unsigned Bytes, bool BlueFirst, class Widened, class Packed>
 std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                         std::uint32_t from, std::uint32_t to, int phase, Widened widened, Packed packed)
@@ -72,11 +83,11 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
     // 4-byte pixels to 3-byte pixels within each 128-bit lane (12 bytes).
     const __m256i compress = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, 0, 1, 2, 4, 5,
                                               6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    std::uint32_t x = from;
     // A 24-bit block writes four bytes past its last pixel: keep two pixels
     // of room before `to`.
     const std::uint32_t room = Bytes == 3 ? 34 : 32;
-    for (; x + room <= to; x += 32) {
+    // One block at pixel x (always inlined: called twice below).
+    auto block = [&](std::uint32_t x) __attribute__((always_inline)) {
         const unsigned char* a = line + above + x;
         const unsigned char* c = line + x;
         const unsigned char* b = line + below + x;
@@ -84,11 +95,11 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
         const __m256i c0 = Load(c - 1), c1 = Load(c), c2 = Load(c + 1);
         const __m256i b0 = Load(b - 1), b1 = Load(b), b2 = Load(b + 1);
         __m256i rl, gl, bl, rh, gh, bh;
-        Half(_mm256_unpacklo_epi8(a0, zero), _mm256_unpacklo_epi8(a1, zero), _mm256_unpacklo_epi8(a2, zero),
+        HalfInlined(_mm256_unpacklo_epi8(a0, zero), _mm256_unpacklo_epi8(a1, zero), _mm256_unpacklo_epi8(a2, zero),
              _mm256_unpacklo_epi8(c0, zero), _mm256_unpacklo_epi8(c1, zero), _mm256_unpacklo_epi8(c2, zero),
              _mm256_unpacklo_epi8(b0, zero), _mm256_unpacklo_epi8(b1, zero), _mm256_unpacklo_epi8(b2, zero), phase,
              rl, gl, bl);
-        Half(_mm256_unpackhi_epi8(a0, zero), _mm256_unpackhi_epi8(a1, zero), _mm256_unpackhi_epi8(a2, zero),
+        HalfInlined(_mm256_unpackhi_epi8(a0, zero), _mm256_unpackhi_epi8(a1, zero), _mm256_unpackhi_epi8(a2, zero),
              _mm256_unpackhi_epi8(c0, zero), _mm256_unpackhi_epi8(c1, zero), _mm256_unpackhi_epi8(c2, zero),
              _mm256_unpackhi_epi8(b0, zero), _mm256_unpackhi_epi8(b1, zero), _mm256_unpackhi_epi8(b2, zero), phase,
              rh, gh, bh);
@@ -120,6 +131,21 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
                     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), half);
                     d += 12;
                 }
+        }
+    };
+    std::uint32_t x = from;
+    for (; x + room <= to; x += 32)
+        block(x);
+    // Where a block ran and fewer than 32 pixels are left, one more block
+    // that ends `room` before `to`, on the parity of `from` (the phase's),
+    // overlapping the last one: it writes the same bytes there, and the
+    // caller's pixel loop is left two pixels at most instead of up to 33.
+    if (x > from && x < to) {
+        std::uint32_t last = to - room;
+        last -= (last - from) & 1;
+        if (last + 32 > x) {
+            block(last);
+            x = last + 32;
         }
     }
     return x;

@@ -11,6 +11,7 @@
 #include <immintrin.h>
 
 #include <cstddef>
+#include <cstring>
 
 #include "core/StreamGroups.h"
 #include "simd/LutArith.h"
@@ -132,7 +133,8 @@ Arith::Params PairForms(const LutFormPlan8& plan, unsigned even, unsigned odd)
 
 // Form `Mode` (Arith::EvalFixed) on 16-bit lanes holding bytes; a
 // saturating form leaves lanes past 255, which are clamped to 255 (the
-// entry every such table ends with).
+// entry every such table ends with); the unit forms (6, 7) saturate
+// themselves.
 template <int Mode>
 inline __m256i EvalBytes(__m256i x, const Arith::Params& forms)
 {
@@ -148,8 +150,9 @@ inline __m256i EvalBytes(__m256i x, const Arith::Params& forms)
 // (and 1 and 3 unless byte 1's table is the identity, as white balance
 // usually leaves green) go through the forms in one register each. The
 // bytes the identity line and a table pass give, in one pass over the line;
-// the fourth byte is 0, which its identity form keeps. Stops where
-// ThreeToFourRun's loop stops; the caller's lookups finish the line.
+// the fourth byte is 0, which its identity form keeps. Lines of 19 pixels
+// or more are converted whole; shorter ones where ThreeToFourRun's loop
+// stops (the caller's lookups finish them).
 template <int Mode, bool Middle>
 std::uint32_t ThreeToFourFormedRun(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                    const LutFormPlan8& plan, bool stream)
@@ -163,15 +166,93 @@ std::uint32_t ThreeToFourFormedRun(const unsigned char* s, unsigned char* d, std
     const Arith::Params outer = PairForms(plan, 0, 2), middle = PairForms(plan, 1, 3);
     const std::uint64_t inEnd = std::uint64_t(n) * 3;
     auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 32 <= inEnd; };
-    auto step = [&](std::uint32_t i, auto streaming) {
-        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + std::size_t(i) * 3));
-        const __m256i w = _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, lanes), spread);
+    // Eight pixels from 32 loaded bytes whose dwords `from` hold them.
+    auto convert = [&](const unsigned char* p, __m256i from) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        const __m256i w = _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, from), spread);
         const __m256i a = EvalBytes<Mode>(_mm256_and_si256(w, lowBytes), outer);
         const __m256i b = Middle ? _mm256_slli_epi16(EvalBytes<Mode>(_mm256_srli_epi16(w, 8), middle), 8)
                                  : _mm256_andnot_si256(lowBytes, w);
-        Store(d + std::size_t(i) * 4, _mm256_or_si256(a, b), streaming);
+        return _mm256_or_si256(a, b);
     };
-    return RunGroups<8, 4>(d, stream, fits, step);
+    auto step = [&](std::uint32_t i, auto streaming) {
+        Store(d + std::size_t(i) * 4, convert(s + std::size_t(i) * 3, lanes), streaming);
+    };
+    std::uint32_t done = RunGroups<8, 4>(d, stream, fits, step);
+    if (done == 0 || done == n)
+        return done;
+    // The last pixels, eight at a time from the 32 bytes that end at the
+    // eighth (its first pixel at dword 2), of which those not yet written
+    // are copied out of a buffer: no store may reach a cache line the
+    // streaming stores wrote (measured: such a line waits for memory, even
+    // under a masked store).
+    const __m256i shifted = _mm256_setr_epi32(2, 3, 4, 5, 5, 6, 7, 7);
+    auto finish = [&](std::uint32_t at) {
+        alignas(32) unsigned char buffer[32];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(buffer), convert(s + std::size_t(at) * 3 - 8, shifted));
+        std::memcpy(d + std::size_t(done) * 4, buffer + std::size_t(done - at) * 4, std::size_t(at + 8 - done) * 4);
+        done = at + 8;
+    };
+    if (done + 8 < n) {
+        if (n < 19)
+            return done;
+        finish(n - 16);
+    }
+    finish(n - 8);
+    return n;
+}
+
+// Byte shuffles of ThreeToFourUnitRun, from a register whose lanes each
+// hold four pixels at their start (ThreeToFourRun's dword permute): source
+// byte `at` of each pixel to 16-bit lane j (j < 4, the first register of a
+// step) or 4 + j (the second), the high bytes zero; and source byte 1 to
+// byte 1 of each 32-bit pixel.
+__m256i ChannelWords(unsigned at, bool second)
+{
+    alignas(16) char m[16];
+    for (unsigned j = 0; j < 8; ++j) {
+        const bool mine = (j >= 4) == second;
+        m[2 * j] = mine ? static_cast<char>(3 * (j % 4) + at) : Z;
+        m[2 * j + 1] = Z;
+    }
+    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(m)));
+}
+
+// Sixteen pixels a step for plans whose bytes 0 and 2 take unit forms
+// (modes First and Third, EvalFixed 6 or 7) and byte 1 the identity: the
+// channels at destination bytes 0 and 2 of sixteen pixels gathered in one
+// register each, so that each is evaluated in its own form once (a fast
+// channel costs two operations, the corrected one nine), then interleaved
+// back with the middle bytes. The loads end 8 bytes past the step; the
+// caller finishes the line (ThreeToFourFormedRun).
+template <int First, int Third>
+std::uint32_t ThreeToFourUnitRun(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                 const LutFormPlan8& plan, bool stream)
+{
+    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6);
+    const unsigned firstAt = blueFirst ? 2 : 0, thirdAt = 2 - firstAt;
+    const __m256i first0 = ChannelWords(firstAt, false), first1 = ChannelWords(firstAt, true);
+    const __m256i third0 = ChannelWords(thirdAt, false), third1 = ChannelWords(thirdAt, true);
+    const __m256i middle = _mm256_setr_epi8(Z, 1, Z, Z, Z, 4, Z, Z, Z, 7, Z, Z, Z, 10, Z, Z,  //
+                                            Z, 1, Z, Z, Z, 4, Z, Z, Z, 7, Z, Z, Z, 10, Z, Z);
+    const Arith::Params firstForm = Arith::Channel(plan, 0), thirdForm = Arith::Channel(plan, 2);
+    const std::uint64_t inEnd = std::uint64_t(n) * 3;
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * 3 + 56 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const unsigned char* p = s + std::size_t(i) * 3;
+        const __m256i a = _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)), lanes);
+        const __m256i b =
+            _mm256_permutevar8x32_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 24)), lanes);
+        // Lane 0: pixels 0-3 and 8-11, lane 1: 4-7 and 12-15.
+        const __m256i x = Arith::EvalFixed<First>(
+            _mm256_or_si256(_mm256_shuffle_epi8(a, first0), _mm256_shuffle_epi8(b, first1)), firstForm);
+        const __m256i y = Arith::EvalFixed<Third>(
+            _mm256_or_si256(_mm256_shuffle_epi8(a, third0), _mm256_shuffle_epi8(b, third1)), thirdForm);
+        unsigned char* q = d + std::size_t(i) * 4;
+        Store(q, _mm256_or_si256(_mm256_unpacklo_epi16(x, y), _mm256_shuffle_epi8(a, middle)), streaming);
+        Store(q + 32, _mm256_or_si256(_mm256_unpackhi_epi16(x, y), _mm256_shuffle_epi8(b, middle)), streaming);
+    };
+    return RunGroups<16, 4>(d, stream, fits, step);
 }
 
 std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
@@ -180,8 +261,18 @@ std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, st
     if (plan.pixelBytes != 4)
         return 0;
     std::uint32_t done = 0;
-    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
-        done = ThreeToFourFormedRun<decltype(mode)::value, decltype(green)::value>(s, d, n, blueFirst, plan, stream);
+    // Unit forms: sixteen pixels a step, each channel in its own form; the
+    // rest of the line eight pixels a step with bytes 0 and 2 in one
+    // register, through the corrected unit form where either needs it (it
+    // gives a fast channel's bytes too).
+    Arith::WithChannelModes(plan, 0, [&](auto first, auto middle, auto third) {
+        constexpr int kOuter = decltype(first)::value > decltype(third)::value ? decltype(first)::value
+                                                                               : decltype(third)::value;
+        if constexpr (decltype(first)::value >= 6)
+            done = ThreeToFourUnitRun<decltype(first)::value, decltype(third)::value>(s, d, n, blueFirst, plan,
+                                                                                    stream);
+        done += ThreeToFourFormedRun<kOuter, (decltype(middle)::value >= 0)>(
+            s + std::size_t(done) * 3, d + std::size_t(done) * 4, n - done, blueFirst, plan, stream);
     });
     return done;
 }

@@ -106,12 +106,38 @@ struct LutArith {
         return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
     }
 
+    // The unit forms of a byte table with slope a = 1 and offset 0 (gains
+    // from 1 up to 2, as white balance mostly has; LutFormPlan8::unit says
+    // where they hold): a*i is i, no multiply-low; the sums saturate to 255
+    // byte-wise (no clamp after them; i and the lanes below 256); the
+    // corrected form picks g where x passed the power of two above h instead
+    // of taking back min(h - g, ...):
+    //   fast:      h = sat8(i + MulHi(i, fh))
+    //   corrected: g = sat8(i + MulHi(i, fg)), x = h + h*kap/2^16,
+    //              r = x ^ h > h ? g : h
+    // (EvalLutUnit8; needs AddS8, Greater (signed) and Select from V).
+    template <bool Corrected>
+    static T EvalUnit(T i, const Params& P)
+    {
+        const T h = V::AddS8(i, V::MulHi(i, P.p[kLutFh]));
+        if constexpr (Corrected) {
+            const T g = V::AddS8(i, V::MulHi(i, P.p[kLutFl]));
+            const T x = V::Add(h, V::MulHi(h, P.p[kLutK]));
+            return V::Select(V::Greater(V::Xor(x, h), h), g, h);
+        } else {
+            return h;
+        }
+    }
+
     // Mode: 0 fast, 1 general, 3 corrected, 4 fast and 5 corrected
-    // saturating (fixed-point: one-multiply fraction).
+    // saturating (fixed-point: one-multiply fraction); 6 and 7: the fast and
+    // corrected unit-slope forms (EvalUnit).
     template <int Mode>
     static T EvalFixed(T i, const Params& P)
     {
-        if constexpr (Mode == 3)
+        if constexpr (Mode == 6 || Mode == 7)
+            return EvalUnit<Mode == 7>(i, P);
+        else if constexpr (Mode == 3)
             return EvalCorrected(i, P);
         else if constexpr (Mode == 4)
             return EvalFastSaturating(i, P);
@@ -223,6 +249,44 @@ struct LutArith {
                 run(mode, std::false_type{});
             else
                 run(mode, std::true_type{});
+        });
+    }
+
+    // Whether the unit form of the channel at byte `position` of a pixel
+    // (which gives its bytes, LutFormPlan8::unit) is the corrected one (else
+    // the fast one is: fg = fh, kap = 0).
+    static bool CorrectedChannel(const LutFormPlan8& plan, unsigned position)
+    {
+        const std::uint16_t(&lanes)[kLutParamCount][32] = plan.lanes[0][0];
+        return plan.corrected && (lanes[kLutK][position] != 0 || lanes[kLutFl][position] != lanes[kLutFh][position]);
+    }
+
+    // For kernels that hold the channels apart: calls run(red, green, blue)
+    // with each channel's EvalFixed mode (std::integral_constant; -1: green's
+    // table is the identity, left as it is), from a plan with red at byte
+    // redIndex. Where green is the identity and red and blue have unit forms,
+    // each takes its own (6 fast, 7 corrected); else all take WithMode's
+    // mode. The unit forms take indices below 256 only.
+    template <class Run>
+    static void WithChannelModes(const LutFormPlan8& plan, unsigned redIndex, Run run)
+    {
+        const unsigned blueIndex = 2 - redIndex;
+        using Skip = std::integral_constant<int, -1>;
+        if (plan.identity[1] && plan.unit[redIndex] && plan.unit[blueIndex]) {
+            using Fast = std::integral_constant<int, 6>;
+            using Corrected = std::integral_constant<int, 7>;
+            const bool red = CorrectedChannel(plan, redIndex), blue = CorrectedChannel(plan, blueIndex);
+            if (red)
+                blue ? run(Corrected{}, Skip{}, Corrected{}) : run(Corrected{}, Skip{}, Fast{});
+            else
+                blue ? run(Fast{}, Skip{}, Corrected{}) : run(Fast{}, Skip{}, Fast{});
+            return;
+        }
+        WithModeAndGreen(plan, [&](auto mode, auto green) {
+            if constexpr (decltype(green)::value)
+                run(mode, mode, mode);
+            else
+                run(mode, Skip{}, mode);
         });
     }
 

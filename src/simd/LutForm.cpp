@@ -327,6 +327,16 @@ std::uint8_t EvalLutSaturating8(const LutChannelForm& f, bool corrected, std::ui
     return static_cast<std::uint8_t>(lane < 0 ? 0 : lane > 255 ? 255 : lane);
 }
 
+std::uint8_t EvalLutUnit8(const LutChannelForm& f, bool corrected, std::uint8_t i)
+{
+    auto sum = [&](std::uint32_t fraction) { return std::min(i + ((i * fraction) >> 16), 255u); };
+    const std::uint32_t h = sum(f.fh);
+    if (!corrected)
+        return static_cast<std::uint8_t>(h);
+    const std::uint32_t x = h + ((h * std::uint32_t(f.kap)) >> 16);
+    return static_cast<std::uint8_t>((x ^ h) > h ? sum(f.fg) : h);
+}
+
 unsigned LutExactCandidates(const LutChannelForm& f, double (&scales)[6])
 {
     unsigned n = 0;
@@ -342,6 +352,7 @@ void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool g
 {
     plan.pixelBytes = pixelBytes;
     plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
+    plan.unit[0] = plan.unit[1] = plan.unit[2] = false;
     plan.general = general && !corrected;
     plan.corrected = corrected;
     for (unsigned phase = 0; phase < 3; ++phase)
@@ -441,6 +452,10 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
         while (i < 256 && tables[c][i] == i)
             ++i;
         cache.plan.identity[c] = i == 256;
+        bool unit = saturating && forms[c].a == 1 && forms[c].off == 0;
+        for (i = 0; i < 256 && unit; ++i)
+            unit = EvalLutUnit8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
+        cache.plan.unit[c] = unit;
     }
     cache.has = true;
     return &cache.plan;

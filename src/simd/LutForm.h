@@ -87,6 +87,10 @@ std::uint16_t EvalLutExact(const LutChannelForm& form, std::uint16_t i);
 std::uint16_t EvalLutCorrected(const LutChannelForm& form, std::uint16_t i);
 // The byte the saturating form (LutFormPlan8::saturating) gives at index i.
 std::uint8_t EvalLutSaturating8(const LutChannelForm& form, bool corrected, std::uint8_t i);
+// The unit form of a byte table at index i: h and g the sums i + MulHi(i,
+// fh) and i + MulHi(i, fg) saturated to 255, x = h + h*kap/2^16, and g where
+// x passed the power of two above h, else h (corrected false: h).
+std::uint8_t EvalLutUnit8(const LutChannelForm& form, bool corrected, std::uint8_t i);
 // Up to six multipliers to try for the exact form (the doubles at and next
 // to both ends of the interval); returns how many.
 unsigned LutExactCandidates(const LutChannelForm& form, double (&scales)[6]);
@@ -105,11 +109,15 @@ enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit,
 // past 255 to the pack's saturation (every table ends at 255).
 // identity[p]: the table at byte p of a pixel gives every index itself
 // (kernels that hold the channels apart skip it; FormPlan8 sets it).
+// unit[p]: the table at byte p has slope 1 and no offset in a saturating
+// plan and its unit form (EvalLutUnit8) gives it at every index (FormPlan8
+// checks it; kernels may then evaluate that form instead).
 struct LutFormPlan8 {
     alignas(64) std::uint16_t lanes[3][2][kLutParamCount][32];
     unsigned pixelBytes;
     bool general, corrected, saturating;
     bool identity[3];
+    bool unit[3];
 };
 
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:

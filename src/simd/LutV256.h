@@ -33,6 +33,9 @@ struct V256 {
     static T MulLo(T a, T b) { return _mm256_mullo_epi16(a, b); }
     static T MulHi(T a, T b) { return _mm256_mulhi_epu16(a, b); }
     static T Min(T a, T b) { return _mm256_min_epu16(a, b); }
+    static T AddS8(T a, T b) { return _mm256_adds_epu8(a, b); }
+    static T Greater(T a, T b) { return _mm256_cmpgt_epi16(a, b); }
+    static T Select(T mask, T a, T b) { return _mm256_blendv_epi8(b, a, mask); }
     static T Or(T a, T b) { return _mm256_or_si256(a, b); }
     static T Xor(T a, T b) { return _mm256_xor_si256(a, b); }
     static T IfNonZero(T d, T x) { return _mm256_andnot_si256(_mm256_cmpeq_epi16(d, Zero()), x); }

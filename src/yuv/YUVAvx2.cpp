@@ -324,22 +324,35 @@ using ChannelForms = Arith::Channels;
 
 // As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
 // clamped to 0-255 (what the pack does) and evaluated through its table's
-// form before the pack. Green false: green's table is the identity (as white
-// balance usually leaves it) and is not evaluated.
-template <unsigned RedIndex, int Mode, bool Green>
+// form (Arith::EvalFixed mode; -1: the identity, not evaluated) before the
+// pack.
+template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                  const ChannelForms& forms)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i top = _mm256_set1_epi16(255);
+    auto eval = [&](__m256i v, const Arith::Params& form, auto mode) {
+        constexpr int kMode = decltype(mode)::value;
+        if constexpr (kMode < 0) {
+            return v;
+        } else if constexpr (kMode == 6) {
+            // The fast unit form without the clamp to 255 and its byte-wise
+            // saturation: i + MulHi(i, fh) passes 255 exactly where the
+            // table's entry is 255 (its last), which the pack gives.
+            const __m256i i = _mm256_max_epi16(v, zero);
+            return _mm256_add_epi16(i, _mm256_mulhi_epu16(i, form.p[simd::kLutFh]));
+        } else {
+            return Arith::EvalFixed<kMode>(_mm256_min_epi16(_mm256_max_epi16(v, zero), top), form);
+        }
+    };
     const std::uint32_t steps = pairs / 8;
     for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
         __m256i r, g, b;
         Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
-        r = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(r, zero), top), forms.red);
-        if constexpr (Green)
-            g = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(g, zero), top), forms.green);
-        b = Arith::EvalFixed<Mode>(_mm256_min_epi16(_mm256_max_epi16(b, zero), top), forms.blue);
+        r = eval(r, forms.red, std::integral_constant<int, Red>{});
+        g = eval(g, forms.green, std::integral_constant<int, Green>{});
+        b = eval(b, forms.blue, std::integral_constant<int, Blue>{});
         const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
         const __m256i middle = _mm256_packus_epi16(g, zero);
         const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
@@ -357,8 +370,9 @@ std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char*
     // The plan is in byte order of the layout: red at byte RedIndex.
     const ChannelForms forms = Arith::ChannelsOf(plan, RedIndex);
     std::uint32_t done = 0;
-    Arith::WithModeAndGreen(plan, [&](auto mode, auto green) {
-        done = Pairs422To32Formed<RedIndex, decltype(mode)::value, decltype(green)::value>(src, dst, pairs, forms);
+    Arith::WithChannelModes(plan, RedIndex, [&](auto red, auto green, auto blue) {
+        done = Pairs422To32Formed<RedIndex, decltype(red)::value, decltype(green)::value, decltype(blue)::value>(
+            src, dst, pairs, forms);
     });
     return done;
 }

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "ZoImgLib.h"
+#include "core/StreamStores.h"
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
 #include "simd/LutForm.h"
@@ -74,6 +75,15 @@ const Gains kGains[] = {
     {1.8, 1.2, 1.6, 0, 0, 0, Mode::kFastSaturating},
     {1.8, 1.4, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
     {1.8, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},  // green the identity, skipped
+    // Slopes of 1 (and green the identity): each of red and blue its own
+    // unit form, fast or corrected; red the identity itself.
+    {1.4, 1.0, 1.8, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.4, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    {1.6, 1.0, 1.2, 0, 0, 0, Mode::kFastSaturating},
+    {1.0, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
+    // Not unit forms: an offset, a slope of 2.
+    {1.8, 1.0, 1.6, 3, 0, 0, Mode::kFastSaturating},
+    {2.2, 1.0, 1.4, 0, 0, 0, Mode::kCorrectedSaturating},
 };
 
 TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
@@ -107,6 +117,62 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
                  << ", destination 0x" << c.destination;
             ExpectEveryLevelMatchesScalar(conv, filter, input, kWidth, kHeight, c.flags, what.str());
         }
+    }
+}
+
+// The forms at every line length up to beyond two of the widest steps and a
+// few more, with ordinary and with streaming stores: the steps, the last
+// steps of a line (loads that end with it, blocks overlapping the one
+// before) and what the lookups are left give the scalar level's bytes. The
+// unit forms (slope 1, green the identity: red and blue each fast or
+// corrected), and forms with green evaluated or slopes below 1.
+TEST(FusedWhiteBalance, FormsMatchTheScalarLevelAtEveryLineLength)
+{
+    constexpr std::uint32_t kHeight = 3;
+    std::mt19937 rng(43);
+    const std::uint32_t kBilinear = ZO_FLAG_BAYER_GBRG | ZO_FLAG_BAYER_INTERPOLATE;
+    const struct {
+        std::int64_t source, destination;
+        std::uint32_t flags;
+    } kConversions[] = {
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB24, kBilinear},      {ZO_PT_BAYER_RGB8, ZO_PT_BGR32, kBilinear},
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB32, kBilinear},      {ZO_PT_YUV8, ZO_PT_BGR32, 0},
+        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32, 0}, {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 0},
+    };
+    const struct {
+        double red, green, blue;
+        bool unit;
+    } kGainSets[] = {{1.8, 1.0, 1.4, true},  {1.4, 1.0, 1.6, true},   {1.6, 1.0, 1.2, true},
+                     {1.4, 1.0, 1.4, true},  {0.9, 0.8, 0.6, false},  {1.8, 1.4, 1.4, false}};
+    std::vector<std::uint32_t> widths;
+    for (std::uint32_t w = 1; w <= 72; ++w)
+        widths.push_back(w);
+    for (std::uint32_t w : {95u, 96u, 97u, 129u, 203u})
+        widths.push_back(w);
+    for (const auto& g : kGainSets) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue), ZO_OK);
+        for (unsigned redIndex : {0u, 2u}) {
+            const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(
+                zo::simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), redIndex),
+                4);
+            ASSERT_NE(plan, nullptr) << g.red << " " << g.green << " " << g.blue;
+            EXPECT_EQ(plan->unit[0] && plan->unit[2] && plan->identity[1], g.unit) << g.red << " " << g.blue;
+        }
+        for (std::uint64_t threshold : {std::uint64_t(1) << 62, std::uint64_t(1)})
+            for (const auto& c : kConversions)
+                for (std::uint32_t width : widths) {
+                    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(c.source, c.destination);
+                    const std::vector<std::uint8_t> input =
+                        zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
+                    std::ostringstream what;
+                    what << "gains " << g.red << " " << g.green << " " << g.blue << ", width " << width
+                         << (threshold == 1 ? ", streaming" : "") << std::hex << ", source 0x" << c.source
+                         << ", destination 0x" << c.destination;
+                    zo::SetStreamingThreshold(threshold);
+                    ExpectEveryLevelMatchesScalar(conv, filter, input, width, kHeight, c.flags, what.str());
+                    zo::ResetStreamingThreshold();
+                }
     }
 }
 

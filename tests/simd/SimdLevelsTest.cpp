@@ -33,7 +33,7 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 using zo::simd::CpuLevel;
 
-constexpr std::uint32_t kWidths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 63, 65, 127, 129, 1921};
+constexpr std::uint32_t kWidths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 63, 65, 66, 100, 127, 129, 1921};
 constexpr std::uint32_t kHeight = 5;  // odd: a last replicated pair of one line; three inner lines
 constexpr std::size_t kGuard = 4096;  // dual-tap blocks may place pixels outside short lines
 constexpr unsigned char kPoisons[2] = {0xA5, 0x5A};
