@@ -166,10 +166,11 @@ inline __m512i LookUpSource(__m512i v, const LineTables& t, unsigned r)
 // time over the identity twin's in alternating runs: this step 1.23-1.65
 // (the machine's load 2.7-4.2), the sixty-four-pixel step below with
 // streaming stores 1.83-1.98, and its sixteen-pixel form (lookups on the
-// loaded source bytes, then the spread) 1.29-1.79. Its lookups run in one
-// chain of four permutes a register, where here the two tables' lookups
-// run side by side; the longer chains seem to overlap worse with the
-// streaming stores in flight (a source prefetch did not help).
+// loaded source bytes, then the spread) 1.29-1.79. Not the length of the
+// lookup chains: with red and blue looked up side by side and merged, the
+// sixty-four-pixel step measured the same, and so it did with a source
+// prefetch and with 256-bit streaming stores; it is only slow streaming
+// (without streaming it matches the identity twin).
 std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d, std::uint32_t n,
                                         const __m512i& spread, const LineTables& t)
 {
