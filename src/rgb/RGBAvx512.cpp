@@ -92,145 +92,142 @@ std::uint32_t BytesToRGB16StreamAvx512(const unsigned char* s, unsigned char* d,
     return BytesToRGB16Run(s, d, n, group, true);
 }
 
-// The source byte of each destination byte of sixteen three- to four-byte
-// pixels (the fourth bytes are zeroed by the permute's mask).
-__m512i SpreadIndex(bool blueFirst)
+// The source byte of each destination byte of sixty-four three- to
+// four-byte pixels, in four parts of sixteen pixels (the fourth bytes are
+// zeroed by the permute's mask). Part k reads source bytes 48k to 48k + 47
+// of the three source registers: the first from the first register, the
+// second from the first two, the third from the last two, the fourth from
+// the last; its indices count from the first register it reads.
+struct SpreadIndex {
+    __m512i part[4];
+};
+
+SpreadIndex MakeSpreadIndex(bool blueFirst)
 {
-    alignas(64) unsigned char spread[64];
-    for (unsigned j = 0; j < 64; ++j) {
-        const unsigned c = j % 4 == 3 ? 0 : (blueFirst ? 2 - j % 4 : j % 4);
-        spread[j] = static_cast<unsigned char>(3 * (j / 4) + c);
+    static const unsigned kBase[4] = {0, 0, 64, 128};
+    SpreadIndex x;
+    for (unsigned k = 0; k < 4; ++k) {
+        alignas(64) unsigned char spread[64];
+        for (unsigned j = 0; j < 64; ++j) {
+            const unsigned c = j % 4 == 3 ? 0 : (blueFirst ? 2 - j % 4 : j % 4);
+            spread[j] = static_cast<unsigned char>(3 * (16 * k + j / 4) + c - kBase[k]);
+        }
+        x.part[k] = _mm512_load_si512(spread);
     }
-    return _mm512_load_si512(spread);
+    return x;
 }
 
 using simd::ByteTable256;
 using simd::LookUp;
+using simd::LookUpAt;
 
 // The destination tables of one line: each 256-entry table as four
 // registers, and whether it is looked up (a null table is the identity).
+// at[r][c]: the bytes of the r-th register of a 192-byte source block (64
+// three-byte pixels) that destination byte c takes, i.e. the source bytes
+// table c looks up: byte j of register r is source channel (64r + j) % 3.
 struct LineTables {
     ByteTable256 table[3];
     bool look[3];
+    __mmask64 at[3][3];
 
-    explicit LineTables(const unsigned char* const* tables)
+    explicit LineTables(const unsigned char* const* tables, bool blueFirst = false)
     {
         for (unsigned c = 0; c < 3; ++c) {
             look[c] = tables[c] != nullptr;
             if (look[c])
                 table[c] = ByteTable256(tables[c]);
+            // (r + j) % 3 == channel where j % 3 == (channel + 3 - r) % 3.
+            static const std::uint64_t kEveryThird[3] = {0x9249249249249249ull, 0x2492492492492492ull,
+                                                         0x4924924924924924ull};
+            const unsigned channel = blueFirst ? 2 - c : c;
+            for (unsigned r = 0; r < 3; ++r)
+                at[r][c] = kEveryThird[(channel + 3 - r) % 3];
         }
     }
 };
-// Sixteen pixels, the table lookups fused into the three- to four-byte
-// permute: one permute spreads 48 source bytes over 64 (the fourth bytes
-// zeroed), then each table is looked up over the whole register and its
-// destination bytes take the result.
-inline __m512i Spread16(const unsigned char* s, const __m512i& spread, const LineTables& t)
+
+// The source bytes of register r of a block through their tables, in
+// place: two masked permutes a table, green skipped when it is the
+// identity.
+inline __m512i LookUpSource(__m512i v, const LineTables& t, unsigned r)
 {
-    const __mmask64 colour = 0x7777777777777777ull, sourceBytes = 0xFFFFFFFFFFFFull;
-    const __m512i v = _mm512_maskz_permutexvar_epi8(colour, spread, _mm512_maskz_loadu_epi8(sourceBytes, s));
-    __m512i r = v;
+    const __mmask64 upper = _mm512_movepi8_mask(v);
     for (unsigned c = 0; c < 3; ++c)
         if (t.look[c])
-            r = _mm512_mask_mov_epi8(r, 0x1111111111111111ull << c, LookUp(v, t.table[c]));
-    return r;
+            v = LookUpAt(v, t.table[c], t.at[r][c], upper);
+    return v;
 }
 
-// Gathers of one channel of sixty-four pixels from their 192 source bytes
-// (three registers), in the order the interleave below wants: byte
-// 16k + 4m + i of the register holds pixel 16m + 4k + i (k, m, i < 4), so
-// that in-lane unpacks put every pixel in its place.
-struct GatherIndex {
-    __m512i channel[3];
-    __mmask64 third[3];  // the bytes taken from the third register
-};
-
-GatherIndex MakeGatherIndex()
+// With streaming stores: sixteen pixels a step, one permute spreads 48
+// source bytes over 64 (the fourth bytes zeroed), then each table is looked
+// up over the whole register and its destination bytes take the result.
+// Measured on cold 1080p frames, RGB 24 to BGRA through gains 1.8, 1.0, 1.4,
+// time over the identity twin's in alternating runs: this step 1.23-1.65
+// (the machine's load 2.7-4.2), the sixty-four-pixel step below with
+// streaming stores 1.83-1.98, and its sixteen-pixel form (lookups on the
+// loaded source bytes, then the spread) 1.29-1.79. Not the length of the
+// lookup chains: with red and blue looked up side by side and merged, the
+// sixty-four-pixel step measured the same, and so it did with a source
+// prefetch and with 256-bit streaming stores; it is only slow streaming
+// (without streaming it matches the identity twin).
+std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d, std::uint32_t n,
+                                        const __m512i& spread, const LineTables& t)
 {
-    GatherIndex g;
-    for (unsigned c = 0; c < 3; ++c) {
-        alignas(64) unsigned char x[64];
-        std::uint64_t third = 0;
-        for (unsigned p = 0; p < 64; ++p) {
-            const unsigned k = p / 16, m = p / 4 % 4, i = p % 4;
-            const unsigned from = 3 * (16 * m + 4 * k + i) + c;
-            x[p] = static_cast<unsigned char>(from);
-            if (from >= 128)
-                third |= std::uint64_t(1) << p;
-        }
-        g.channel[c] = _mm512_load_si512(x);
-        g.third[c] = third;
-    }
-    return g;
-}
-
-// Sixty-four pixels a step with ordinary stores: each channel's bytes
-// gathered into a register of their own (two permutes), every table looked
-// up once per 64 bytes (the sixteen-pixel step uses a quarter of each of its
-// lookups), then four byte and four word unpacks interleave the channels
-// with the zero fourth byte. Half the work of the sixteen-pixel step
-// (measured on a frame in the cache: 0.117 ns a pixel, the identity line
-// 0.113, the previous sixteen-pixel lookups 0.247); the sixteen-pixel step
-// takes what is left of the line.
-// With streaming stores this step measured slower than the sixteen-pixel
-// one on cold frames (1.5-1.9 times the identity twin at 1080p against
-// 1.2-1.25), hence only ordinary stores here.
-std::uint32_t ThreeToFourTables64(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
-                                  const LineTables& t)
-{
-    static const GatherIndex kGather = MakeGatherIndex();
-    static const __m512i kSpread[2] = {SpreadIndex(false), SpreadIndex(true)};
-    // Destination byte c holds source channel order[c].
-    const unsigned order[3] = {blueFirst ? 2u : 0u, 1u, blueFirst ? 0u : 2u};
-    __m512i index[3];
-    __mmask64 third[3];
-    for (unsigned c = 0; c < 3; ++c) {
-        index[c] = kGather.channel[order[c]];
-        third[c] = kGather.third[order[c]];
-    }
-    const __m512i zero = _mm512_setzero_si512();
-    std::uint32_t i = 0;
-    for (; i + 64 <= n; i += 64) {
-        const unsigned char* p = s + std::size_t(i) * 3;
-        const __m512i a = _mm512_loadu_si512(p), b = _mm512_loadu_si512(p + 64), e = _mm512_loadu_si512(p + 128);
-        __m512i x[3];
-        for (unsigned c = 0; c < 3; ++c) {
-            x[c] = _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(a, index[c], b), third[c], index[c], e);
-            if (t.look[c])
-                x[c] = LookUp(x[c], t.table[c]);
-        }
-        const __m512i low = _mm512_unpacklo_epi8(x[0], x[1]), high = _mm512_unpackhi_epi8(x[0], x[1]);
-        const __m512i lowEnd = _mm512_unpacklo_epi8(x[2], zero), highEnd = _mm512_unpackhi_epi8(x[2], zero);
-        unsigned char* o = d + std::size_t(i) * 4;
-        _mm512_storeu_si512(o, _mm512_unpacklo_epi16(low, lowEnd));
-        _mm512_storeu_si512(o + 64, _mm512_unpackhi_epi16(low, lowEnd));
-        _mm512_storeu_si512(o + 128, _mm512_unpacklo_epi16(high, highEnd));
-        _mm512_storeu_si512(o + 192, _mm512_unpackhi_epi16(high, highEnd));
-    }
-    for (; i + 16 <= n; i += 16)
-        _mm512_storeu_si512(d + std::size_t(i) * 4, Spread16(s + std::size_t(i) * 3, kSpread[blueFirst], t));
-    return i;
-}
-
-// With streaming stores: the sixteen-pixel step throughout. Every table
-// gives exactly its entries, whatever they are. Measured on cold frames, RGB
-// 24 to BGRA through gains 1.8, 1.0, 1.4 (green skipped), time over the
-// identity twin's, alternating runs against the previous form of this step
-// (its tables packed into an array by a loop over the tables it looks up,
-// now four registers a destination byte): 1.18-1.26 at 1080p and 1.06-1.17 at 4096 x 3000, from 1.47-1.58 and
-// 1.37-1.41. The sixty-four-pixel step with ordinary stores measured
-// 1.18-1.26 and 1.32-1.41.
-std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
-                                        const LineTables& t)
-{
-    static const __m512i kSpread[2] = {SpreadIndex(false), SpreadIndex(true)};
-    const __m512i spread = kSpread[blueFirst];
+    const __mmask64 colour = 0x7777777777777777ull, sourceBytes = 0xFFFFFFFFFFFFull;
     auto fits = [&](std::uint32_t i) { return i + 16 <= n; };
     auto step = [&](std::uint32_t i, auto streaming) {
-        Store(d + std::size_t(i) * 4, Spread16(s + std::size_t(i) * 3, spread, t), streaming);
+        const __m512i v = _mm512_maskz_permutexvar_epi8(colour, spread,
+                                                        _mm512_maskz_loadu_epi8(sourceBytes, s + std::size_t(i) * 3));
+        __m512i r = v;
+        for (unsigned c = 0; c < 3; ++c)
+            if (t.look[c])
+                r = _mm512_mask_mov_epi8(r, 0x1111111111111111ull << c, LookUp(v, t.table[c]));
+        Store(d + std::size_t(i) * 4, r, streaming);
     };
     return RunGroups<16, 4>(d, true, fits, step);
+}
+
+// Three- to four-byte pixels through 8-bit tables, sixty-four pixels a
+// step: the tables are looked up on the three source registers, before the
+// spread (each lookup serves 64 source bytes, and the masked permutes merge
+// the looked-up bytes into their places, so no blend), then four permutes
+// spread the 192 bytes over the four destination registers. Sixteen pixels
+// a step (the same on a partly loaded register) take what is left of the
+// line. Every table gives exactly its entries, whatever they are. With
+// ordinary stores only: streaming lines take ThreeToFourTablesStream16.
+// It replaced a sixty-four-pixel step that gathered each channel into a
+// register of its own (six permutes) and interleaved them with eight
+// unpacks: fewer instructions, the same time on cold 1080p frames without
+// streaming (ZOIMG_STREAMING=off: 0.61 and 0.76 ms against 0.62 and 0.78,
+// alternating runs).
+std::uint32_t ThreeToFourTablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
+                                      const unsigned char* const* tables, bool stream)
+{
+    static const SpreadIndex kSpread[2] = {MakeSpreadIndex(false), MakeSpreadIndex(true)};
+    const SpreadIndex& x = kSpread[blueFirst];
+    const LineTables t(tables, blueFirst);
+    const __mmask64 colour = 0x7777777777777777ull, sourceBytes = 0xFFFFFFFFFFFFull;
+    auto fits = [&](std::uint32_t i) { return i + 64 <= n; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const unsigned char* p = s + std::size_t(i) * 3;
+        const __m512i a = LookUpSource(_mm512_loadu_si512(p), t, 0);
+        const __m512i b = LookUpSource(_mm512_loadu_si512(p + 64), t, 1);
+        const __m512i e = LookUpSource(_mm512_loadu_si512(p + 128), t, 2);
+        unsigned char* o = d + std::size_t(i) * 4;
+        Store(o, _mm512_maskz_permutexvar_epi8(colour, x.part[0], a), streaming);
+        Store(o + 64, _mm512_maskz_permutex2var_epi8(colour, a, x.part[1], b), streaming);
+        Store(o + 128, _mm512_maskz_permutex2var_epi8(colour, b, x.part[2], e), streaming);
+        Store(o + 192, _mm512_maskz_permutexvar_epi8(colour, x.part[3], e), streaming);
+    };
+    if (stream)
+        return ThreeToFourTablesStream16(s, d, n, x.part[0], t);
+    std::uint32_t i = RunGroups<64, 4>(d, false, fits, step);
+    for (; i + 16 <= n; i += 16) {
+        const __m512i v = LookUpSource(_mm512_maskz_loadu_epi8(sourceBytes, s + std::size_t(i) * 3), t, 0);
+        _mm512_storeu_si512(d + std::size_t(i) * 4, _mm512_maskz_permutexvar_epi8(colour, x.part[0], v));
+    }
+    return i;
 }
 
 // RGB16 packing through 8-bit tables (red, green, blue; null: the identity,
@@ -239,28 +236,23 @@ std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d
 // low bytes). The caller's scalar kernel takes the rest of the line.
 // Measured on cold frames, RGB 24 to RGB16 through gains 1.8, 1.0, 1.4
 // (green skipped): 1.25 times the identity twin's time at 1080p and 1.33 at
-// 4096 x 3000, where the scalar lookups took 4.8.
+// 4096 x 3000, where the scalar lookups took 4.8. Each lookup merges its
+// bytes in place (LookUpAt: red and green share x's bit-7 mask), two
+// permutes a table and no blend.
 std::uint32_t BytesToRGB16TablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                        const unsigned char* const* tables, bool stream)
 {
     const LineTables t(tables);
     const __mmask64 lowBytes = 0x5555555555555555ull, highBytes = ~lowBytes;
     return BytesToRGB16Steps(s, d, n, group, stream, [&](__m512i& x, __m512i& y) {
-        const __m512i greenRed = x;
+        const __mmask64 upper = _mm512_movepi8_mask(x);
         if (t.look[0])
-            x = _mm512_mask_mov_epi8(x, highBytes, LookUp(greenRed, t.table[0]));
+            x = LookUpAt(x, t.table[0], highBytes, upper);
         if (t.look[1])
-            x = _mm512_mask_mov_epi8(x, lowBytes, LookUp(greenRed, t.table[1]));
+            x = LookUpAt(x, t.table[1], lowBytes, upper);
         if (t.look[2])
-            y = _mm512_mask_mov_epi8(y, lowBytes, LookUp(y, t.table[2]));
+            y = LookUpAt(y, t.table[2], lowBytes, _mm512_movepi8_mask(y));
     });
-}
-
-std::uint32_t ThreeToFourTablesAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
-                                      const unsigned char* const* tables, bool stream)
-{
-    const LineTables t(tables);
-    return stream ? ThreeToFourTablesStream16(s, d, n, blueFirst, t) : ThreeToFourTables64(s, d, n, blueFirst, t);
 }
 
 }  // namespace

@@ -74,6 +74,11 @@ std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
+// RGBAvx2Formed16.cpp: RGB16 packing through the forms of an 8-bit plan made
+// for 4-byte pixels in red, green, blue order (group 3 or 4; sixteen pixels
+// a step, the caller's lookups after it); 0 for any other plan.
+std::uint32_t BytesToRGB16FormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                     const LutFormPlan8& plan, bool stream);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
 extern const RGBPaths kRGBPathsAVX512;

@@ -61,6 +61,21 @@ std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::
     return path ? path(s, d, n, group, tables, stream) : 0;
 }
 
+std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                 const LutTables8& tables, bool stream)
+{
+#if ZO_SIMD_X86
+    const RGBPaths& paths = RGBActivePaths();
+    if (&paths != &kRGBPathsAVX2 && &paths != &kRGBPathsAVX512)
+        return 0;
+    const LutFormPlan8* plan = FormPlan8(tables, 4);
+    return plan ? BytesToRGB16FormedAvx2(s, d, n, group, *plan, stream) : 0;
+#else
+    (void)s, (void)d, (void)n, (void)group, (void)tables, (void)stream;
+    return 0;
+#endif
+}
+
 std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                 const LutTables8& tables, bool stream)
 {

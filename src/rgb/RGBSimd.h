@@ -113,6 +113,10 @@ std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::
 struct LutTables8;
 std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                 const LutTables8& tables, bool stream);
+// BytesToRGB16Tables through such forms (`tables` red, green, blue), at the
+// AVX2 level and up; 0 elsewhere or where a table has no form.
+std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                 const LutTables8& tables, bool stream);
 
 // Whether the byte shuffles above use vector instructions at the active
 // level.

@@ -41,6 +41,18 @@ inline __m512i LookUp(__m512i x, const ByteTable256& t, __mmask64 upper)
 
 inline __m512i LookUp(__m512i x, const ByteTable256& t) { return LookUp(x, t, _mm512_movepi8_mask(x)); }
 
+// The entries at the bytes of x that `at` selects, the other bytes of x kept
+// as they are; `upper` is bit 7 of each byte of x. Two masked two-source
+// permutes and no blend: the first looks the low half up where `at` is set
+// and bit 7 is clear, the second the high half where both are set (its
+// index bytes there are still those of x). Cheaper than LookUp followed by a
+// masked move when only some bytes of a register belong to the table.
+inline __m512i LookUpAt(__m512i x, const ByteTable256& t, __mmask64 at, __mmask64 upper)
+{
+    const __m512i low = _mm512_mask2_permutex2var_epi8(t.q[0], x, _kandn_mask64(upper, at), t.q[1]);
+    return _mm512_mask2_permutex2var_epi8(t.q[2], low, _kand_mask64(upper, at), t.q[3]);
+}
+
 // Thirty-two bytes (a 256-bit register) through the table.
 inline __m256i LookUp(__m256i x, const ByteTable256& t)
 {

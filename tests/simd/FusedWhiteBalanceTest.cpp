@@ -177,15 +177,17 @@ TEST(FusedWhiteBalance, FormsMatchTheScalarLevelAtEveryLineLength)
 }
 
 // 8-bit tables without a form, written entry by entry (the VBMI level looks
-// them up inside the Bayer block, any table): red and blue random, green the
+// them up inside the Bayer block and the RGB permutes, any table; other
+// levels fall back from the forms): red and blue random, green the
 // identity except one quarter of its entries (random there), so that a
 // check for the identity green that skips its lookup must read the whole
 // table; and all three random.
-TEST(FusedWhiteBalance, EightBitBayerLinesThroughAnyTablesMatchTheScalarLevel)
+TEST(FusedWhiteBalance, EightBitLinesThroughAnyTablesMatchTheScalarLevel)
 {
     constexpr std::uint32_t kWidth = 203, kHeight = 4;
     std::mt19937 rng(47);
-    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * (kHeight + 1) + 64, rng);
+    // Enough for the widest source, four bytes a pixel.
+    const std::vector<std::uint8_t> input = zotest::RandomBytes(std::size_t(kWidth) * 4 * (kHeight + 1) + 64, rng);
     const std::vector<std::uint8_t> random = zotest::RandomBytes(3 * 256, rng);
     for (unsigned changedQuarter : {0u, 1u, 2u, 3u, 4u}) {  // 4: green random too
         ZoRGBFilter filter(8);
@@ -204,6 +206,17 @@ TEST(FusedWhiteBalance, EightBitBayerLinesThroughAnyTablesMatchTheScalarLevel)
                                               input, kWidth, kHeight, pattern | ZO_FLAG_BAYER_INTERPOLATE,
                                               what.str());
             }
+        const std::int64_t kRGB[][2] = {{ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32},
+                                        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32},
+                                        {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB16},
+                                        {ZO_PT_RGB32, ZO_PT_RGB16}};
+        for (const auto& pair : kRGB) {
+            std::ostringstream what;
+            what << "green changed in quarter " << changedQuarter << std::hex << ", source 0x" << pair[0]
+                 << ", destination 0x" << pair[1];
+            ExpectEveryLevelMatchesScalar(ZoPixelTypeFactory::GetConverter(pair[0], pair[1]), filter, input, kWidth,
+                                          kHeight, 0, what.str());
+        }
     }
 }
 
