@@ -2,8 +2,8 @@
 // table runs from the AVX2 level on, see RGBSimd.cpp). RGB16 packing and
 // three- to four-byte pixels have their own paths here (with ordinary and
 // with streaming stores); the other shuffles keep the SSSE3 ones. Filtered
-// three- to four-byte pixels whose 8-bit tables have an arithmetic form
-// (simd/LutForm.h) evaluate it on the spread pixels before they store.
+// three- to four-byte pixels and RGB16 packing whose 8-bit tables have an
+// arithmetic form (simd/LutForm.h) evaluate it before they store.
 #include "rgb/RGBPaths.h"
 
 #if defined(__AVX2__)
@@ -277,6 +277,58 @@ std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, st
     return done;
 }
 
+// BytesToRGB16Run's sixteen pixels a step through the forms of an 8-bit
+// plan: red, green and blue gathered into a register each, one 16-bit lane
+// a pixel, each channel's form evaluated there (Arith::WithChannelModes:
+// green skipped where its table is the identity), then packed as ((r >> 3) << 11) | ((g & 0xFC) << 3) |
+// (b >> 3): the tables' bytes exactly, truncated only by the packing (no
+// table pass can run over RGB16, whose words keep fewer bits than the
+// tables index with). The caller's lookups finish the line.
+template <int Red, int Green, int Blue>
+std::uint32_t BytesToRGB16FormedRun(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                    const LutFormPlan8& plan, bool stream)
+{
+    struct Masks {
+        WordMasks red, green, blue;
+    };
+    static const Masks kMasks[2] = {{MakeWordMasks(3, 0, -1), MakeWordMasks(3, 1, -1), MakeWordMasks(3, 2, -1)},
+                                    {MakeWordMasks(4, 0, -1), MakeWordMasks(4, 1, -1), MakeWordMasks(4, 2, -1)}};
+    const Masks& m = kMasks[group == 4];
+    const Arith::Channels forms = Arith::ChannelsOf(plan, 0);
+    const __m256i redBits = _mm256_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm256_set1_epi16(0xFC);
+    const std::uint64_t inEnd = std::uint64_t(n) * group;
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        const unsigned char* p = s + std::size_t(i) * group;
+        const unsigned char* q = p + 8 * group;
+        const __m256i lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
+        const __m256i hi = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p + 16)), Load(q + 16), 1);
+        const __m256i r = EvalBytes<Red>(Gather(lo, hi, m.red), forms.red);
+        __m256i g = Gather(lo, hi, m.green);
+        if constexpr (Green >= 0)
+            g = EvalBytes<Green>(g, forms.green);
+        const __m256i b = EvalBytes<Blue>(Gather(lo, hi, m.blue), forms.blue);
+        const __m256i word = _mm256_or_si256(_mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(r, 8), redBits),
+                                                             _mm256_slli_epi16(_mm256_and_si256(g, greenBits), 3)),
+                                             _mm256_srli_epi16(b, 3));
+        Store(d + std::size_t(i) * 2, word, streaming);
+    };
+    return RunGroups<16, 2>(d, stream, fits, step);
+}
+
+std::uint32_t BytesToRGB16FormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                     const LutFormPlan8& plan, bool stream)
+{
+    if (plan.pixelBytes != 4 || (group != 3 && group != 4))
+        return 0;
+    std::uint32_t done = 0;
+    Arith::WithChannelModes(plan, 0, [&](auto red, auto green, auto blue) {
+        done = BytesToRGB16FormedRun<decltype(red)::value, decltype(green)::value, decltype(blue)::value>(
+            s, d, n, group, plan, stream);
+    });
+    return done;
+}
+
 }  // namespace
 
 std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
@@ -291,7 +343,8 @@ std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, st
 const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                 BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
                                 ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2, nullptr,
-                                ThreeToFourFormedAvx2, nullptr};
+                                ThreeToFourFormedAvx2, nullptr,
+                                BytesToRGB16FormedAvx2};
 
 }  // namespace simd
 }  // namespace zo

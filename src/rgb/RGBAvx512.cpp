@@ -260,7 +260,7 @@ std::uint32_t BytesToRGB16TablesAvx512(const unsigned char* s, unsigned char* d,
 const RGBPaths kRGBPathsAVX512 = {"AVX-512",          ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                   BytesToRGB16Avx512, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
                                   ThreeToFourStreamAvx2, BytesToRGB16StreamAvx512, ThreeToFourTablesAvx512,
-                                  nullptr,          BytesToRGB16TablesAvx512};
+                                  nullptr,          BytesToRGB16TablesAvx512, nullptr};
 
 }  // namespace simd
 }  // namespace zo

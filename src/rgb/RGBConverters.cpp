@@ -154,7 +154,7 @@ void PrefilteredLine(const unsigned char* s, unsigned char* d, std::uint32_t n, 
 // line, against 1.5-1.7 for the identity line and the pass). RGB16, which no
 // pass can run over, takes the lookups before packing where the level has
 // them (AVX-512 VBMI), else the forms before packing where every table has
-// one (AVX2 and up, rgb/RGBAvx2Formed16.cpp: 1.9-2.0 times the identity
+// one (AVX2 and up, rgb/RGBAvx2.cpp: 1.9-2.0 times the identity
 // line at 1080p and 2.1-2.2 at 4096 x 3000 through gains 1.8, 1.0, 1.4,
 // against 2.7-2.9 for PrefilteredLine in the same runs), else
 // PrefilteredLine. `stream`: the identity line of

@@ -53,6 +53,11 @@ struct RGBPaths {
     // streaming when `stream`; null where the level has no such path.
     std::uint32_t (*bytesToRGB16Tables)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                         const unsigned char* const* tables, bool stream);
+    // The same through the forms of an 8-bit plan made for 4-byte pixels in
+    // red, green, blue order (the caller's lookups finish the line); null
+    // where the level has no such path.
+    std::uint32_t (*bytesToRGB16Formed)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                        const LutFormPlan8& plan, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and
@@ -74,11 +79,6 @@ std::uint32_t SwapThreeSsse3(const unsigned char* s, unsigned char* d, std::uint
 std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n);
 std::uint32_t ThreeToFourAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
 std::uint32_t ThreeToFourStreamAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst);
-// RGBAvx2Formed16.cpp: RGB16 packing through the forms of an 8-bit plan made
-// for 4-byte pixels in red, green, blue order (group 3 or 4; sixteen pixels
-// a step, the caller's lookups after it); 0 for any other plan.
-std::uint32_t BytesToRGB16FormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
-                                     const LutFormPlan8& plan, bool stream);
 extern const RGBPaths kRGBPathsSSSE3;
 extern const RGBPaths kRGBPathsAVX2;
 extern const RGBPaths kRGBPathsAVX512;

@@ -20,7 +20,7 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
 
 const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
                                   NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr,
-                                  nullptr, nullptr};
+                                  nullptr, nullptr, nullptr};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
@@ -64,16 +64,11 @@ std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::
 std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                  const LutTables8& tables, bool stream)
 {
-#if ZO_SIMD_X86
-    const RGBPaths& paths = RGBActivePaths();
-    if (&paths != &kRGBPathsAVX2 && &paths != &kRGBPathsAVX512)
+    const auto path = RGBActivePaths().bytesToRGB16Formed;
+    if (!path)
         return 0;
     const LutFormPlan8* plan = FormPlan8(tables, 4);
-    return plan ? BytesToRGB16FormedAvx2(s, d, n, group, *plan, stream) : 0;
-#else
-    (void)s, (void)d, (void)n, (void)group, (void)tables, (void)stream;
-    return 0;
-#endif
+    return plan ? path(s, d, n, group, *plan, stream) : 0;
 }
 
 std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,

@@ -6,7 +6,6 @@ list(APPEND ZO_LIB_SOURCES
 # Byte shuffles per instruction set, chosen at run time (RGBSimd.cpp).
 zo_add_simd_source(${_dir}/RGBSsse3.cpp SSSE3)
 zo_add_simd_source(${_dir}/RGBAvx2.cpp AVX2)
-zo_add_simd_source(${_dir}/RGBAvx2Formed16.cpp AVX2)
 zo_add_simd_source(${_dir}/RGBAvx512.cpp AVX512)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/rgb_bench.cpp)
