@@ -48,6 +48,16 @@ WordMasks MakeWordMasks(unsigned group, int low, int high)
             _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(hi)))};
 }
 
+// Sixteen pixels of `group` bytes at p for Gather: lane 0 from the 32 bytes
+// at p (pixels 0..7), lane 1 from the 32 at pixel 8; lo: bytes 0..15 of
+// each, hi: bytes 16..31.
+inline void LoadSixteen(const unsigned char* p, unsigned group, __m256i& lo, __m256i& hi)
+{
+    const unsigned char* q = p + 8 * group;
+    lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
+    hi = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p + 16)), Load(q + 16), 1);
+}
+
 inline __m256i Gather(__m256i lo, __m256i hi, const WordMasks& m)
 {
     return _mm256_or_si256(_mm256_shuffle_epi8(lo, m.lo), _mm256_shuffle_epi8(hi, m.hi));
@@ -73,10 +83,8 @@ std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uin
     const std::uint64_t inEnd = std::uint64_t(n) * group;
     auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
     auto step = [&](std::uint32_t i, auto streaming) {
-        const unsigned char* p = s + std::size_t(i) * group;
-        const unsigned char* q = p + 8 * group;
-        const __m256i lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
-        const __m256i hi = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p + 16)), Load(q + 16), 1);
+        __m256i lo, hi;
+        LoadSixteen(s + std::size_t(i) * group, group, lo, hi);
         const __m256i x = Gather(lo, hi, greenRed), y = Gather(lo, hi, blue);
         const __m256i word = _mm256_or_si256(
             _mm256_or_si256(_mm256_and_si256(x, redBits), _mm256_slli_epi16(_mm256_and_si256(x, greenBits), 3)),
@@ -299,10 +307,8 @@ std::uint32_t BytesToRGB16FormedRun(const unsigned char* s, unsigned char* d, st
     const std::uint64_t inEnd = std::uint64_t(n) * group;
     auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
     auto step = [&](std::uint32_t i, auto streaming) {
-        const unsigned char* p = s + std::size_t(i) * group;
-        const unsigned char* q = p + 8 * group;
-        const __m256i lo = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p)), Load(q), 1);
-        const __m256i hi = _mm256_inserti128_si256(_mm256_castsi128_si256(Load(p + 16)), Load(q + 16), 1);
+        __m256i lo, hi;
+        LoadSixteen(s + std::size_t(i) * group, group, lo, hi);
         const __m256i r = EvalBytes<Red>(Gather(lo, hi, m.red), forms.red);
         __m256i g = Gather(lo, hi, m.green);
         if constexpr (Green >= 0)

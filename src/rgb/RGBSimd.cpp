@@ -65,9 +65,7 @@ std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::
                                  const LutTables8& tables, bool stream)
 {
     const auto path = RGBActivePaths().bytesToRGB16Formed;
-    if (!path)
-        return 0;
-    const LutFormPlan8* plan = FormPlan8(tables, 4);
+    const LutFormPlan8* plan = path ? FormPlan8(tables, 4) : nullptr;
     return plan ? path(s, d, n, group, *plan, stream) : 0;
 }
 
@@ -75,9 +73,7 @@ std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::u
                                 const LutTables8& tables, bool stream)
 {
     const auto path = RGBActivePaths().threeToFourFormed;
-    if (!path)
-        return 0;
-    const LutFormPlan8* plan = FormPlan8(tables, 4);
+    const LutFormPlan8* plan = path ? FormPlan8(tables, 4) : nullptr;
     return plan ? path(s, d, n, blueFirst, *plan, stream) : 0;
 }
 
