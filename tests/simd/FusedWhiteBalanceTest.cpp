@@ -250,6 +250,7 @@ const Gains16 kGains16[] = {
     {12, 0.7, 1.0, 1.8, 0, 0, true, false, true, false},
     {16, 0.75, 1.0, 1.5, 0, 0, false, false, false, false},  // fast, red's slope below 1
     {12, 1.8, 1.0, 1.4, 5, 0, false, true, false, false},    // corrected, red fast with an offset
+    {16, 0.75, 0.5, 0.625, 0, 0, false, false, false, false},  // every slope below 1: not the unit forms
 };
 
 // Area sizes (at least the per-call plan's 65536 pixels): line interiors of
