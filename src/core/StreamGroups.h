@@ -29,11 +29,12 @@ using StreamingStores = std::true_type;
 
 // Runs step(i, OrdinaryStores{}) or step(i, StreamingStores{}) for groups
 // starting at unit i = 0, Group, ... while fits(i); returns the units
-// converted (the end of the last group). `stream` false: ordinary stores
-// only.
+// converted (the end of the last group). `n`: the units of the line, whose
+// end the caller writes. `stream` false: ordinary stores only.
 template <std::uint32_t Group, std::uint32_t UnitBytes, class Fits, class Step>
-inline std::uint32_t RunGroups(unsigned char* d, bool stream, Fits fits, Step step)
+inline std::uint32_t RunGroups(unsigned char* d, std::uint32_t n, bool stream, Fits fits, Step step)
 {
+    static_assert(64 % UnitBytes == 0, "a unit never straddles a 64-byte line");
     std::uint32_t i = 0;
     const std::uint32_t toLine = static_cast<std::uint32_t>(-reinterpret_cast<std::uintptr_t>(d) & 63);
     if (!stream || toLine % UnitBytes != 0) {
@@ -41,13 +42,36 @@ inline std::uint32_t RunGroups(unsigned char* d, bool stream, Fits fits, Step st
             step(i, OrdinaryStores{});
         return i;
     }
-    const std::uint32_t first = toLine / UnitBytes;  // the first unit that starts a line
-    for (; i < first; i += Group) {
+    // A line that ends inside a 64-byte line shares it with the next line's
+    // start (in a frame without padding), and both write it with ordinary
+    // stores, which first read it from memory. Asked for now, the read
+    // overlaps this line's streamed groups instead of stalling the stores
+    // at its end. Measured on RGB 24 -> BGRA at 1080p through gains 1.8,
+    // 1.0, 1.4 into frames 16 bytes past a 64-byte line (where malloc puts
+    // large blocks): 1.31-1.32 times the identity line's time before,
+    // 1.05-1.10 after.
+    const std::uintptr_t end = reinterpret_cast<std::uintptr_t>(d) + std::uintptr_t(n) * UnitBytes;
+    if (end & 63)
+        __builtin_prefetch(reinterpret_cast<const void*>(end - 1), 1, 3);
+    // Streaming starts at the first line start where a whole group of
+    // ordinary stores can end: no line takes both kinds of store (an
+    // ordinary store into a line that is then streamed, or the other way
+    // round, waits for memory).
+    constexpr std::uint32_t kLine = 64 / UnitBytes;
+    std::uint32_t start = toLine / UnitBytes;
+    while (start < Group)
+        start += kLine;
+    for (; i + Group <= start; i += Group) {
         if (!fits(i))
             return i;
         step(i, OrdinaryStores{});
     }
-    const std::uint32_t head = i;  // units [0, head) are converted, head >= first
+    if (i < start) {  // the last head group ends where streaming starts
+        if (!fits(start - Group))
+            return i;
+        step(start - Group, OrdinaryStores{});
+        i = start;
+    }
     constexpr std::uint32_t kGroupBytes = Group * UnitBytes;
     if constexpr (kGroupBytes < 64 && 64 % kGroupBytes == 0) {
         // Groups smaller than a 64-byte line stream only by whole lines: the
@@ -59,17 +83,16 @@ inline std::uint32_t RunGroups(unsigned char* d, bool stream, Fits fits, Step st
         // ordinary store into a line a streaming store has just half
         // written waits for memory); frames 16 bytes past a line start
         // measured 0.45-0.49 against 0.44-0.47.
-        constexpr std::uint32_t kLine = 64 / UnitBytes;
-        for (i = first; fits(i + kLine - Group);)
+        while (fits(i + kLine - Group))
             for (std::uint32_t end = i + kLine; i < end; i += Group)
                 step(i, StreamingStores{});
         for (; fits(i); i += Group)
             step(i, OrdinaryStores{});
     } else {
-        for (i = first; fits(i); i += Group)
+        for (; fits(i); i += Group)
             step(i, StreamingStores{});
     }
-    return i > head ? i : head;
+    return i;
 }
 
 }  // namespace

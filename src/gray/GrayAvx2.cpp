@@ -33,7 +33,7 @@ std::uint32_t BytesToRGB32(const unsigned char* s, unsigned char* d, std::uint32
         Store(d + std::size_t(i) * 4, _mm256_shuffle_epi8(g, spread0), streaming);
         Store(d + std::size_t(i) * 4 + 32, _mm256_shuffle_epi8(g, spread1), streaming);
     };
-    return RunGroups<16, 4>(d, stream, fits, step);
+    return RunGroups<16, 4>(d, n, stream, fits, step);
 }
 
 // Thirty-two gray bytes, widened to words w, give the RGB16 words
@@ -53,7 +53,7 @@ std::uint32_t BytesToRGB16(const unsigned char* s, unsigned char* d, std::uint32
         Store(d + std::size_t(i) * 2, word(_mm256_castsi256_si128(g)), streaming);
         Store(d + std::size_t(i) * 2 + 32, word(_mm256_extracti128_si256(g, 1)), streaming);
     };
-    return RunGroups<32, 2>(d, stream, fits, step);
+    return RunGroups<32, 2>(d, n, stream, fits, step);
 }
 
 // Thirty-two words a step: shifted, masked to a byte, packed (the in-lane
@@ -70,7 +70,7 @@ std::uint32_t WordsToGray8(const unsigned char* s, unsigned char* d, std::uint32
         const __m256i b = _mm256_and_si256(_mm256_srl_epi16(Load(p + 32), count), low);
         Store(d + i, _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0)), streaming);
     };
-    return RunGroups<32, 1>(d, stream, fits, step);
+    return RunGroups<32, 1>(d, n, stream, fits, step);
 }
 
 std::uint32_t BytesToRGB32Avx2(const unsigned char* s, unsigned char* d, std::uint32_t n)

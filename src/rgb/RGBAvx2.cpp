@@ -91,7 +91,7 @@ std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uin
             _mm256_srli_epi16(y, 3));
         Store(d + std::size_t(i) * 2, word, streaming);
     };
-    const std::uint32_t i = RunGroups<16, 2>(d, stream, fits, step);
+    const std::uint32_t i = RunGroups<16, 2>(d, n, stream, fits, step);
     return i + BytesToRGB16Ssse3(s + std::size_t(i) * group, d + std::size_t(i) * 2, n - i, group);
 }
 
@@ -123,7 +123,7 @@ std::uint32_t ThreeToFourRun(const unsigned char* s, unsigned char* d, std::uint
         const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s + std::size_t(i) * 3));
         Store(d + std::size_t(i) * 4, _mm256_shuffle_epi8(_mm256_permutevar8x32_epi32(v, lanes), spread), streaming);
     };
-    const std::uint32_t i = RunGroups<8, 4>(d, stream, fits, step);
+    const std::uint32_t i = RunGroups<8, 4>(d, n, stream, fits, step);
     return i + ThreeToFourSsse3(s + std::size_t(i) * 3, d + std::size_t(i) * 4, n - i, blueFirst);
 }
 
@@ -186,7 +186,7 @@ std::uint32_t ThreeToFourFormedRun(const unsigned char* s, unsigned char* d, std
     auto step = [&](std::uint32_t i, auto streaming) {
         Store(d + std::size_t(i) * 4, convert(s + std::size_t(i) * 3, lanes), streaming);
     };
-    std::uint32_t done = RunGroups<8, 4>(d, stream, fits, step);
+    std::uint32_t done = RunGroups<8, 4>(d, n, stream, fits, step);
     if (done == 0 || done == n)
         return done;
     // The last pixels, eight at a time from the 32 bytes that end at the
@@ -260,7 +260,7 @@ std::uint32_t ThreeToFourUnitRun(const unsigned char* s, unsigned char* d, std::
         Store(q, _mm256_or_si256(_mm256_unpacklo_epi16(x, y), _mm256_shuffle_epi8(a, middle)), streaming);
         Store(q + 32, _mm256_or_si256(_mm256_unpackhi_epi16(x, y), _mm256_shuffle_epi8(b, middle)), streaming);
     };
-    return RunGroups<16, 4>(d, stream, fits, step);
+    return RunGroups<16, 4>(d, n, stream, fits, step);
 }
 
 std::uint32_t ThreeToFourFormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
@@ -319,7 +319,7 @@ std::uint32_t BytesToRGB16FormedRun(const unsigned char* s, unsigned char* d, st
                                              _mm256_srli_epi16(b, 3));
         Store(d + std::size_t(i) * 2, word, streaming);
     };
-    return RunGroups<16, 2>(d, stream, fits, step);
+    return RunGroups<16, 2>(d, n, stream, fits, step);
 }
 
 std::uint32_t BytesToRGB16FormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,

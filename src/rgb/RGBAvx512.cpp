@@ -73,7 +73,7 @@ std::uint32_t BytesToRGB16Steps(const unsigned char* s, unsigned char* d, std::u
             _mm512_srli_epi16(y, 3));
         Store(d + std::size_t(i) * 2, word, streaming);
     };
-    return RunGroups<32, 2>(d, stream, fits, step);
+    return RunGroups<32, 2>(d, n, stream, fits, step);
 }
 
 // The identity: the AVX2 path takes what is left of the line.
@@ -185,7 +185,7 @@ std::uint32_t ThreeToFourTablesStream16(const unsigned char* s, unsigned char* d
                 r = _mm512_mask_mov_epi8(r, 0x1111111111111111ull << c, LookUp(v, t.table[c]));
         Store(d + std::size_t(i) * 4, r, streaming);
     };
-    return RunGroups<16, 4>(d, true, fits, step);
+    return RunGroups<16, 4>(d, n, true, fits, step);
 }
 
 // Three- to four-byte pixels through 8-bit tables, sixty-four pixels a
@@ -222,7 +222,7 @@ std::uint32_t ThreeToFourTablesAvx512(const unsigned char* s, unsigned char* d, 
     };
     if (stream)
         return ThreeToFourTablesStream16(s, d, n, x.part[0], t);
-    std::uint32_t i = RunGroups<64, 4>(d, false, fits, step);
+    std::uint32_t i = RunGroups<64, 4>(d, n, false, fits, step);
     for (; i + 16 <= n; i += 16) {
         const __m512i v = LookUpSource(_mm512_maskz_loadu_epi8(sourceBytes, s + std::size_t(i) * 3), t, 0);
         _mm512_storeu_si512(d + std::size_t(i) * 4, _mm512_maskz_permutexvar_epi8(colour, x.part[0], v));

@@ -60,7 +60,7 @@ std::uint32_t ThreeToFourStreamSsse3(const unsigned char* s, unsigned char* d, s
         else
             Store(d + std::size_t(i) * 4, v);
     };
-    return RunGroups<4, 4>(d, true, fits, step);
+    return RunGroups<4, 4>(d, n, true, fits, step);
 }
 
 std::uint32_t FourToThreeSsse3(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst)
