@@ -69,16 +69,23 @@ inline __m256i Gather(__m256i lo, __m256i hi, const WordMasks& m)
 // (x & 0xF800) | ((x & 0xFC) << 3) | (y >> 3). The loads of lane 1 end at
 // byte 8 x group + 32 of the step: the loop stops while that lies inside
 // the n pixels, and the SSSE3 path takes what is left.
+// The masks that gather x = g | r << 8 and y = b from pixels of `group`
+// bytes (3 or 4), made once (making them costs as much as converting a
+// hundred pixels).
+struct PackMasks {
+    WordMasks greenRed, blue;
+};
+
+const PackMasks& PackMasksOf(unsigned group)
+{
+    static const PackMasks kMasks[2] = {{MakeWordMasks(3, 1, 0), MakeWordMasks(3, 2, -1)},
+                                        {MakeWordMasks(4, 1, 0), MakeWordMasks(4, 2, -1)}};
+    return kMasks[group == 4];
+}
+
 std::uint32_t BytesToRGB16Run(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group, bool stream)
 {
-    // The masks of both groups, made once (making them costs as much as
-    // converting a hundred pixels).
-    struct Masks {
-        WordMasks greenRed, blue;
-    };
-    static const Masks kMasks[2] = {{MakeWordMasks(3, 1, 0), MakeWordMasks(3, 2, -1)},
-                                    {MakeWordMasks(4, 1, 0), MakeWordMasks(4, 2, -1)}};
-    const WordMasks greenRed = kMasks[group == 4].greenRed, blue = kMasks[group == 4].blue;
+    const WordMasks greenRed = PackMasksOf(group).greenRed, blue = PackMasksOf(group).blue;
     const __m256i redBits = _mm256_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm256_set1_epi16(0xFC);
     const std::uint64_t inEnd = std::uint64_t(n) * group;
     auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
@@ -322,6 +329,51 @@ std::uint32_t BytesToRGB16FormedRun(const unsigned char* s, unsigned char* d, st
     return RunGroups<16, 2>(d, n, stream, fits, step);
 }
 
+// BytesToRGB16Run's sixteen pixels a step through the unit forms of
+// LutRgb16Forms: red (taken from x's high bytes), green (unless its table is
+// the identity) and blue each become min(255, v + MulHi(v, fraction)) in
+// their 16-bit lanes (a saturating byte sum: both terms are below 256),
+// which the packing then truncates to the bits where the form matches the
+// table. Two operations a channel, where the tables' own forms take up to
+// nine (a gain of 1.4 needs the corrected form, whose packed bits the fast
+// one gives). The caller's lookups finish the line.
+template <bool Green>
+std::uint32_t BytesToRGB16UnitRun(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                  const LutRgb16Forms& forms, bool stream)
+{
+    const PackMasks& m = PackMasksOf(group);
+    const __m256i red = _mm256_set1_epi16(static_cast<short>(forms.fraction[0]));
+    const __m256i green = _mm256_set1_epi16(static_cast<short>(forms.fraction[1]));
+    const __m256i blue = _mm256_set1_epi16(static_cast<short>(forms.fraction[2]));
+    const __m256i redBits = _mm256_set1_epi16(static_cast<short>(0xF800)), greenBits = _mm256_set1_epi16(0xFC);
+    const __m256i lowBytes = _mm256_set1_epi16(0xFF);
+    auto unit = [](__m256i v, __m256i fraction) { return _mm256_adds_epu8(v, _mm256_mulhi_epu16(v, fraction)); };
+    const std::uint64_t inEnd = std::uint64_t(n) * group;
+    auto fits = [&](std::uint32_t i) { return std::uint64_t(i) * group + 8 * group + 32 <= inEnd; };
+    auto step = [&](std::uint32_t i, auto streaming) {
+        __m256i lo, hi;
+        LoadSixteen(s + std::size_t(i) * group, group, lo, hi);
+        const __m256i x = Gather(lo, hi, m.greenRed);
+        const __m256i r = unit(_mm256_srli_epi16(x, 8), red);
+        const __m256i g = Green ? unit(_mm256_and_si256(x, lowBytes), green) : x;
+        const __m256i b = unit(Gather(lo, hi, m.blue), blue);
+        const __m256i word = _mm256_or_si256(_mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(r, 8), redBits),
+                                                             _mm256_slli_epi16(_mm256_and_si256(g, greenBits), 3)),
+                                             _mm256_srli_epi16(b, 3));
+        Store(d + std::size_t(i) * 2, word, streaming);
+    };
+    return RunGroups<16, 2>(d, n, stream, fits, step);
+}
+
+std::uint32_t BytesToRGB16UnitAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                   const LutRgb16Forms& forms, bool stream)
+{
+    if (group != 3 && group != 4)
+        return 0;
+    return forms.identity[1] ? BytesToRGB16UnitRun<false>(s, d, n, group, forms, stream)
+                             : BytesToRGB16UnitRun<true>(s, d, n, group, forms, stream);
+}
+
 std::uint32_t BytesToRGB16FormedAvx2(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                      const LutFormPlan8& plan, bool stream)
 {
@@ -350,7 +402,7 @@ const RGBPaths kRGBPathsAVX2 = {"AVX2",           ThreeToFourAvx2,    FourToThre
                                 BytesToRGB16Avx2, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
                                 ThreeToFourStreamAvx2, BytesToRGB16StreamAvx2, nullptr,
                                 ThreeToFourFormedAvx2, nullptr,
-                                BytesToRGB16FormedAvx2};
+                                BytesToRGB16FormedAvx2, BytesToRGB16UnitAvx2};
 
 }  // namespace simd
 }  // namespace zo

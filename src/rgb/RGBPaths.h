@@ -15,6 +15,7 @@ namespace zo {
 namespace simd {
 
 struct LutFormPlan8;
+struct LutRgb16Forms;
 
 struct RGBPaths {
     const char* name;
@@ -58,6 +59,10 @@ struct RGBPaths {
     // where the level has no such path.
     std::uint32_t (*bytesToRGB16Formed)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                         const LutFormPlan8& plan, bool stream);
+    // The same through the unit forms that match the tables in the bits
+    // RGB16 keeps (simd/LutForm.h); null where the level has no such path.
+    std::uint32_t (*bytesToRGB16Unit)(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
+                                      const LutRgb16Forms& forms, bool stream);
 };
 
 // RGBSsse3.cpp: four (RGB16, planes: eight, sixteen) pixels a step, and

@@ -20,7 +20,7 @@ std::uint32_t NoPlanes(const unsigned char*, unsigned char*, unsigned char*, uns
 
 const RGBPaths kRGBPathsScalar = {"scalar", NoPixelsOrdered, NoPixelsOrdered, NoPixelsOrdered, NoRGB16,
                                   NoPlanes, NoPixels,        NoPixels,        NoPixelsOrdered, NoRGB16, nullptr,
-                                  nullptr, nullptr, nullptr};
+                                  nullptr, nullptr, nullptr, nullptr};
 
 const RGBPaths* ChooseRGBPaths(CpuLevel level)
 {
@@ -64,7 +64,12 @@ std::uint32_t BytesToRGB16Tables(const unsigned char* s, unsigned char* d, std::
 std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                  const LutTables8& tables, bool stream)
 {
-    const auto path = RGBActivePaths().bytesToRGB16Formed;
+    const RGBPaths& paths = RGBActivePaths();
+    if (paths.bytesToRGB16Unit)
+        if (const LutRgb16Forms* forms = Rgb16Forms(tables))
+            if (const std::uint32_t done = paths.bytesToRGB16Unit(s, d, n, group, *forms, stream))
+                return done;
+    const auto path = paths.bytesToRGB16Formed;
     const LutFormPlan8* plan = path ? FormPlan8(tables, 4) : nullptr;
     return plan ? path(s, d, n, group, *plan, stream) : 0;
 }

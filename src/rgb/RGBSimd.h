@@ -114,7 +114,9 @@ struct LutTables8;
 std::uint32_t ThreeToFourFormed(const unsigned char* s, unsigned char* d, std::uint32_t n, bool blueFirst,
                                 const LutTables8& tables, bool stream);
 // BytesToRGB16Tables through such forms (`tables` red, green, blue), at the
-// AVX2 level and up; 0 elsewhere or where a table has no form.
+// AVX2 level and up: the unit forms that match the tables in the bits RGB16
+// keeps where every table has one (LutRgb16Forms), else the tables' own;
+// 0 elsewhere or where a table has neither.
 std::uint32_t BytesToRGB16Formed(const unsigned char* s, unsigned char* d, std::uint32_t n, unsigned group,
                                  const LutTables8& tables, bool stream);
 

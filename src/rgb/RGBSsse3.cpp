@@ -170,7 +170,7 @@ std::uint32_t SwapFourSsse3(const unsigned char* s, unsigned char* d, std::uint3
 const RGBPaths kRGBPathsSSSE3 = {"SSSE3",           ThreeToFourSsse3,   FourToThreeSsse3, FourToFourSsse3,
                                  BytesToRGB16Ssse3, ThreeToPlanesSsse3, SwapThreeSsse3,   SwapFourSsse3,
                                  ThreeToFourStreamSsse3, BytesToRGB16Ssse3, nullptr,
-                                 nullptr, nullptr, nullptr};
+                                 nullptr, nullptr, nullptr, nullptr};
 
 }  // namespace simd
 }  // namespace zo

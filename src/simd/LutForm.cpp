@@ -461,6 +461,74 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
     return &cache.plan;
 }
 
+bool PackedUnitFraction(const std::uint8_t* table, unsigned dropBits, std::uint16_t& fraction)
+{
+    if ((table[0] >> dropBits) != 0)
+        return false;
+    // Each index bounds the fraction from both sides: the sum i + m, with
+    // m = floor(i * fraction / 2^16), must fall in the entry's bucket of
+    // 2^dropBits values (or reach the top bucket, saturating past 255).
+    const std::int64_t top = 255 >> dropBits;
+    std::int64_t low = 0, high = 65535;
+    for (std::int64_t i = 1; i < 256; ++i) {
+        const std::int64_t bucket = table[i] >> dropBits;
+        const std::int64_t least = (bucket << dropBits) - i;
+        if (least > 0)
+            low = std::max(low, (least * 65536 + i - 1) / i);
+        if (bucket != top) {
+            const std::int64_t most = (bucket << dropBits) + (std::int64_t(1) << dropBits) - 1 - i;
+            if (most < 0)
+                return false;
+            high = std::min(high, ((most + 1) * 65536 - 1) / i);
+        }
+    }
+    if (low > high)
+        return false;
+    LutChannelForm form{};
+    form.fh = static_cast<std::uint16_t>(low);
+    for (unsigned i = 0; i < 256; ++i)
+        if ((EvalLutUnit8(form, false, static_cast<std::uint8_t>(i)) >> dropBits) != (table[i] >> dropBits))
+            return false;
+    fraction = form.fh;
+    return true;
+}
+
+namespace {
+
+struct CacheRgb16 {
+    bool filled = false;
+    bool has = false;
+    std::uint8_t tables[3][256];
+    LutRgb16Forms forms;
+};
+
+thread_local CacheRgb16 tCacheRgb16;
+
+}  // namespace
+
+const LutRgb16Forms* Rgb16Forms(const LutTables8& t)
+{
+    CacheRgb16& cache = tCacheRgb16;
+    const std::uint8_t* const tables[3] = {t.byte0, t.byte1, t.byte2};
+    if (cache.filled && std::memcmp(cache.tables[0], tables[0], 256) == 0 &&
+        std::memcmp(cache.tables[1], tables[1], 256) == 0 && std::memcmp(cache.tables[2], tables[2], 256) == 0)
+        return cache.has ? &cache.forms : nullptr;
+    cache.filled = true;
+    cache.has = true;
+    static constexpr unsigned kDropBits[3] = {3, 2, 3};
+    for (unsigned c = 0; c < 3; ++c) {
+        std::memcpy(cache.tables[c], tables[c], 256);
+        unsigned i = 0;
+        while (i < 256 && tables[c][i] == i)
+            ++i;
+        cache.forms.identity[c] = i == 256;
+        cache.forms.fraction[c] = 0;
+        if (!cache.forms.identity[c] && !PackedUnitFraction(tables[c], kDropBits[c], cache.forms.fraction[c]))
+            cache.has = false;
+    }
+    return cache.has ? &cache.forms : nullptr;
+}
+
 namespace {
 
 // Whether a plan checked at the indices up to `last` (entries from `last` on

@@ -143,6 +143,30 @@ struct LutFormPlan16 {
     std::uint32_t identityBelow[3];
 };
 
+// RGB 5:6:5 words keep the top five bits of red and blue and the top six
+// of green, so before packing a table needs to be matched only in those
+// bits. fraction[c]: the fraction of the fast unit form
+// h = min(255, i + (i * fraction >> 16)) (EvalLutUnit8 with fh = fraction)
+// whose kept bits are table c's at every index; identity[c]: table c gives
+// every index itself (its fraction is 0, which gives it too). Tables in
+// the order red, green, blue (byte0..byte2).
+struct LutRgb16Forms {
+    std::uint16_t fraction[3];
+    bool identity[3];
+};
+
+// Searches the fraction of one table whose unit form matches it in all but
+// its low `dropBits` bits; false where there is none. Of the gains 1.00,
+// 1.01, ... 1.99 (tables as ZoRGBFilter::SetMultipliers makes them), every
+// one has such a form for red and blue's five bits, all but 1.4 for
+// green's six, all but five for all eight bits.
+bool PackedUnitFraction(const std::uint8_t* table, unsigned dropBits, std::uint16_t& fraction);
+
+// The RGB16 forms of three tables, or null where one has none. The pointer
+// stays valid on this thread until its next call of this function.
+struct LutTables8;
+const LutRgb16Forms* Rgb16Forms(const LutTables8& tables);
+
 // The plan for 8-bit tables (byte order of the layout) on pixels of
 // `pixelBytes` (fast, general or corrected forms), or null when a table has
 // none. The pointer stays valid on this thread until its next call of this

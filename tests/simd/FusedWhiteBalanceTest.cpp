@@ -10,6 +10,7 @@
 // one by one).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
@@ -171,6 +172,82 @@ TEST(FusedWhiteBalance, FormsMatchTheScalarLevelAtEveryLineLength)
                          << ", destination 0x" << c.destination;
                     zo::SetStreamingThreshold(threshold);
                     ExpectEveryLevelMatchesScalar(conv, filter, input, width, kHeight, c.flags, what.str());
+                    zo::ResetStreamingThreshold();
+                }
+    }
+}
+
+// RGB16 keeps five bits of red and blue and six of green: the unit form
+// whose fraction PackedUnitFraction finds must give the table's kept bits
+// at every index, and it must find one wherever a search over every
+// fraction does (the gains cover tables with and without one, an offset
+// and slopes below 1 and of 2).
+TEST(FusedWhiteBalance, PackedUnitFractionsAreFoundWhereverOneExists)
+{
+    struct Case {
+        double gain;
+        std::uint16_t offset;
+        unsigned dropBits;
+        bool has;
+    };
+    const Case kCases[] = {
+        {1.4, 0, 3, true},  {1.4, 0, 2, false}, {1.4, 0, 0, false}, {1.15, 0, 3, true}, {1.15, 0, 0, false},
+        {1.8, 0, 0, true},  {1.8, 0, 2, true},  {1.0, 0, 3, true},  {1.99, 0, 3, true}, {0.9, 0, 3, false},
+        {2.2, 0, 3, false}, {1.6, 3, 3, false}, {1.105, 0, 0, true},  // one fraction only
+    };
+    auto matches = [](const std::uint8_t* table, unsigned drop, std::uint32_t fraction) {
+        for (std::uint32_t i = 0; i < 256; ++i)
+            if ((std::min(i + ((i * fraction) >> 16), 255u) >> drop) != std::uint32_t(table[i] >> drop))
+                return false;
+        return true;
+    };
+    for (const Case& c : kCases) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(c.gain, 1.0, 1.0, c.offset, 0, 0), ZO_OK);
+        const std::uint8_t* table = filter.RedTable8();
+        bool exists = false;
+        for (std::uint32_t f = 0; f < 65536 && !exists; ++f)
+            exists = matches(table, c.dropBits, f);
+        std::uint16_t fraction = 0;
+        const bool found = zo::simd::PackedUnitFraction(table, c.dropBits, fraction);
+        EXPECT_EQ(exists, c.has) << c.gain << " + " << c.offset << ", dropping " << c.dropBits;
+        EXPECT_EQ(found, exists) << c.gain << " + " << c.offset << ", dropping " << c.dropBits;
+        if (found) {
+            EXPECT_TRUE(matches(table, c.dropBits, fraction)) << c.gain << ", fraction " << fraction;
+        }
+    }
+}
+
+// RGB 24 and RGB32 to RGB16 at every line length up to beyond two of the
+// widest steps, ordinary and streaming: through the unit forms of
+// Rgb16Forms (green skipped or evaluated, red the identity) and, where a
+// table has none (green 1.4), the tables' own forms or lookups.
+TEST(FusedWhiteBalance, Rgb16FormsMatchTheScalarLevelAtEveryLineLength)
+{
+    constexpr std::uint32_t kHeight = 3;
+    std::mt19937 rng(53);
+    const struct {
+        double red, green, blue;
+        bool packed;
+    } kGainSets[] = {{1.8, 1.0, 1.4, true}, {1.8, 1.2, 1.15, true}, {1.0, 1.0, 1.4, true}, {1.8, 1.4, 1.6, false}};
+    for (const auto& g : kGainSets) {
+        ZoRGBFilter filter(8);
+        ASSERT_EQ(filter.SetMultipliers(g.red, g.green, g.blue), ZO_OK);
+        EXPECT_EQ(zo::simd::Rgb16Forms(zo::simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(),
+                                                                      filter.BlueTable8(), 0)) != nullptr,
+                  g.packed)
+            << g.red << " " << g.green << " " << g.blue;
+        for (std::uint64_t threshold : {std::uint64_t(1) << 62, std::uint64_t(1)})
+            for (std::int64_t source : {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32})
+                for (std::uint32_t width = 1; width <= 136; width += width < 72 ? 1 : 7) {
+                    const ZoPixelConverter& conv = ZoPixelTypeFactory::GetConverter(source, ZO_PT_RGB16);
+                    const std::vector<std::uint8_t> input =
+                        zotest::RandomBytes(std::size_t(conv.GetSourceByteSize(width)) * (kHeight + 1) + 64, rng);
+                    std::ostringstream what;
+                    what << "gains " << g.red << " " << g.green << " " << g.blue << ", width " << width
+                         << (threshold == 1 ? ", streaming" : "") << std::hex << ", source 0x" << source;
+                    zo::SetStreamingThreshold(threshold);
+                    ExpectEveryLevelMatchesScalar(conv, filter, input, width, kHeight, 0, what.str());
                     zo::ResetStreamingThreshold();
                 }
     }
