@@ -275,10 +275,9 @@ BENCHMARK(BM_WhiteBalance_Gain16_RGB24PackedToBGR32)->Apply(Rows);
 
 // Rows measured against this machine's memcpy of the destination (the
 // id/memcpy counter; their wb figures repeat the identity where the pair
-// takes no filter). The counter `streams` is 1 where the source and
-// destination reach the library's streaming threshold (core/StreamStores.h):
-// a conversion whose kernels have a streaming form then writes around the
-// cache.
+// takes no filter). The counter `streams` is 1 where the library's rule
+// streams into these cold destinations (core/StreamStores.h): a conversion
+// whose kernels have a streaming form then writes around the cache.
 namespace {
 
 void ColdRow(benchmark::State& s, std::int64_t source, std::int64_t destination, unsigned sampleBits,
@@ -291,7 +290,7 @@ void ColdRow(benchmark::State& s, std::int64_t source, std::int64_t destination,
     const auto width = static_cast<std::uint32_t>(s.range(0));
     const std::uint64_t footprint = std::uint64_t(s.range(1)) * (std::uint64_t(converter.GetSourceByteSize(width)) +
                                                                  converter.GetDestinationByteSize(width));
-    s.counters["streams"] = footprint >= zo::StreamingThreshold() ? 1 : 0;
+    s.counters["streams"] = zo::StreamingRule(footprint, false) ? 1 : 0;
 }
 
 void BM_ColdRow_RGB24PackedToRGB16(benchmark::State& s)
@@ -362,7 +361,7 @@ void ConvertThenRead(benchmark::State& state, std::int64_t source, std::int64_t 
     const std::uint32_t width = row.width, height = row.height;
     const std::size_t sourceBytes = row.sourceBytes, destinationBytes = row.destinationBytes;
     Ring& ring = *row.ring;
-    const bool rule = sourceBytes + destinationBytes >= zo::StreamingThreshold();
+    const bool rule = zo::StreamingRule(sourceBytes + destinationBytes, frames != Frames::kCold);
     const ZoRGBFilter identity(sampleBits > 8 ? 16 : 8);
 
     std::size_t slot = 0;

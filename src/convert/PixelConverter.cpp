@@ -176,9 +176,9 @@ std::uint32_t ZoPixelConverter::Convert(const unsigned char* source, std::uint32
         }
     };
 
-    // The one store fence for lines written with streaming stores, after
-    // the last line call.
-    const zo::AreaFinish finish;
+    // Streaming or ordinary stores for every line, and the one store fence
+    // for lines written with streaming stores after the last line call.
+    const zo::AreaStores stores(context, destination);
 
     // A band conversion in progress on this thread makes only the calls
     // that write its lines (see convert/BandWindow.h).

@@ -68,6 +68,22 @@ constexpr std::uint64_t kUnset = ~std::uint64_t(0);
 constexpr std::uint64_t kNever = kUnset - 1;  // no footprint reaches it
 std::atomic<std::uint64_t> gThreshold{kUnset};
 
+// ZOIMG_STREAMING's threshold, kUnset where it says neither `off` nor `on`.
+std::uint64_t SettingThreshold()
+{
+    static const std::uint64_t setting = ThresholdFromSetting(std::getenv("ZOIMG_STREAMING"), kUnset);
+    return setting;
+}
+
+// The thread's last four area destinations, and the choice of the area
+// conversion in progress on it.
+struct ThreadStores {
+    const unsigned char* recent[4] = {};
+    unsigned next = 0;
+    bool stream = false;
+};
+thread_local ThreadStores tStores;
+
 }  // namespace
 
 std::uint64_t LastLevelCacheBytes()
@@ -81,8 +97,19 @@ std::uint64_t StreamingThreshold()
     const std::uint64_t set = gThreshold.load(std::memory_order_relaxed);
     if (set != kUnset)
         return set;
-    static const std::uint64_t rule = ThresholdFromSetting(std::getenv("ZOIMG_STREAMING"), LastLevelCacheBytes() / 4);
-    return rule;
+    return SettingThreshold() != kUnset ? SettingThreshold() : LastLevelCacheBytes() / 2;
+}
+
+std::uint64_t NewDestinationThreshold()
+{
+    if (gThreshold.load(std::memory_order_relaxed) != kUnset || SettingThreshold() != kUnset)
+        return StreamingThreshold();
+    return LastLevelCacheBytes() / 8;
+}
+
+bool StreamingRule(std::uint64_t footprint, bool recent)
+{
+    return footprint >= (recent ? StreamingThreshold() : NewDestinationThreshold());
 }
 
 std::uint64_t ThresholdFromSetting(const char* value, std::uint64_t cacheRule)
@@ -106,11 +133,31 @@ void ResetStreamingThreshold() { gThreshold.store(kUnset); }
 
 bool StreamDestination(const ZoPixelConverterContext& context)
 {
-    if (!context.filter || ThreadBandWindow().active)
-        return false;
+    return context.filter && tStores.stream && !ThreadBandWindow().active;
+}
+
+AreaStores::AreaStores(const ZoPixelConverterContext& context, const unsigned char* destination)
+    : mOuter(tStores.stream)
+{
+    ThreadStores& t = tStores;
+    bool recent = false;
+    for (const unsigned char* d : t.recent)
+        recent = recent || d == destination;
+    if (!recent) {
+        t.recent[t.next] = destination;
+        t.next = (t.next + 1) % 4;
+    }
     const std::uint64_t footprint =
         std::uint64_t(context.areaHeight) * (std::uint64_t(context.sourceLineBytes) + context.destinationLineBytes);
-    return footprint >= StreamingThreshold();
+    t.stream = StreamingRule(footprint, recent);
+}
+
+// The fence is unconditional: with no streamed store pending it costs a
+// few cycles.
+AreaStores::~AreaStores()
+{
+    StreamFence();
+    tStores.stream = mOuter;
 }
 
 void StreamCopy(unsigned char* d, const unsigned char* s, std::size_t bytes)
@@ -141,10 +188,5 @@ void StreamFence()
     _mm_sfence();
 #endif
 }
-
-// Unconditional: a fence with no streamed store pending costs a few cycles,
-// and the choice may not be asked again (the threshold can change between
-// the first line and the last).
-void FinishArea() { StreamFence(); }
 
 }  // namespace zo

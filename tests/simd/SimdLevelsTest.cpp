@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <iostream>
 #include <random>
 #include <set>
@@ -159,6 +160,55 @@ TEST(StreamingStores, TheSettingChoosesTheRule)
                   {"on", 0},       {"ON", 0},  {"o", rule},    {"offf", rule}, {"on ", rule}, {"1", rule}};
     for (const auto& c : kCases)
         EXPECT_EQ(zo::ThresholdFromSetting(c.value, rule), c.threshold) << (c.value ? c.value : "(unset)");
+}
+
+// The cache rule, through one area's choice as the walk makes it: a
+// destination none of the thread's last four area conversions wrote streams
+// from an eighth of the last-level cache, one of them from half of it;
+// inner area conversions give the outer choice back; a set threshold holds
+// for every destination. Skipped where ZOIMG_STREAMING sets the rule.
+TEST(StreamingStores, RecentDestinationsStreamOnlyWhenLarge)
+{
+    if (std::getenv("ZOIMG_STREAMING"))
+        GTEST_SKIP() << "ZOIMG_STREAMING is set";
+    const std::uint64_t cache = zo::LastLevelCacheBytes();
+    const ZoRGBFilter filter(8);
+    unsigned char buffers[6];
+    auto streams = [&](const unsigned char* destination, std::uint64_t footprint) {
+        ZoPixelConverterContext context;
+        context.filter = &filter;
+        context.sourceLineBytes = 64;
+        context.destinationLineBytes = 64;
+        context.areaHeight = static_cast<std::uint32_t>(footprint / 128);
+        const zo::AreaStores stores(context, destination);
+        return zo::StreamDestination(context);
+    };
+    EXPECT_FALSE(streams(&buffers[0], cache / 8 - 128));
+    EXPECT_TRUE(streams(&buffers[1], cache / 8));
+    EXPECT_FALSE(streams(&buffers[1], cache / 8));  // now one of the last four
+    EXPECT_FALSE(streams(&buffers[0], cache / 2 - 128));
+    EXPECT_TRUE(streams(&buffers[0], cache / 2));
+    for (int i = 2; i < 5; ++i)
+        streams(&buffers[i], 0);
+    EXPECT_FALSE(streams(&buffers[1], cache / 8));  // three others since
+    for (int i = 2; i < 6; ++i)
+        streams(&buffers[i], 0);
+    EXPECT_TRUE(streams(&buffers[1], cache / 8));  // four others since
+    {
+        ZoPixelConverterContext outer;
+        outer.filter = &filter;
+        outer.sourceLineBytes = outer.destinationLineBytes = 64;
+        outer.areaHeight = static_cast<std::uint32_t>(cache / 8 / 128);
+        const zo::AreaStores stores(outer, &buffers[5] + 1);
+        EXPECT_FALSE(streams(&buffers[2], 0));
+        EXPECT_TRUE(zo::StreamDestination(outer));
+        outer.filter = nullptr;  // a direct line call
+        EXPECT_FALSE(zo::StreamDestination(outer));
+    }
+    zo::SetStreamingThreshold(1024);
+    EXPECT_TRUE(streams(&buffers[1], 1024));
+    EXPECT_FALSE(streams(&buffers[3], 896));
+    zo::ResetStreamingThreshold();
 }
 
 // Every family follows the ceiling: at the scalar level each chooses its
