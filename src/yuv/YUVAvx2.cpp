@@ -14,6 +14,7 @@
 #if defined(__AVX2__)
 #include <immintrin.h>
 
+#include "core/StreamGroups.h"
 #include "simd/LutArith.h"
 #include "simd/LutV256.h"
 #include "yuv/YUVSimdTransform.h"
@@ -51,6 +52,8 @@ struct V256 {
 
 inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
 inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
+inline void Store(unsigned char* d, __m256i v, OrdinaryStores) { Store(d, v); }
+inline void Store(unsigned char* d, __m256i v, StreamingStores) { _mm256_stream_si256(reinterpret_cast<__m256i*>(d), v); }
 
 // Thirty-two pixels as clamped bytes, quarters in natural or packed order.
 struct Bytes32 {
@@ -260,31 +263,41 @@ inline void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
 // results. The source's 8-byte quarters (four pixels each) are first put in
 // the order 0, 2 | 1, 3, so that after packing (first, third) and (green, 0)
 // two rounds of in-lane unpacking give pixels 0-7 and 8-15 in order.
-template <unsigned RedIndex, class Reader>
-std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
+template <unsigned RedIndex, class Streaming>
+inline void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b, Streaming streaming)
 {
-    const __m256i zero = _mm256_setzero_si256();
-    const std::uint32_t groups = pairs / 16;
-    for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 128) {
+    const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
+    const __m256i middle = _mm256_packus_epi16(g, _mm256_setzero_si256());
+    const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
+    const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
+    Store(d, _mm256_unpacklo_epi16(lo, hi), streaming);       // pixels 0-7
+    Store(d + 32, _mm256_unpackhi_epi16(lo, hi), streaming);  // pixels 8-15
+}
+
+// Sixteen pairs (128 destination bytes) a group, with streaming stores
+// where `stream` says and the destination allows (core/StreamGroups.h).
+template <unsigned RedIndex, class Reader>
+std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
+                           bool stream)
+{
+    constexpr std::uint32_t kPairBytes = Reader::kGroupBytes / 16;
+    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) {
         __m256i x[2];
-        reader.Load2(src, x[0], x[1]);
+        reader.Load2(src + std::size_t(i) * kPairBytes, x[0], x[1]);
+        unsigned char* d = dst + std::size_t(i) * 8;
         for (int k = 0; k < 2; ++k) {
             __m256i r, g, b;
             Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
-            const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
-            const __m256i middle = _mm256_packus_epi16(g, zero);
-            const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
-            const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
-            Store(dst + 64 * k, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
-            Store(dst + 64 * k + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
+            Store422To32<RedIndex>(d + 64 * k, r, g, b, streaming);
         }
-    }
-    return groups * 16;
+    };
+    return RunGroups<16, 8>(dst, pairs, stream, fits, step);
 }
 
 template <class Reader>
 std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                               std::uint32_t dstBytes, std::uint32_t redIndex, const Reader& reader)
+                               std::uint32_t dstBytes, std::uint32_t redIndex, const Reader& reader, bool stream)
 {
     switch (dstBytes) {
     case 2:
@@ -292,19 +305,20 @@ std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std
     case 3:
         return redIndex ? Pairs422<Store24<2, true>>(src, dst, pairs, reader) : Pairs422<Store24<0, true>>(src, dst, pairs, reader);
     case 4:
-        return redIndex ? Pairs422To32<2>(src, dst, pairs, reader) : Pairs422To32<0>(src, dst, pairs, reader);
+        return redIndex ? Pairs422To32<2>(src, dst, pairs, reader, stream)
+                        : Pairs422To32<0>(src, dst, pairs, reader, stream);
     default:
         return 0;
     }
 }
 
 std::uint32_t Pairs8AVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
-                         std::uint32_t dstBytes, std::uint32_t redIndex)
+                         std::uint32_t dstBytes, std::uint32_t redIndex, bool stream)
 {
     if (sampleBytes == 1)
-        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, Read8Bit{0});
+        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, Read8Bit{0}, stream);
     if (sampleBytes == 2)
-        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadHighByte{0});
+        return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadHighByte{0}, stream);
     return 0;
 }
 
@@ -313,7 +327,7 @@ std::uint32_t Pairs10AVX2(const unsigned char* src, unsigned char* dst, std::uin
 {
     if (shift > 15)
         return 0;
-    return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadShiftedWord{shift});
+    return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, ReadShiftedWord{shift}, false);
 }
 
 // ---- Filtered: table forms evaluated before the pack ----
@@ -322,13 +336,13 @@ using Arith = simd::LutArith<simd::V256>;
 
 using ChannelForms = Arith::Channels;
 
-// As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
-// clamped to 0-255 (what the pack does) and evaluated through its table's
-// form (Arith::EvalFixed mode; -1: the identity, not evaluated) before the
-// pack.
+// As Pairs422To32 from 8-bit samples, eight pairs (one 64-byte line of
+// destination) a group, each channel clamped to 0-255 (what the pack does)
+// and evaluated through its table's form (Arith::EvalFixed mode; -1: the
+// identity, not evaluated) before the pack.
 template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                 const ChannelForms& forms)
+                                 const ChannelForms& forms, bool stream)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i top = _mm256_set1_epi16(255);
@@ -346,33 +360,29 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
             return Arith::EvalFixed<kMode>(_mm256_min_epi16(_mm256_max_epi16(v, zero), top), form);
         }
     };
-    const std::uint32_t steps = pairs / 8;
-    for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
+    auto fits = [&](std::uint32_t i) { return i + 8 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) {
         __m256i r, g, b;
-        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
+        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src + std::size_t(i) * 4), _MM_SHUFFLE(3, 1, 2, 0)), r, g,
+                              b);
         r = eval(r, forms.red, std::integral_constant<int, Red>{});
         g = eval(g, forms.green, std::integral_constant<int, Green>{});
         b = eval(b, forms.blue, std::integral_constant<int, Blue>{});
-        const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
-        const __m256i middle = _mm256_packus_epi16(g, zero);
-        const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
-        const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
-        Store(dst, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
-        Store(dst + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
-    }
-    return steps * 8;
+        Store422To32<RedIndex>(dst + std::size_t(i) * 8, r, g, b, streaming);
+    };
+    return RunGroups<8, 8>(dst, pairs, stream, fits, step);
 }
 
 template <unsigned RedIndex>
 std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                        const simd::LutFormPlan8& plan)
+                                        const simd::LutFormPlan8& plan, bool stream)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
     const ChannelForms forms = Arith::ChannelsOf(plan, RedIndex);
     std::uint32_t done = 0;
     Arith::WithChannelModes(plan, RedIndex, [&](auto red, auto green, auto blue) {
         done = Pairs422To32Formed<RedIndex, decltype(red)::value, decltype(green)::value, decltype(blue)::value>(
-            src, dst, pairs, forms);
+            src, dst, pairs, forms, stream);
     });
     return done;
 }
@@ -381,12 +391,12 @@ std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char*
 // channels up) for anything else.
 std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                               const simd::LutFormPlan8& plan)
+                               const simd::LutFormPlan8& plan, bool stream)
 {
     if (sampleBytes != 1 || dstBytes != 4)
         return 0;
-    return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan)
-                    : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan);
+    return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan, stream)
+                    : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan, stream);
 }
 
 // --- 4:4:4, three-byte pixels ---------------------------------------------
