@@ -17,6 +17,7 @@
 #include "core/StreamGroups.h"
 #include "simd/LutArith.h"
 #include "simd/LutV256.h"
+#include "yuv/YUVLineEnd.h"
 #include "yuv/YUVSimdTransform.h"
 
 namespace zo {
@@ -54,6 +55,14 @@ inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterp
 inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
 inline void Store(unsigned char* d, __m256i v, OrdinaryStores) { Store(d, v); }
 inline void Store(unsigned char* d, __m256i v, StreamingStores) { _mm256_stream_si256(reinterpret_cast<__m256i*>(d), v); }
+
+// 64 bytes from `s` (aligned) to a line start `d`, streamed (ConvertLineEnd).
+inline void StreamLine(unsigned char* d, const unsigned char* s)
+{
+    const __m256i* v = reinterpret_cast<const __m256i*>(s);
+    Store(d, _mm256_load_si256(v), StreamingStores{});
+    Store(d + 32, _mm256_load_si256(v + 1), StreamingStores{});
+}
 
 // Thirty-two pixels as clamped bytes, quarters in natural or packed order.
 struct Bytes32 {
@@ -231,7 +240,7 @@ inline __m256i BytePair(std::int32_t low, std::int32_t high)
     return Opaque(_mm256_set1_epi16(static_cast<short>(((high & 0xFF) << 8) | (low & 0xFF))));
 }
 
-inline void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
+inline __attribute__((always_inline)) void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
 {
     using namespace bt601;
     const __m256i pickU = _mm256_setr_epi8(0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13,  //
@@ -264,7 +273,7 @@ inline void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
 // the order 0, 2 | 1, 3, so that after packing (first, third) and (green, 0)
 // two rounds of in-lane unpacking give pixels 0-7 and 8-15 in order.
 template <unsigned RedIndex, class Streaming>
-inline void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b, Streaming streaming)
+inline __attribute__((always_inline)) void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b, Streaming streaming)
 {
     const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
     const __m256i middle = _mm256_packus_epi16(g, _mm256_setzero_si256());
@@ -275,24 +284,32 @@ inline void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b, Stre
 }
 
 // Sixteen pairs (128 destination bytes) a group, with streaming stores
-// where `stream` says and the destination allows (core/StreamGroups.h).
+// where `stream` says and the destination allows (core/StreamGroups.h);
+// the line's last pairs through ConvertLineEnd. Converts every pair.
 template <unsigned RedIndex, class Reader>
 std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                            bool stream)
 {
     constexpr std::uint32_t kPairBytes = Reader::kGroupBytes / 16;
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m256i x[2];
-        reader.Load2(src + std::size_t(i) * kPairBytes, x[0], x[1]);
-        unsigned char* d = dst + std::size_t(i) * 8;
+        reader.Load2(s, x[0], x[1]);
         for (int k = 0; k < 2; ++k) {
             __m256i r, g, b;
             Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
             Store422To32<RedIndex>(d + 64 * k, r, g, b, streaming);
         }
     };
-    return RunGroups<16, 8>(dst, pairs, stream, fits, step);
+    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * kPairBytes, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<16>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<16, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<16, kPairBytes>(
+        src + std::size_t(done) * kPairBytes, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 template <class Reader>
@@ -336,8 +353,8 @@ using Arith = simd::LutArith<simd::V256>;
 
 using ChannelForms = Arith::Channels;
 
-// As Pairs422To32 from 8-bit samples, eight pairs (one 64-byte line of
-// destination) a group, each channel clamped to 0-255 (what the pack does)
+// As Pairs422To32 from 8-bit samples (every pair), eight pairs (one 64-byte
+// line of destination) a group, each channel clamped to 0-255 (what the pack does)
 // and evaluated through its table's form (Arith::EvalFixed mode; -1: the
 // identity, not evaluated) before the pack.
 template <unsigned RedIndex, int Red, int Green, int Blue>
@@ -346,7 +363,7 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i top = _mm256_set1_epi16(255);
-    auto eval = [&](__m256i v, const Arith::Params& form, auto mode) {
+    auto eval = [&](__m256i v, const Arith::Params& form, auto mode) __attribute__((always_inline)) {
         constexpr int kMode = decltype(mode)::value;
         if constexpr (kMode < 0) {
             return v;
@@ -360,17 +377,24 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
             return Arith::EvalFixed<kMode>(_mm256_min_epi16(_mm256_max_epi16(v, zero), top), form);
         }
     };
-    auto fits = [&](std::uint32_t i) { return i + 8 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m256i r, g, b;
-        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src + std::size_t(i) * 4), _MM_SHUFFLE(3, 1, 2, 0)), r, g,
-                              b);
+        Transform422BytePairs(_mm256_permute4x64_epi64(Load(s), _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
         r = eval(r, forms.red, std::integral_constant<int, Red>{});
         g = eval(g, forms.green, std::integral_constant<int, Green>{});
         b = eval(b, forms.blue, std::integral_constant<int, Blue>{});
-        Store422To32<RedIndex>(dst + std::size_t(i) * 8, r, g, b, streaming);
+        Store422To32<RedIndex>(d, r, g, b, streaming);
     };
-    return RunGroups<8, 8>(dst, pairs, stream, fits, step);
+    auto fits = [&](std::uint32_t i) { return i + 8 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<8>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<8, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<8, 4>(
+        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 template <unsigned RedIndex>

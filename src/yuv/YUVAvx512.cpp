@@ -23,6 +23,7 @@
 #include "core/StreamGroups.h"
 #include "simd/LookupVbmi.h"
 #include "simd/LutV512.h"
+#include "yuv/YUVLineEnd.h"
 #include "yuv/YUVTransform.h"
 
 namespace zo {
@@ -44,6 +45,12 @@ inline __m512i Words(std::int32_t v) { return Opaque(_mm512_set1_epi16(static_ca
 
 inline void Store(unsigned char* d, __m512i v, OrdinaryStores) { _mm512_storeu_si512(d, v); }
 inline void Store(unsigned char* d, __m512i v, StreamingStores) { _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v); }
+
+// 64 bytes from `s` (aligned) to a line start `d`, streamed (ConvertLineEnd).
+inline void StreamLine(unsigned char* d, const unsigned char* s)
+{
+    Store(d, _mm512_load_si512(s), StreamingStores{});
+}
 
 // Byte tables, built once.
 struct Tables {
@@ -81,7 +88,8 @@ struct Tables {
 
 // Thirty-two pixels (64 bytes Y0 U Y1 V ...) -> unclamped R, G, B in
 // 16-bit lanes, pixel i in lane i. No product pair or sum saturates.
-inline void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g, __m512i& b)
+inline __attribute__((always_inline)) void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g,
+                                                       __m512i& b)
 {
     using namespace bt601;
     const __m512i yu = _mm512_shuffle_epi8(x, t.pickU);
@@ -105,24 +113,32 @@ inline void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g, __m
 }
 
 // Sixteen pairs (128 destination bytes) a group, with streaming stores
-// where `stream` says and the destination allows (core/StreamGroups.h).
+// where `stream` says and the destination allows (core/StreamGroups.h);
+// the line's last pairs through ConvertLineEnd. Converts every pair.
 template <unsigned RedIndex>
 std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, bool stream)
 {
     static const Tables kTables;
     const Tables t = kTables;
     const __m512i zero = _mm512_setzero_si512();
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m512i r, g, b;
-        Transform422(_mm512_loadu_si512(src + std::size_t(i) * 4), t, r, g, b);
+        Transform422(_mm512_loadu_si512(s), t, r, g, b);
         const __m512i ends = RedIndex == 0 ? _mm512_packus_epi16(r, b) : _mm512_packus_epi16(b, r);
         const __m512i middle = _mm512_packus_epi16(g, zero);
-        unsigned char* d = dst + std::size_t(i) * 8;
         Store(d, _mm512_permutex2var_epi8(ends, t.out[0], middle), streaming);
         Store(d + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle), streaming);
     };
-    return RunGroups<16, 8>(dst, pairs, stream, fits, step);
+    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<16>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<16, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<16, 4>(
+        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 std::uint32_t Pairs8AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
@@ -188,9 +204,8 @@ struct LookupTables {
 // unsigned saturation is the clamp the scalar kernel applies before its
 // lookups). Sixty-four pixels a step: the channels of two groups packed
 // into one register each, so that every table is looked up once per 64
-// bytes; a last group of thirty-two takes the same step with its pixels
-// twice (ordinary stores). Middle false: green's table is the identity, not
-// looked up. `stream`: as Pairs8To32.
+// bytes. Middle false: green's table is the identity, not looked up.
+// `stream` and the line's last pairs: as Pairs8To32.
 template <unsigned RedIndex, bool Middle>
 std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                const std::uint8_t* const* tables, bool stream)
@@ -200,13 +215,10 @@ std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std
     const ByteTable256 first(tables[0]), third(tables[2]);
     const ByteTable256 middle(tables[Middle ? 1 : 0]);
     const __mmask64 colour = 0x7777777777777777ull;
-    auto convert = [&](const unsigned char* s, unsigned char* d, bool two, auto streaming) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m512i r0, g0, b0, r1, g1, b1;
         Transform422(_mm512_loadu_si512(s), t, r0, g0, b0);
-        if (two)
-            Transform422(_mm512_loadu_si512(s + 64), t, r1, g1, b1);
-        else
-            r1 = r0, g1 = g0, b1 = b0;
+        Transform422(_mm512_loadu_si512(s + 64), t, r1, g1, b1);
         __m512i f = RedIndex == 0 ? _mm512_packus_epi16(r0, r1) : _mm512_packus_epi16(b0, b1);
         __m512i h = RedIndex == 0 ? _mm512_packus_epi16(b0, b1) : _mm512_packus_epi16(r0, r1);
         __m512i g = _mm512_packus_epi16(g0, g1);
@@ -217,22 +229,20 @@ std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std
         const __m512i ends0 = _mm512_maskz_unpacklo_epi64(0xFF, f, h);
         Store(d, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][0], g), streaming);
         Store(d + 64, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][1], g), streaming);
-        if (two) {
-            const __m512i ends1 = _mm512_maskz_unpackhi_epi64(0xFF, f, h);
-            Store(d + 128, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][0], g), streaming);
-            Store(d + 192, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][1], g), streaming);
-        }
+        const __m512i ends1 = _mm512_maskz_unpackhi_epi64(0xFF, f, h);
+        Store(d + 128, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][0], g), streaming);
+        Store(d + 192, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][1], g), streaming);
     };
     auto fits = [&](std::uint32_t i) { return i + 32 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) {
-        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, true, streaming);
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
     };
-    std::uint32_t done = RunGroups<32, 8>(dst, pairs, stream, fits, step);
-    if (done + 16 <= pairs) {
-        convert(src + std::size_t(done) * 4, dst + std::size_t(done) * 8, false, OrdinaryStores{});
-        done += 16;
-    }
-    return done;
+    PrefetchNextHead<32>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<32, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<32, 4>(
+        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 std::uint32_t Pairs8LutAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,

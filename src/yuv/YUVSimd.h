@@ -4,12 +4,13 @@
 // does not handle the arguments. The scalar kernels of YUVKernels.h finish
 // every line and are the reference these paths are tested against.
 //
+// The AVX2 and AVX-512 4:2:2 paths into 32-bit layouts convert every pair
+// of the line, the last ones through a buffer (yuv/YUVLineEnd.h).
 // `stream` (the 8-bit 4:2:2 entries): the line may write its destination
-// with streaming stores (core/StreamStores.h says when). The AVX2 and
-// AVX-512 paths into 32-bit layouts do so from the first 64-byte line they
-// can fill whole (core/StreamGroups.h) and leave the line's last pairs,
-// which the scalar kernels write, to ordinary stores; every other path
-// ignores it. The bytes written are the same either way.
+// with streaming stores (core/StreamStores.h says when). Those paths then
+// stream every whole 64-byte line from the first one they can fill whole
+// (core/StreamGroups.h); every other path ignores it. The bytes written
+// are the same either way.
 #ifndef ZO_YUV_SIMD_H
 #define ZO_YUV_SIMD_H
 
