@@ -4,7 +4,7 @@
 // the first line they can fill whole, stream whole lines, and convert the
 // line's last pairs through a buffer; the widths give lines with no
 // streamed part, a head and a tail only, and every tail length of the
-// 8-, 16- and 32-pair groups. Padding of 8 bytes moves each line's start
+// 16- and 32-pair groups. Padding of 8 bytes moves each line's start
 // by 8 from the one before.
 #include <gtest/gtest.h>
 
