@@ -54,7 +54,10 @@ struct V256 {
 inline __m256i Load(const unsigned char* s) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(s)); }
 inline void Store(unsigned char* d, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), v); }
 inline void Store(unsigned char* d, __m256i v, OrdinaryStores) { Store(d, v); }
-inline void Store(unsigned char* d, __m256i v, StreamingStores) { _mm256_stream_si256(reinterpret_cast<__m256i*>(d), v); }
+inline void Store(unsigned char* d, __m256i v, StreamingStores)
+{
+    _mm256_stream_si256(reinterpret_cast<__m256i*>(d), v);
+}
 
 // 64 bytes from `s` (aligned) to a line start `d`, streamed (ConvertLineEnd).
 inline void StreamLine(unsigned char* d, const unsigned char* s)
@@ -273,7 +276,8 @@ inline __attribute__((always_inline)) void Transform422BytePairs(__m256i x, __m2
 // the order 0, 2 | 1, 3, so that after packing (first, third) and (green, 0)
 // two rounds of in-lane unpacking give pixels 0-7 and 8-15 in order.
 template <unsigned RedIndex, class Streaming>
-inline __attribute__((always_inline)) void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b, Streaming streaming)
+inline __attribute__((always_inline)) void Store422To32(unsigned char* d, __m256i r, __m256i g, __m256i b,
+                                                       Streaming streaming)
 {
     const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
     const __m256i middle = _mm256_packus_epi16(g, _mm256_setzero_si256());

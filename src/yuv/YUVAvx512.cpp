@@ -44,7 +44,10 @@ inline __m512i BytePair(std::int32_t low, std::int32_t high)
 inline __m512i Words(std::int32_t v) { return Opaque(_mm512_set1_epi16(static_cast<short>(v))); }
 
 inline void Store(unsigned char* d, __m512i v, OrdinaryStores) { _mm512_storeu_si512(d, v); }
-inline void Store(unsigned char* d, __m512i v, StreamingStores) { _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v); }
+inline void Store(unsigned char* d, __m512i v, StreamingStores)
+{
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v);
+}
 
 // 64 bytes from `s` (aligned) to a line start `d`, streamed (ConvertLineEnd).
 inline void StreamLine(unsigned char* d, const unsigned char* s)

@@ -50,7 +50,9 @@ TEST(YUVStreaming, EveryLevelWritesTheScalarBytesAtEveryLineOffset)
     } kFilters[] = {{"identity", &identity}, {"gains", &gains}, {"random tables", &tables}};
     const struct {
         std::int64_t source, destination;
-    } kPairs[] = {{ZO_PT_YUV8, ZO_PT_BGR32}, {ZO_PT_YUV8, ZO_PT_RGB32}, {ZO_PT_YUV10 | ZO_PIXEL_NORMALIZED, ZO_PT_BGR32}};
+    } kPairs[] = {{ZO_PT_YUV8, ZO_PT_BGR32},
+                  {ZO_PT_YUV8, ZO_PT_RGB32},
+                  {ZO_PT_YUV10 | ZO_PIXEL_NORMALIZED, ZO_PT_BGR32}};  // 16-bit samples, high bytes
     std::vector<std::uint32_t> widths = {1, 31, 33, 63, 95};
     for (std::uint32_t w = 129; w <= 193; w += 2)  // 65..97 pairs: every tail length at each offset
         widths.push_back(w);
