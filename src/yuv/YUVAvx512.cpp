@@ -20,8 +20,10 @@
 #if defined(__AVX512BW__) && defined(__AVX512VBMI__)
 #include <immintrin.h>
 
+#include "core/StreamGroups.h"
 #include "simd/LookupVbmi.h"
 #include "simd/LutV512.h"
+#include "yuv/YUVLineEnd.h"
 #include "yuv/YUVTransform.h"
 
 namespace zo {
@@ -40,6 +42,18 @@ inline __m512i BytePair(std::int32_t low, std::int32_t high)
 }
 
 inline __m512i Words(std::int32_t v) { return Opaque(_mm512_set1_epi16(static_cast<short>(v))); }
+
+inline void Store(unsigned char* d, __m512i v, OrdinaryStores) { _mm512_storeu_si512(d, v); }
+inline void Store(unsigned char* d, __m512i v, StreamingStores)
+{
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(d), v);
+}
+
+// 64 bytes from `s` (aligned) to a line start `d`, streamed (ConvertLineEnd).
+inline void StreamLine(unsigned char* d, const unsigned char* s)
+{
+    Store(d, _mm512_load_si512(s), StreamingStores{});
+}
 
 // Byte tables, built once.
 struct Tables {
@@ -77,7 +91,8 @@ struct Tables {
 
 // Thirty-two pixels (64 bytes Y0 U Y1 V ...) -> unclamped R, G, B in
 // 16-bit lanes, pixel i in lane i. No product pair or sum saturates.
-inline void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g, __m512i& b)
+inline __attribute__((always_inline)) void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g,
+                                                       __m512i& b)
 {
     using namespace bt601;
     const __m512i yu = _mm512_shuffle_epi8(x, t.pickU);
@@ -100,30 +115,41 @@ inline void Transform422(__m512i x, const Tables& t, __m512i& r, __m512i& g, __m
     b = _mm512_add_epi16(bw, _mm512_srai_epi16(bs, kFractionBits));
 }
 
+// Sixteen pairs (128 destination bytes) a group, with streaming stores
+// where `stream` says and the destination allows (core/StreamGroups.h);
+// the line's last pairs through ConvertLineEnd. Converts every pair.
 template <unsigned RedIndex>
-std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs)
+std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, bool stream)
 {
     static const Tables kTables;
     const Tables t = kTables;
     const __m512i zero = _mm512_setzero_si512();
-    const std::uint32_t groups = pairs / 16;
-    for (std::uint32_t i = 0; i < groups; ++i, src += 64, dst += 128) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m512i r, g, b;
-        Transform422(_mm512_loadu_si512(src), t, r, g, b);
+        Transform422(_mm512_loadu_si512(s), t, r, g, b);
         const __m512i ends = RedIndex == 0 ? _mm512_packus_epi16(r, b) : _mm512_packus_epi16(b, r);
         const __m512i middle = _mm512_packus_epi16(g, zero);
-        _mm512_storeu_si512(dst, _mm512_permutex2var_epi8(ends, t.out[0], middle));
-        _mm512_storeu_si512(dst + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle));
-    }
-    return groups * 16;
+        Store(d, _mm512_permutex2var_epi8(ends, t.out[0], middle), streaming);
+        Store(d + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle), streaming);
+    };
+    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<16>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<16, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<16, 4>(
+        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 std::uint32_t Pairs8AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
-                           std::uint32_t dstBytes, std::uint32_t redIndex)
+                           std::uint32_t dstBytes, std::uint32_t redIndex, bool stream)
 {
     if (sampleBytes == 1 && dstBytes == 4)
-        return redIndex ? Pairs8To32<2>(src, dst, pairs) : Pairs8To32<0>(src, dst, pairs);
-    return kYUVPathsAVX2.pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
+        return redIndex ? Pairs8To32<2>(src, dst, pairs, stream) : Pairs8To32<0>(src, dst, pairs, stream);
+    return kYUVPathsAVX2.pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex, stream);
 }
 
 std::uint32_t Pairs10AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
@@ -181,24 +207,21 @@ struct LookupTables {
 // unsigned saturation is the clamp the scalar kernel applies before its
 // lookups). Sixty-four pixels a step: the channels of two groups packed
 // into one register each, so that every table is looked up once per 64
-// bytes; a last group of thirty-two takes the same step with its pixels
-// twice. Middle false: green's table is the identity, not looked up.
+// bytes. Middle false: green's table is the identity, not looked up.
+// `stream` and the line's last pairs: as Pairs8To32.
 template <unsigned RedIndex, bool Middle>
 std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                               const std::uint8_t* const* tables)
+                               const std::uint8_t* const* tables, bool stream)
 {
     static const LookupTables kOut;
     const Tables t = SharedTables();
     const ByteTable256 first(tables[0]), third(tables[2]);
     const ByteTable256 middle(tables[Middle ? 1 : 0]);
     const __mmask64 colour = 0x7777777777777777ull;
-    auto step = [&](const unsigned char* s, unsigned char* d, bool two) {
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m512i r0, g0, b0, r1, g1, b1;
         Transform422(_mm512_loadu_si512(s), t, r0, g0, b0);
-        if (two)
-            Transform422(_mm512_loadu_si512(s + 64), t, r1, g1, b1);
-        else
-            r1 = r0, g1 = g0, b1 = b0;
+        Transform422(_mm512_loadu_si512(s + 64), t, r1, g1, b1);
         __m512i f = RedIndex == 0 ? _mm512_packus_epi16(r0, r1) : _mm512_packus_epi16(b0, b1);
         __m512i h = RedIndex == 0 ? _mm512_packus_epi16(b0, b1) : _mm512_packus_epi16(r0, r1);
         __m512i g = _mm512_packus_epi16(g0, g1);
@@ -207,35 +230,35 @@ std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std
         if (Middle)
             g = LookUp(g, middle);
         const __m512i ends0 = _mm512_maskz_unpacklo_epi64(0xFF, f, h);
-        _mm512_storeu_si512(d, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][0], g));
-        _mm512_storeu_si512(d + 64, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][1], g));
-        if (two) {
-            const __m512i ends1 = _mm512_maskz_unpackhi_epi64(0xFF, f, h);
-            _mm512_storeu_si512(d + 128, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][0], g));
-            _mm512_storeu_si512(d + 192, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][1], g));
-        }
+        Store(d, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][0], g), streaming);
+        Store(d + 64, _mm512_maskz_permutex2var_epi8(colour, ends0, kOut.out[0][1], g), streaming);
+        const __m512i ends1 = _mm512_maskz_unpackhi_epi64(0xFF, f, h);
+        Store(d + 128, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][0], g), streaming);
+        Store(d + 192, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][1], g), streaming);
     };
-    std::uint32_t done = 0;
-    for (; done + 32 <= pairs; done += 32, src += 128, dst += 256)
-        step(src, dst, true);
-    if (done + 16 <= pairs) {
-        step(src, dst, false);
-        done += 16;
-    }
-    return done;
+    auto fits = [&](std::uint32_t i) { return i + 32 <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<32>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<32, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<32, 4>(
+        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
+    return pairs;
 }
 
 std::uint32_t Pairs8LutAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                              const std::uint8_t* const* tables, bool lookMiddle)
+                              const std::uint8_t* const* tables, bool lookMiddle, bool stream)
 {
     if (sampleBytes != 1 || dstBytes != 4)
         return 0;
     if (redIndex)
-        return lookMiddle ? Pairs8To32Lookup<2, true>(src, dst, pairs, tables)
-                          : Pairs8To32Lookup<2, false>(src, dst, pairs, tables);
-    return lookMiddle ? Pairs8To32Lookup<0, true>(src, dst, pairs, tables)
-                      : Pairs8To32Lookup<0, false>(src, dst, pairs, tables);
+        return lookMiddle ? Pairs8To32Lookup<2, true>(src, dst, pairs, tables, stream)
+                          : Pairs8To32Lookup<2, false>(src, dst, pairs, tables, stream);
+    return lookMiddle ? Pairs8To32Lookup<0, true>(src, dst, pairs, tables, stream)
+                      : Pairs8To32Lookup<0, false>(src, dst, pairs, tables, stream);
 }
 
 }  // namespace

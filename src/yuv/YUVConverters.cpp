@@ -2,6 +2,7 @@
 // and hands the line to a kernel of YUVKernels.h.
 #include "ZoYUVConverters.h"
 
+#include "core/StreamStores.h"
 #include "yuv/YUVKernels.h"
 
 namespace {
@@ -96,8 +97,9 @@ std::uint32_t ZoYUV8ToRGB32::Convert(const unsigned char* source, unsigned char*
     ContextHold hold(*this);
     const YUVChannelTables t = TablesOf(ActiveFilter(hold.Context()));
     const zo::YUV8PairReader reader{mSampleBytes};
+    const bool stream = zo::StreamDestination(hold.Context());
     zo::ByChannelOrder<zo::Write32>(mBGR, [&](auto writer) {
-        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true);
+        zo::YUV422LineToRGB<decltype(writer)>(source, destination, count, reader, t, true, stream);
     });
     return ZO_OK;
 }

@@ -98,9 +98,11 @@ inline std::uint32_t YUV422PairCount(std::uint32_t count) { return count / 2 + (
 // from the start of the line, unfiltered, into the layout of dstBytes
 // (2 RGB16, 3 and 4 with red at redIndex) and return how many pairs or
 // pixels they did; the scalar kernels finish the line. 0 where no vector
-// path applies.
+// path applies. `stream`: the 8-bit 4:2:2 paths may write with streaming
+// stores (YUVSimd.h).
 std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
+                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                   bool stream);
 std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                     std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex);
 // The same through tables that have a form, evaluated before the store
@@ -108,12 +110,12 @@ std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst
 // these arguments, else true with the pairs converted in `done`.
 bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                           const simd::LutFormPlan8& plan, std::uint32_t& done);
+                           const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done);
 // The same through any 8-bit tables (in byte order of the layout), looked
 // up inside the vector path before the store.
 bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                         std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                        const simd::LutTables8& tables, std::uint32_t& done);
+                        const simd::LutTables8& tables, bool stream, std::uint32_t& done);
 std::uint32_t YUV444ToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                 std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                 std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
@@ -138,20 +140,24 @@ struct WriterShape<Write32<R>> {
 // `vector` allows the vector paths (with a filter, through a small buffer).
 // Pairs are independent, so converting in vector groups and then pair by
 // pair gives what blocks of four pairs followed by single pairs give.
+// `stream`: the line may write with streaming stores (core/StreamStores.h);
+// the paths that write the destination once do where they can, those
+// that read it back (the table pass) never.
 template <class Writer, class Reader>
 void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
-                     const YUVChannelTables& t, bool vector);
+                     const YUVChannelTables& t, bool vector, bool stream = false);
 
 template <class Writer>
 inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                  const YUV8PairReader& r)
+                                  const YUV8PairReader& r, bool stream = false)
 {
-    return YUV8PairsToRGBVector(src, dst, pairs, r.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex);
+    return YUV8PairsToRGBVector(src, dst, pairs, r.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex,
+                                stream);
 }
 
 template <class Writer>
 inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                  const YUV10PairReader& r)
+                                  const YUV10PairReader& r, bool = false)
 {
     return YUV10PairsToRGBVector(src, dst, pairs, r.shift, Writer::kBytes, WriterShape<Writer>::kRedIndex);
 }
@@ -201,19 +207,19 @@ inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChan
 // they have one and the level has that path. False: not taken.
 template <class Writer, class Reader>
 inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
-                          const YUVChannelTables& t, std::uint32_t& done)
+                          const YUVChannelTables& t, bool stream, std::uint32_t& done)
 {
     if constexpr (kTablePassLayout<Writer> && std::is_same<Reader, YUV8PairReader>::value) {
         if (t.identity)
             return false;
         if (YUV8PairsLutVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex,
-                               YUVByteOrderTables<Writer>(t), done))
+                               YUVByteOrderTables<Writer>(t), stream, done))
             return true;
         const simd::LutFormPlan8* plan = simd::FormPlan8(YUVByteOrderTables<Writer>(t), Writer::kBytes);
         return plan && YUV8PairsFormedVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes,
-                                             WriterShape<Writer>::kRedIndex, *plan, done);
+                                             WriterShape<Writer>::kRedIndex, *plan, stream, done);
     } else {
-        (void)src, (void)dst, (void)pairs, (void)reader, (void)t, (void)done;
+        (void)src, (void)dst, (void)pairs, (void)reader, (void)t, (void)stream, (void)done;
         return false;
     }
 }
@@ -231,13 +237,13 @@ inline void FilterRGB32(const unsigned char* rgb32, unsigned char* dst, std::uin
 
 template <class Writer, class Reader>
 void YUV422LineToRGB(const unsigned char* src, unsigned char* dst, std::uint32_t count, const Reader& reader,
-                     const YUVChannelTables& t, bool vector)
+                     const YUVChannelTables& t, bool vector, bool stream)
 {
     const std::uint32_t pairs = YUV422PairCount(count);
     std::uint32_t done = 0;
     if (vector && t.identity) {
-        done = YUV422Vector<Writer>(src, dst, pairs, reader);
-    } else if (vector && YUV422OnePass<Writer>(src, dst, pairs, reader, t, done)) {
+        done = YUV422Vector<Writer>(src, dst, pairs, reader, stream);
+    } else if (vector && YUV422OnePass<Writer>(src, dst, pairs, reader, t, stream, done)) {
         // one pass: the rest of the line below
     } else if (vector && UseYUVTablePass<Writer>(t)) {
         done = YUV422Vector<Writer>(src, dst, pairs, reader);

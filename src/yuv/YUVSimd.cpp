@@ -12,7 +12,7 @@ namespace zo {
 namespace {
 
 std::uint32_t NoPairs8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                       std::uint32_t)
+                       std::uint32_t, bool)
 {
     return 0;
 }
@@ -70,32 +70,33 @@ const YUVVectorPaths* const* YUVAvailableVectorPaths(std::uint32_t& count)
 }
 
 std::uint32_t YUV8PairsToRGBVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex)
+                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                   bool stream)
 {
-    return YUVActivePaths().pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex);
+    return YUVActivePaths().pairs8(src, dst, pairs, sampleBytes, dstBytes, redIndex, stream);
 }
 
 bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                           const simd::LutFormPlan8& plan, std::uint32_t& done)
+                           const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done)
 {
     const auto formed = YUVActivePaths().pairs8Formed;
     if (!formed || sampleBytes != 1 || dstBytes != 4)
         return false;
-    done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan);
+    done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);
     return true;
 }
 
-
 bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                         std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                        const simd::LutTables8& tables, std::uint32_t& done)
+                        const simd::LutTables8& tables, bool stream, std::uint32_t& done)
 {
     const auto lookup = YUVActivePaths().pairs8Lut;
     if (!lookup || sampleBytes != 1 || dstBytes != 4)
         return false;
     const std::uint8_t* const bytes[3] = {tables.byte0, tables.byte1, tables.byte2};
-    done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !simd::IsIdentityTable8(tables.byte1));
+    done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !simd::IsIdentityTable8(tables.byte1),
+                  stream);
     return true;
 }
 

@@ -3,6 +3,15 @@
 // returns how many pairs (4:2:2) or pixels (4:4:4) it converted; 0 when it
 // does not handle the arguments. The scalar kernels of YUVKernels.h finish
 // every line and are the reference these paths are tested against.
+//
+// The AVX2 and AVX-512 4:2:2 paths into 32-bit layouts (pairs8, and the
+// AVX-512 pairs8Lut) convert every pair of the line, the last ones through
+// a buffer (yuv/YUVLineEnd.h). `stream` (the 8-bit 4:2:2 entries): the
+// line may write its destination with streaming stores (core/StreamStores.h
+// says when). Those paths then stream every whole 64-byte line from the
+// first one they can fill whole (core/StreamGroups.h); every other path,
+// the AVX2 pairs8Formed included (see YUVAvx2.cpp), ignores it. The bytes
+// written are the same either way.
 #ifndef ZO_YUV_SIMD_H
 #define ZO_YUV_SIMD_H
 
@@ -18,7 +27,7 @@ struct LutFormPlan8;
 struct YUVVectorPaths {
     const char* name;
     std::uint32_t (*pairs8)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex);
+                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex, bool stream);
     std::uint32_t (*pairs10)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
                              std::uint32_t dstBytes, std::uint32_t redIndex);
     std::uint32_t (*pixels444)(const unsigned char* src, unsigned char* dst, std::uint32_t count,
@@ -31,7 +40,7 @@ struct YUVVectorPaths {
     // where its lookups below are faster (AVX-512 VBMI).
     std::uint32_t (*pairs8Formed)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                                  const simd::LutFormPlan8& plan);
+                                  const simd::LutFormPlan8& plan, bool stream);
     // Filtered 8-bit 4:2:2 through any three 256-entry tables (tables[j]
     // for destination byte j, the layout's byte order), looked up before the
     // store: as pairs8 with the filter applied. `lookMiddle` false: the
@@ -39,7 +48,7 @@ struct YUVVectorPaths {
     // where the set has no byte lookups of its own (AVX-512 VBMI has them).
     std::uint32_t (*pairs8Lut)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                               const std::uint8_t* const* tables, bool lookMiddle);
+                               const std::uint8_t* const* tables, bool lookMiddle, bool stream);
 };
 
 // Every path this build and this CPU can run, best last (for tests).

@@ -224,7 +224,7 @@ std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std
 }
 
 std::uint32_t Pairs8SSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
-                         std::uint32_t dstBytes, std::uint32_t redIndex)
+                         std::uint32_t dstBytes, std::uint32_t redIndex, bool)
 {
     if (sampleBytes == 1)
         return Pairs422ByLayout(src, dst, pairs, dstBytes, redIndex, Read8Bit{0});

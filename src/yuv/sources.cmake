@@ -10,6 +10,7 @@ zo_add_simd_source(${_dir}/YUVAvx2.cpp AVX2)
 zo_add_simd_source(${_dir}/YUVAvx512.cpp AVX512)
 list(APPEND ZO_TEST_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/tests/yuv/YUVTransformTest.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/tests/yuv/YUVConvertersTest.cpp)
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/yuv/YUVConvertersTest.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/tests/yuv/YUVStreamingTest.cpp)
 list(APPEND ZO_BENCH_SOURCES
   ${CMAKE_CURRENT_SOURCE_DIR}/bench/yuv_bench.cpp)

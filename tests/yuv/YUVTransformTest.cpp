@@ -40,8 +40,8 @@ TEST(YUVVectorPaths, CoverRegisteredShapes)
         GTEST_SKIP() << "no vector paths on this architecture";
     std::vector<unsigned char> src(1024), dst(2048);
     for (std::uint32_t i = 0; i < n; ++i) {
-        EXPECT_EQ(paths[i]->pairs8(src.data(), dst.data(), 64, 1, 4, 2), 64u) << paths[i]->name;
-        EXPECT_EQ(paths[i]->pairs8(src.data(), dst.data(), 64, 2, 3, 0), 64u) << paths[i]->name;
+        EXPECT_EQ(paths[i]->pairs8(src.data(), dst.data(), 64, 1, 4, 2, false), 64u) << paths[i]->name;
+        EXPECT_EQ(paths[i]->pairs8(src.data(), dst.data(), 64, 2, 3, 0, false), 64u) << paths[i]->name;
         EXPECT_EQ(paths[i]->pairs10(src.data(), dst.data(), 64, 2, 2, 0), 64u) << paths[i]->name;
         EXPECT_EQ(paths[i]->pixels444(src.data(), dst.data(), 128, 3, 0, 2, 1, 4, 0), 128u) << paths[i]->name;
     }
