@@ -304,16 +304,7 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
             Store422To32<RedIndex>(d + 64 * k, r, g, b, streaming);
         }
     };
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
-        convert(src + std::size_t(i) * kPairBytes, dst + std::size_t(i) * 8, streaming);
-    };
-    PrefetchNextHead<16>(dst, pairs, stream);
-    const std::uint32_t done = RunGroups<16, 8>(dst, pairs, stream, fits, step);
-    ConvertLineEnd<16, kPairBytes>(
-        src + std::size_t(done) * kPairBytes, dst + std::size_t(done) * 8, pairs - done, stream,
-        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
-    return pairs;
+    return ConvertPairsLine<16, kPairBytes>(src, dst, pairs, stream, convert, StreamLine);
 }
 
 template <class Reader>

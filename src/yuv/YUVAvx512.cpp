@@ -132,16 +132,7 @@ std::uint32_t Pairs8To32(const unsigned char* src, unsigned char* dst, std::uint
         Store(d, _mm512_permutex2var_epi8(ends, t.out[0], middle), streaming);
         Store(d + 64, _mm512_permutex2var_epi8(ends, t.out[1], middle), streaming);
     };
-    auto fits = [&](std::uint32_t i) { return i + 16 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
-        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
-    };
-    PrefetchNextHead<16>(dst, pairs, stream);
-    const std::uint32_t done = RunGroups<16, 8>(dst, pairs, stream, fits, step);
-    ConvertLineEnd<16, 4>(
-        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
-        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
-    return pairs;
+    return ConvertPairsLine<16, 4>(src, dst, pairs, stream, convert, StreamLine);
 }
 
 std::uint32_t Pairs8AVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t sampleBytes,
@@ -236,16 +227,7 @@ std::uint32_t Pairs8To32Lookup(const unsigned char* src, unsigned char* dst, std
         Store(d + 128, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][0], g), streaming);
         Store(d + 192, _mm512_maskz_permutex2var_epi8(colour, ends1, kOut.out[1][1], g), streaming);
     };
-    auto fits = [&](std::uint32_t i) { return i + 32 <= pairs; };
-    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
-        convert(src + std::size_t(i) * 4, dst + std::size_t(i) * 8, streaming);
-    };
-    PrefetchNextHead<32>(dst, pairs, stream);
-    const std::uint32_t done = RunGroups<32, 8>(dst, pairs, stream, fits, step);
-    ConvertLineEnd<32, 4>(
-        src + std::size_t(done) * 4, dst + std::size_t(done) * 8, pairs - done, stream,
-        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, StreamLine);
-    return pairs;
+    return ConvertPairsLine<32, 4>(src, dst, pairs, stream, convert, StreamLine);
 }
 
 std::uint32_t Pairs8LutAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,

@@ -17,6 +17,8 @@
 #include <cstring>
 #include <utility>
 
+#include "core/StreamGroups.h"
+
 namespace zo {
 namespace {
 
@@ -76,6 +78,27 @@ inline void PrefetchNextHead(const unsigned char* d, std::uint32_t pairs, bool s
     // Addresses as integers: past the line, they may lie past its buffer.
     const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(d) + std::uintptr_t(pairs) * 8 - 1;
     PrefetchLines(last, std::make_index_sequence<Group / 8 + 1>{});
+}
+
+// A whole line of `pairs` pairs into 32-bit pixels: groups of Group pairs
+// through RunGroups (streamed where `stream` and the destination allow),
+// the next line's head asked for, and the pairs left through
+// ConvertLineEnd. convert(s, d, streaming): one group from `s` into `d`
+// with that kind of store. Returns `pairs`.
+template <std::uint32_t Group, std::uint32_t SourcePairBytes, class Convert, class StreamLine>
+inline std::uint32_t ConvertPairsLine(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, bool stream,
+                                      Convert convert, StreamLine streamLine)
+{
+    auto fits = [&](std::uint32_t i) { return i + Group <= pairs; };
+    auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
+        convert(src + std::size_t(i) * SourcePairBytes, dst + std::size_t(i) * 8, streaming);
+    };
+    PrefetchNextHead<Group>(dst, pairs, stream);
+    const std::uint32_t done = RunGroups<Group, 8>(dst, pairs, stream, fits, step);
+    ConvertLineEnd<Group, SourcePairBytes>(
+        src + std::size_t(done) * SourcePairBytes, dst + std::size_t(done) * 8, pairs - done, stream,
+        [&](const unsigned char* s, unsigned char* d) { convert(s, d, OrdinaryStores{}); }, streamLine);
+    return pairs;
 }
 
 }  // namespace
