@@ -54,12 +54,13 @@ inline std::uint32_t RunGroups(unsigned char* d, std::uint32_t n, bool stream, F
     if (end & 63)
         __builtin_prefetch(reinterpret_cast<const void*>(end - 1), 1, 3);
     // Streaming starts at the first line start where a whole group of
-    // ordinary stores can end: no line takes both kinds of store (an
-    // ordinary store into a line that is then streamed, or the other way
-    // round, waits for memory).
+    // ordinary stores can end (at once where the line starts on a 64-byte
+    // line): no line takes both kinds of store (an ordinary store into a
+    // line that is then streamed, or the other way round, waits for
+    // memory).
     constexpr std::uint32_t kLine = 64 / UnitBytes;
     std::uint32_t start = toLine / UnitBytes;
-    while (start < Group)
+    while (start != 0 && start < Group)
         start += kLine;
     for (; i + Group <= start; i += Group) {
         if (!fits(i))
