@@ -9,13 +9,12 @@
 // YUYV -> BGRA at 1920 x 1080 (AVX-512, frames 16 bytes past a 64-byte
 // line, one run each): 0.55 ms a frame with the scalar end of each line,
 // 0.50 ms with this; most of what remained to the 0.37 ms of frames on a
-// line went with PrefetchNextHead below.
+// line went when the streamed line asked for the next line's head (RunGroups).
 #ifndef ZO_YUV_LINE_END_H
 #define ZO_YUV_LINE_END_H
 
 #include <cstdint>
 #include <cstring>
-#include <utility>
 
 #include "core/StreamGroups.h"
 
@@ -45,44 +44,9 @@ inline void ConvertLineEnd(const unsigned char* s, unsigned char* d, std::uint32
     std::memcpy(d + at, out + at, bytes - at);
 }
 
-// A streamed line of `pairs` pairs at `d` asks for the 64-byte lines its
-// successor's head writes with ordinary stores (core/StreamGroups.h: up to
-// a group and a line's worth of pairs), should that start where this line
-// ends, as in a frame without padding. Asked for now, their reads from
-// memory overlap this line's streamed groups; asked for by nobody, each
-// line's first ordinary store waited for memory with the streaming stores
-// queued behind it. Measured on YUYV -> BGRA at 1920 x 1080 (AVX-512,
-// three alternating runs): 0.47-0.48 ms a frame on a 64-byte line and
-// 0.50-0.52 ms at 16 bytes past one before, 0.34-0.38 and 0.38-0.39 after.
-// A padded frame gets lines it does not write next: a prefetch never
-// faults, and costs a few lines of cache a line.
-// The lines after the one holding `last`, one per index. In assembly: the
-// compiler dropped these prefetches (written as builtins, in a loop or
-// unrolled) from the paths that use them.
-inline void PrefetchLine(std::uintptr_t at)
-{
-    __asm__ volatile("prefetcht0 %0" : : "m"(*reinterpret_cast<const char*>(at)));
-}
-
-template <std::size_t... K>
-inline void PrefetchLines(std::uintptr_t last, std::index_sequence<K...>)
-{
-    (PrefetchLine(last + 64 * (K + 1)), ...);
-}
-
-template <std::uint32_t Group>
-inline void PrefetchNextHead(const unsigned char* d, std::uint32_t pairs, bool stream)
-{
-    if (!stream)
-        return;
-    // Addresses as integers: past the line, they may lie past its buffer.
-    const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(d) + std::uintptr_t(pairs) * 8 - 1;
-    PrefetchLines(last, std::make_index_sequence<Group / 8 + 1>{});
-}
-
 // A whole line of `pairs` pairs into 32-bit pixels: groups of Group pairs
-// through RunGroups (streamed where `stream` and the destination allow),
-// the next line's head asked for, and the pairs left through
+// through RunGroups (streamed where `stream` and the destination allow,
+// the next line's head asked for), and the pairs left through
 // ConvertLineEnd. convert(s, d, streaming): one group from `s` into `d`
 // with that kind of store. Returns `pairs`.
 template <std::uint32_t Group, std::uint32_t SourcePairBytes, class Convert, class StreamLine>
@@ -93,7 +57,6 @@ inline std::uint32_t ConvertPairsLine(const unsigned char* src, unsigned char* d
     auto step = [&](std::uint32_t i, auto streaming) __attribute__((always_inline)) {
         convert(src + std::size_t(i) * SourcePairBytes, dst + std::size_t(i) * 8, streaming);
     };
-    PrefetchNextHead<Group>(dst, pairs, stream);
     const std::uint32_t done = RunGroups<Group, 8>(dst, pairs, stream, fits, step);
     ConvertLineEnd<Group, SourcePairBytes>(
         src + std::size_t(done) * SourcePairBytes, dst + std::size_t(done) * 8, pairs - done, stream,
