@@ -379,12 +379,7 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
         r = eval(r, forms.red, std::integral_constant<int, Red>{});
         g = eval(g, forms.green, std::integral_constant<int, Green>{});
         b = eval(b, forms.blue, std::integral_constant<int, Blue>{});
-        const __m256i ends = RedIndex == 0 ? _mm256_packus_epi16(r, b) : _mm256_packus_epi16(b, r);
-        const __m256i middle = _mm256_packus_epi16(g, zero);
-        const __m256i lo = _mm256_unpacklo_epi8(ends, middle);  // first, green
-        const __m256i hi = _mm256_unpackhi_epi8(ends, middle);  // third, 0
-        Store(dst, _mm256_unpacklo_epi16(lo, hi));       // pixels 0-7
-        Store(dst + 32, _mm256_unpackhi_epi16(lo, hi));  // pixels 8-15
+        Store422To32<RedIndex>(dst, r, g, b, OrdinaryStores{});
     }
     return steps * 8;
 }
