@@ -337,6 +337,78 @@ std::uint8_t EvalLutUnit8(const LutChannelForm& f, bool corrected, std::uint8_t 
     return static_cast<std::uint8_t>((x ^ h) > h ? sum(f.fg) : h);
 }
 
+std::uint8_t EvalLutScaled8(const LutScaledForm& f, std::int32_t v)
+{
+    // The lanes: x = 4v wraps to 16 bits (it does not for |v| < 8192), the
+    // multiply-high floors (arithmetic shift), the pack saturates.
+    const std::int32_t x = static_cast<std::int16_t>(static_cast<std::uint16_t>(v * 4));
+    auto mulHi = [x](std::uint16_t b) { return (x * static_cast<std::int16_t>(b)) >> 16; };
+    const std::int32_t h = mulHi(f.high);
+    std::int32_t r = h;
+    if (f.corrected) {
+        const std::int32_t l = mulHi(f.cross);
+        if (l > (l ^ h))
+            r = mulHi(f.low);
+    }
+    return static_cast<std::uint8_t>(r < 0 ? 0 : r > 255 ? 255 : r);
+}
+
+bool DeriveLutScaledForm(const std::uint8_t* table, LutScaledForm& f)
+{
+    f = LutScaledForm{};
+    if (table[0] != 0)
+        return false;
+    // h = floor(i * B / 2^14) >= t_i at every index from B >= ceil(t_i 2^14 / i),
+    // and h <= t_i where t_i < 255 up to B <= floor(((t_i + 1) 2^14 - 1) / i).
+    constexpr std::int64_t kOne = 16384;
+    std::int64_t atLeast = kOne, atMost = 32767;
+    for (std::int64_t i = 1; i < 256; ++i) {
+        const std::int64_t t = table[i];
+        atLeast = std::max(atLeast, (t * kOne + i - 1) / i);
+        if (t < 255)
+            atMost = std::min(atMost, ((t + 1) * kOne - 1) / i);
+    }
+    auto matches = [&] {
+        for (std::int32_t i = 0; i < 256; ++i)
+            if (EvalLutScaled8(f, i) != table[i])
+                return false;
+        return true;
+    };
+    if (atLeast > 32767 || atMost < kOne)
+        return false;
+    f.high = static_cast<std::uint16_t>(atLeast);
+    if (atLeast <= atMost)
+        return f.valid = matches();
+    // Corrected: h from the least B giving h >= t, g from the greatest giving
+    // g <= t; where they differ, the entry says which one l must pick, and
+    // l = floor(i * cross / 2^14) picks g exactly where it reaches P, h's top
+    // bit (cross <= high keeps l <= h).
+    f.low = static_cast<std::uint16_t>(atMost);
+    f.corrected = true;
+    std::int64_t crossAtLeast = 0, crossAtMost = atLeast;
+    for (std::int64_t i = 1; i < 256; ++i) {
+        const std::int64_t t = table[i];
+        const std::int64_t h = std::min<std::int64_t>(i * atLeast / kOne, 255);
+        const std::int64_t g = std::min<std::int64_t>(i * atMost / kOne, 255);
+        if (h == g)
+            continue;
+        const std::int64_t raw = i * atLeast / kOne;
+        std::int64_t top = 1;
+        while (top * 2 <= raw)
+            top *= 2;
+        if (g == t)
+            crossAtLeast = std::max(crossAtLeast, (top * kOne + i - 1) / i);
+        else if (h == t)
+            crossAtMost = std::min(crossAtMost, (top * kOne - 1) / i);
+        else
+            return false;
+    }
+    if (crossAtLeast > crossAtMost)
+        return false;
+    f.cross = static_cast<std::uint16_t>(crossAtLeast);
+    return f.valid = matches();
+}
+
 unsigned LutExactCandidates(const LutChannelForm& f, double (&scales)[6])
 {
     unsigned n = 0;
@@ -353,6 +425,7 @@ void FillFormPlan8(const LutChannelForm (&forms)[3], unsigned pixelBytes, bool g
     plan.pixelBytes = pixelBytes;
     plan.identity[0] = plan.identity[1] = plan.identity[2] = false;
     plan.unit[0] = plan.unit[1] = plan.unit[2] = false;
+    plan.scaled[0] = plan.scaled[1] = plan.scaled[2] = LutScaledForm{};
     plan.general = general && !corrected;
     plan.corrected = corrected;
     for (unsigned phase = 0; phase < 3; ++phase)
@@ -456,6 +529,7 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
         for (i = 0; i < 256 && unit; ++i)
             unit = EvalLutUnit8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
         cache.plan.unit[c] = unit;
+        DeriveLutScaledForm(tables[c], cache.plan.scaled[c]);
     }
     cache.has = true;
     return &cache.plan;

@@ -99,6 +99,35 @@ unsigned LutExactCandidates(const LutChannelForm& form, double (&scales)[6]);
 // form reads fg from the kLutFl lanes and kap from the kLutK lanes.
 enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit, kLutParamCount };
 
+// Scaled forms of byte tables with slopes from 1 up to 2, for kernels that
+// hold the values to look up as signed 16-bit lanes v, |v| < 8192, and
+// bring the results to 0-255 with a saturating pack (the YUV transform's
+// unclamped results). With x = 4v and signed multiply-highs, which give
+// floor(x * B / 2^16) = floor(v * B / 2^14):
+//   fast:      r = h = MulHi(x, high)
+//   corrected: g = MulHi(x, low), l = MulHi(x, cross),
+//              r = l > (l ^ h) ? g : h   (g where l reaches h's top bit)
+// The fast form costs two operations where the unit form (EvalLutUnit8)
+// costs three, the corrected one seven where the unit form costs eleven
+// (the unit forms need v clamped to 0-255 first). high and low are at
+// least 2^14: v past 255 gives at least 256, v below 0 at most -1, so the
+// pack gives 255 and 0, the entries a clamp to 0-255 before the table
+// gives (entry 0 is 0 and entry 255 is 255 wherever a form exists).
+// The corrected form is for gains just below a short decimal (1.4), whose
+// tables some products were lifted in (see above): h misses them by one,
+// g gives them, and l tells them apart by the power of two they lie under.
+// A fast form has low = cross = 0.
+struct LutScaledForm {
+    std::uint16_t high, low, cross;
+    bool valid, corrected;
+};
+
+// The scaled form of a 256-entry table; false (form.valid false) where it
+// has none. Every form returned was evaluated at each index and matched.
+bool DeriveLutScaledForm(const std::uint8_t* table, LutScaledForm& form);
+// The byte the scaled form gives for the lane value v (|v| < 8192).
+std::uint8_t EvalLutScaled8(const LutScaledForm& form, std::int32_t v);
+
 // 8-bit tables on 3- or 4-byte pixels. A register of bytes is widened to
 // 16-bit lanes by unpacking its low and high eight bytes of every 128-bit
 // lane with zeros; lanes[p][h][q][j] is parameter q of 16-bit lane j of half
@@ -112,12 +141,15 @@ enum LutParam : unsigned { kLutK = 0, kLutA, kLutFh, kLutFl, kLutOff, kLutLimit,
 // unit[p]: the table at byte p has slope 1 and no offset in a saturating
 // plan and its unit form (EvalLutUnit8) gives it at every index (FormPlan8
 // checks it; kernels may then evaluate that form instead).
+// scaled[p]: the scaled form of the table at byte p (valid false where it
+// has none; FormPlan8 sets it).
 struct LutFormPlan8 {
     alignas(64) std::uint16_t lanes[3][2][kLutParamCount][32];
     unsigned pixelBytes;
     bool general, corrected, saturating;
     bool identity[3];
     bool unit[3];
+    LutScaledForm scaled[3];
 };
 
 // 16-bit tables on RGB48 lines (red, green, blue words). lanes[p][q][j]:

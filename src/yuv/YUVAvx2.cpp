@@ -233,39 +233,72 @@ std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32
     return groups * 16;
 }
 
+inline __m256i BytePair(std::int32_t low, std::int32_t high)
+{
+    return _mm256_set1_epi16(static_cast<short>(((high & 0xFF) << 8) | (low & 0xFF)));
+}
+
+// The constants of Transform422BytePairs. The loops read them from memory,
+// through Transform422ConstantsInMemory: with sixteen vector registers a
+// loop cannot keep them all, and GCC then rebuilds the ones it gives up (a
+// move and a broadcast each, five a step) instead of reading them, while
+// read as operands of the multiply-adds and adds they cost nothing.
+struct Transform422Constants {
+    __m256i pickU, pickV;                   // the (Y, U) and (Y, V) byte pairs
+    __m256i rs, gsv, gsu, bs, rw, gw, bw;   // byte-pair coefficients
+    __m256i rso, gso, bso, rwo, gwo, bwo;   // the sums' offsets
+};
+
+inline Transform422Constants MakeTransform422Constants()
+{
+    using namespace bt601;
+    Transform422Constants k;
+    k.pickU = _mm256_setr_epi8(0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13,  //
+                               0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13);
+    k.pickV = _mm256_setr_epi8(0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15,  //
+                               0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15);
+    k.rs = BytePair(kLumaFraction, -kRedFromVPairFraction);
+    k.gsv = BytePair(kLumaFraction, kGreenFromVFraction);
+    k.gsu = BytePair(0, -kGreenFromU);
+    k.bs = BytePair(kLumaFraction, kBlueFromUFraction);
+    k.rw = BytePair(1, kRedFromVPairWhole);
+    k.gw = BytePair(1, -1);
+    k.bw = BytePair(1, kBlueFromUWhole);
+    k.rso = _mm256_set1_epi16(static_cast<short>(kRedPairSumOffset));
+    k.gso = _mm256_set1_epi16(static_cast<short>(kGreenSumOffset));
+    k.bso = _mm256_set1_epi16(static_cast<short>(kBlueSumOffset));
+    k.rwo = _mm256_set1_epi16(static_cast<short>(kRedPairWholeOffset));
+    k.gwo = _mm256_set1_epi16(static_cast<short>(kGreenWholeOffset));
+    k.bwo = _mm256_set1_epi16(static_cast<short>(kBlueWholeOffset));
+    return k;
+}
+
+// The constants behind a pointer the compiler cannot see through, so that
+// loops read them from memory (see above); `k` must outlive the loop.
+inline const Transform422Constants* Transform422ConstantsInMemory(const Transform422Constants& k)
+{
+    const Transform422Constants* p = &k;
+    __asm__("" : "+r"(p) : : "memory");
+    return p;
+}
+
 // The 4:2:2 transform with byte multiply-adds only (the byte-pair form of
 // YUVTransform.h). Two byte shuffles give each pixel's lane the byte pairs
 // (Y, U) and (Y, V); every term, whole or fraction, is then one vpmaddubsw
 // of such a pair (no sum saturates), which leaves the shift unit free for
 // the arithmetic shifts and the packing.
-inline __m256i BytePair(std::int32_t low, std::int32_t high)
-{
-    return Opaque(_mm256_set1_epi16(static_cast<short>(((high & 0xFF) << 8) | (low & 0xFF))));
-}
-
-inline __attribute__((always_inline)) void Transform422BytePairs(__m256i x, __m256i& r, __m256i& g, __m256i& b)
+inline __attribute__((always_inline)) void Transform422BytePairs(__m256i x, const Transform422Constants& k,
+                                                                 __m256i& r, __m256i& g, __m256i& b)
 {
     using namespace bt601;
-    const __m256i pickU = _mm256_setr_epi8(0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13,  //
-                                           0, 1, 2, 1, 4, 5, 6, 5, 8, 9, 10, 9, 12, 13, 14, 13);
-    const __m256i pickV = _mm256_setr_epi8(0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15,  //
-                                           0, 3, 2, 3, 4, 7, 6, 7, 8, 11, 10, 11, 12, 15, 14, 15);
-    const __m256i yu = _mm256_shuffle_epi8(x, pickU);
-    const __m256i yv = _mm256_shuffle_epi8(x, pickV);
-    const __m256i rs = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(kLumaFraction, -kRedFromVPairFraction)),
-                                        _mm256_set1_epi16(static_cast<short>(kRedPairSumOffset)));
-    const __m256i gs = _mm256_add_epi16(
-        _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(kLumaFraction, kGreenFromVFraction)),
-                         _mm256_maddubs_epi16(yu, BytePair(0, -kGreenFromU))),
-        _mm256_set1_epi16(static_cast<short>(kGreenSumOffset)));
-    const __m256i bs = _mm256_add_epi16(_mm256_maddubs_epi16(yu, BytePair(kLumaFraction, kBlueFromUFraction)),
-                                        _mm256_set1_epi16(static_cast<short>(kBlueSumOffset)));
-    const __m256i rw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(1, kRedFromVPairWhole)),
-                                        _mm256_set1_epi16(static_cast<short>(kRedPairWholeOffset)));
-    const __m256i gw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, BytePair(1, -1)),
-                                        _mm256_set1_epi16(static_cast<short>(kGreenWholeOffset)));
-    const __m256i bw = _mm256_add_epi16(_mm256_maddubs_epi16(yu, BytePair(1, kBlueFromUWhole)),
-                                        _mm256_set1_epi16(static_cast<short>(kBlueWholeOffset)));
+    const __m256i yu = _mm256_shuffle_epi8(x, k.pickU);
+    const __m256i yv = _mm256_shuffle_epi8(x, k.pickV);
+    const __m256i rs = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.rs), k.rso);
+    const __m256i gs = _mm256_add_epi16(_mm256_add_epi16(_mm256_maddubs_epi16(yv, k.gsv), _mm256_maddubs_epi16(yu, k.gsu)), k.gso);
+    const __m256i bs = _mm256_add_epi16(_mm256_maddubs_epi16(yu, k.bs), k.bso);
+    const __m256i rw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.rw), k.rwo);
+    const __m256i gw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.gw), k.gwo);
+    const __m256i bw = _mm256_add_epi16(_mm256_maddubs_epi16(yu, k.bw), k.bwo);
     r = _mm256_add_epi16(rw, _mm256_srai_epi16(rs, kFractionBits));
     g = _mm256_add_epi16(gw, _mm256_srai_epi16(gs, kFractionBits));
     b = _mm256_add_epi16(bw, _mm256_srai_epi16(bs, kFractionBits));
@@ -295,12 +328,14 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
                            bool stream)
 {
     constexpr std::uint32_t kPairBytes = Reader::kGroupBytes / 16;
+    const Transform422Constants constants = MakeTransform422Constants();
+    const Transform422Constants* c = Transform422ConstantsInMemory(constants);
     auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m256i x[2];
         reader.Load2(s, x[0], x[1]);
         for (int k = 0; k < 2; ++k) {
             __m256i r, g, b;
-            Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
+            Transform422BytePairs(_mm256_permute4x64_epi64(x[k], _MM_SHUFFLE(3, 1, 2, 0)), *c, r, g, b);
             Store422To32<RedIndex>(d + 64 * k, r, g, b, streaming);
         }
     };
@@ -373,9 +408,11 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
         }
     };
     const std::uint32_t steps = pairs / 8;
+    const Transform422Constants constants = MakeTransform422Constants();
+    const Transform422Constants* k = Transform422ConstantsInMemory(constants);
     for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
         __m256i r, g, b;
-        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), r, g, b);
+        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
         r = eval(r, forms.red, std::integral_constant<int, Red>{});
         g = eval(g, forms.green, std::integral_constant<int, Green>{});
         b = eval(b, forms.blue, std::integral_constant<int, Blue>{});
@@ -398,6 +435,87 @@ std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char*
     return done;
 }
 
+// The scaled forms of a plan's tables (simd/LutForm.h) in every lane, read
+// from memory in the loop as the transform's constants are.
+struct ScaledChannel {
+    __m256i high, low, cross;
+};
+struct ScaledChannels {
+    ScaledChannel red, green, blue;
+};
+
+// (A fast form has cross = 0, so the corrected loop never picks its g.)
+inline ScaledChannel ScaledLanes(const simd::LutScaledForm& f)
+{
+    const auto lanes = [](std::uint16_t b) { return _mm256_set1_epi16(static_cast<short>(b)); };
+    return {lanes(f.high), lanes(f.low), lanes(f.cross)};
+}
+
+// As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
+// through the scaled form of its table on the transform's unclamped
+// results (Mode -1: left as it is; 0 fast, 1 corrected).
+template <unsigned RedIndex, int Red, int Green, int Blue>
+std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                 const ScaledChannels& channels)
+{
+    auto eval = [](__m256i v, const ScaledChannel& c, auto mode) __attribute__((always_inline)) {
+        constexpr int kMode = decltype(mode)::value;
+        if constexpr (kMode < 0) {
+            return v;
+        } else {
+            const __m256i x = _mm256_slli_epi16(v, 2);
+            const __m256i h = _mm256_mulhi_epi16(x, c.high);
+            if constexpr (kMode == 0) {
+                return h;
+            } else {
+                const __m256i l = _mm256_mulhi_epi16(x, c.cross);
+                return _mm256_blendv_epi8(h, _mm256_mulhi_epi16(x, c.low),
+                                          _mm256_cmpgt_epi16(l, _mm256_xor_si256(l, h)));
+            }
+        }
+    };
+    const Transform422Constants constants = MakeTransform422Constants();
+    const Transform422Constants* k = Transform422ConstantsInMemory(constants);
+    const ScaledChannels* forms = &channels;
+    __asm__("" : "+r"(forms) : : "memory");
+    const std::uint32_t steps = pairs / 8;
+    for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
+        __m256i r, g, b;
+        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
+        r = eval(r, forms->red, std::integral_constant<int, Red>{});
+        g = eval(g, forms->green, std::integral_constant<int, Green>{});
+        b = eval(b, forms->blue, std::integral_constant<int, Blue>{});
+        Store422To32<RedIndex>(dst, r, g, b, OrdinaryStores{});
+    }
+    return steps * 8;
+}
+
+// Through the scaled forms (every table must have one): green left as it
+// is where its table is the identity (white balance mostly), red and blue
+// each fast or corrected; else all three in the corrected loop.
+template <unsigned RedIndex>
+std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                        const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: red at byte RedIndex.
+    const simd::LutScaledForm& red = plan.scaled[RedIndex];
+    const simd::LutScaledForm& green = plan.scaled[1];
+    const simd::LutScaledForm& blue = plan.scaled[2 - RedIndex];
+    alignas(32) const ScaledChannels channels{ScaledLanes(red), ScaledLanes(green), ScaledLanes(blue)};
+    using Skip = std::integral_constant<int, -1>;
+    using Fast = std::integral_constant<int, 0>;
+    using Corrected = std::integral_constant<int, 1>;
+    auto run = [&](auto r, auto g, auto b) {
+        return Pairs422To32Scaled<RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
+            src, dst, pairs, channels);
+    };
+    if (!plan.identity[1])
+        return run(Corrected{}, Corrected{}, Corrected{});
+    if (red.corrected)
+        return blue.corrected ? run(Corrected{}, Skip{}, Corrected{}) : run(Corrected{}, Skip{}, Fast{});
+    return blue.corrected ? run(Fast{}, Skip{}, Corrected{}) : run(Fast{}, Skip{}, Fast{});
+}
+
 // 8-bit samples into 32-bit layouts only; 0 (the line's pair loop looks the
 // channels up) for anything else.
 //
@@ -414,6 +532,9 @@ std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std
 {
     if (sampleBytes != 1 || dstBytes != 4)
         return 0;
+    if (plan.scaled[0].valid && plan.scaled[1].valid && plan.scaled[2].valid)
+        return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan)
+                        : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan);
     return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan)
                     : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan);
 }

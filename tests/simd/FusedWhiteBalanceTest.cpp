@@ -218,6 +218,47 @@ TEST(FusedWhiteBalance, PackedUnitFractionsAreFoundWhereverOneExists)
     }
 }
 
+// The scaled forms take the YUV transform's unclamped results: at every
+// lane value a kernel can hold they must give the entry a clamp to 0-255
+// and the table give. Over the gains 1.000 to 1.999 the fast form is
+// returned exactly where a search over every multiplier finds one; every
+// gain 1.00, 1.01, ... 1.99 has a form (five of them only the corrected
+// one); slopes below 1 or of 2 and more, and offsets, have none.
+TEST(FusedWhiteBalance, ScaledFormsGiveTheClampedEntryAtEveryLaneValue)
+{
+    auto derive = [](double gain, std::uint16_t offset, zo::simd::LutScaledForm& form) {
+        ZoRGBFilter filter(8);
+        EXPECT_EQ(filter.SetMultipliers(gain, 1.0, 1.0, offset, 0, 0), ZO_OK);
+        const std::uint8_t* table = filter.RedTable8();
+        const bool found = zo::simd::DeriveLutScaledForm(table, form);
+        for (std::int32_t v = -8191; v < 8192 && found; ++v)
+            if (zo::simd::EvalLutScaled8(form, v) != table[std::clamp(v, 0, 255)]) {
+                ADD_FAILURE() << gain << " at " << v;
+                break;
+            }
+        bool fastExists = false;
+        for (std::uint32_t high = 16384; high < 32768 && !fastExists; ++high) {
+            fastExists = true;
+            for (std::uint32_t i = 0; i < 256 && fastExists; ++i)
+                fastExists = std::min<std::uint32_t>((i * high) >> 14, 255) == table[i];
+        }
+        EXPECT_EQ(found && !form.corrected, fastExists) << gain << " + " << offset;
+        return found;
+    };
+    zo::simd::LutScaledForm form;
+    for (int step = 1000; step < 2000; ++step)
+        derive(step / 1000.0, 0, form);
+    const double kCorrected[] = {1.15, 1.16, 1.38, 1.4, 1.64};
+    for (int step = 100; step < 200; ++step) {
+        const double gain = step / 100.0;
+        EXPECT_TRUE(derive(gain, 0, form)) << gain;
+        EXPECT_EQ(form.corrected, std::count(std::begin(kCorrected), std::end(kCorrected), gain) == 1) << gain;
+    }
+    for (double gain : {0.9, 2.2})
+        EXPECT_FALSE(derive(gain, 0, form)) << gain;
+    EXPECT_FALSE(derive(1.6, 3, form));
+}
+
 // RGB 24 and RGB32 to RGB16 at every line length up to beyond two of the
 // widest steps, ordinary and streaming: through the unit forms of
 // Rgb16Forms (green skipped or evaluated, red the identity) and, where a
