@@ -456,7 +456,7 @@ inline ScaledChannel ScaledLanes(const simd::LutScaledForm& f)
 // results (Mode -1: left as it is; 0 fast, 1 corrected).
 template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                 const ScaledChannels& channels)
+                                 const ScaledChannels& channels, bool stream)
 {
     auto eval = [](__m256i v, const ScaledChannel& c, auto mode) __attribute__((always_inline)) {
         constexpr int kMode = decltype(mode)::value;
@@ -478,16 +478,17 @@ std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, s
     const Transform422Constants* k = Transform422ConstantsInMemory(constants);
     const ScaledChannels* forms = &channels;
     __asm__("" : "+r"(forms) : : "memory");
-    const std::uint32_t steps = pairs / 8;
-    for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
-        __m256i r, g, b;
-        Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
-        r = eval(r, forms->red, std::integral_constant<int, Red>{});
-        g = eval(g, forms->green, std::integral_constant<int, Green>{});
-        b = eval(b, forms->blue, std::integral_constant<int, Blue>{});
-        Store422To32<RedIndex>(dst, r, g, b, OrdinaryStores{});
-    }
-    return steps * 8;
+    auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
+        for (int half = 0; half < 2; ++half) {
+            __m256i r, g, b;
+            Transform422BytePairs(_mm256_permute4x64_epi64(Load(s + 32 * half), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
+            r = eval(r, forms->red, std::integral_constant<int, Red>{});
+            g = eval(g, forms->green, std::integral_constant<int, Green>{});
+            b = eval(b, forms->blue, std::integral_constant<int, Blue>{});
+            Store422To32<RedIndex>(d + 64 * half, r, g, b, streaming);
+        }
+    };
+    return ConvertPairsLine<16, 4>(src, dst, pairs, stream, convert, StreamLine);
 }
 
 // Through the scaled forms (every table must have one): green left as it
@@ -495,7 +496,7 @@ std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, s
 // each fast or corrected; else all three in the corrected loop.
 template <unsigned RedIndex>
 std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                        const simd::LutFormPlan8& plan)
+                                        const simd::LutFormPlan8& plan, bool stream)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
     const simd::LutScaledForm& red = plan.scaled[RedIndex];
@@ -507,7 +508,7 @@ std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char*
     using Corrected = std::integral_constant<int, 1>;
     auto run = [&](auto r, auto g, auto b) {
         return Pairs422To32Scaled<RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
-            src, dst, pairs, channels);
+            src, dst, pairs, channels, stream);
     };
     if (!plan.identity[1])
         return run(Corrected{}, Corrected{}, Corrected{});
@@ -517,24 +518,25 @@ std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char*
 }
 
 // 8-bit samples into 32-bit layouts only; 0 (the line's pair loop looks the
-// channels up) for anything else.
+// channels up) for anything else. Through the scaled forms where every
+// table has one (each gain from 1.00 to 1.99 does), streamed where `stream`
+// says, every pair of the line; else through the unit and plan forms with
+// ordinary stores, whole steps only.
 //
-// Ordinary stores only, streaming or not: the forms' arithmetic, not
-// memory, bounds this path. Measured with YUYV -> BGRA through gains 1.8,
-// 1.0, 1.4 (cold frames, one run, alternating builds): written through the
-// streaming line loop (whole 64-byte lines streamed, the line's end through
-// a buffer) it took 0.65-0.78 ms a frame at 1920 x 1080 and 3.9-5.1 ms at
-// 4096 x 3000, with or without streaming stores, against this loop's
-// 0.63-0.69 and 3.7-4.1.
+// YUYV -> BGRA through gains 1.8, 1.0, 1.4 at ZOIMG_CPU=avx2 (cold frames,
+// 1920 x 1080, one run alternating with the unit forms' loop): 0.61 ms a
+// frame against 0.66; lines in the cache, 0.264 ns a pixel against 0.302.
+// Streamed or not measured the same (0.59-0.63 ms against 0.61): the forms'
+// arithmetic bounds it; it streams as the identity path does.
 std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                               const simd::LutFormPlan8& plan, bool)
+                               const simd::LutFormPlan8& plan, bool stream)
 {
     if (sampleBytes != 1 || dstBytes != 4)
         return 0;
     if (plan.scaled[0].valid && plan.scaled[1].valid && plan.scaled[2].valid)
-        return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan)
-                        : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan);
+        return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan, stream)
+                        : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan, stream);
     return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan)
                     : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan);
 }

@@ -4,14 +4,14 @@
 // does not handle the arguments. The scalar kernels of YUVKernels.h finish
 // every line and are the reference these paths are tested against.
 //
-// The AVX2 and AVX-512 4:2:2 paths into 32-bit layouts (pairs8, and the
-// AVX-512 pairs8Lut) convert every pair of the line, the last ones through
-// a buffer (yuv/YUVLineEnd.h). `stream` (the 8-bit 4:2:2 entries): the
-// line may write its destination with streaming stores (core/StreamStores.h
-// says when). Those paths then stream every whole 64-byte line from the
-// first one they can fill whole (core/StreamGroups.h); every other path,
-// the AVX2 pairs8Formed included (see YUVAvx2.cpp), ignores it. The bytes
-// written are the same either way.
+// The AVX2 and AVX-512 4:2:2 paths into 32-bit layouts (pairs8, the
+// AVX-512 pairs8Lut and the AVX2 pairs8Formed where the tables have scaled
+// forms) convert every pair of the line, the last ones through a buffer
+// (yuv/YUVLineEnd.h). `stream` (the 8-bit 4:2:2 entries): the line may
+// write its destination with streaming stores (core/StreamStores.h says
+// when). Those paths then stream every whole 64-byte line from the first
+// one they can fill whole (core/StreamGroups.h); every other path ignores
+// it. The bytes written are the same either way.
 #ifndef ZO_YUV_SIMD_H
 #define ZO_YUV_SIMD_H
 
