@@ -49,12 +49,18 @@ inline typename V::T UnitFast(typename V::T i, const typename simd::LutArith<V>:
     return V::Min(V::AddS(i, V::MulHi(i, P.p[fraction])), P.p[simd::kLutLimit]);
 }
 
+// Where the lanes compare unsigned (AVX-512), g is picked where x ^ h > h,
+// two operations fewer; WithWordForms takes this form there only for
+// pickable plans (LutFormPlan16::pickable).
 template <class V>
 inline typename V::T UnitCorrected(typename V::T i, const typename simd::LutArith<V>::Params& P)
 {
     const typename V::T h = UnitFast<V>(i, P, simd::kLutFh), g = UnitFast<V>(i, P, simd::kLutFl);
     const typename V::T x = V::Add(h, V::MulHi(h, P.p[simd::kLutK]));
-    return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
+    if constexpr (V::kPickGreater)
+        return V::PickGreater(V::Xor(x, h), h, g, h);
+    else
+        return V::Sub(h, V::Min(V::Sub(h, g), V::SubS(V::Xor(x, h), h)));
 }
 
 // One channel through its form: the plan's mode, or (Fast) the fast form
@@ -98,12 +104,14 @@ inline void WithFastMask(unsigned mask, Run run)
 // LutArith::WithMode16 gives them; fast, the mask of the channels a
 // corrected plan evaluates by the fast form; skipGreen, whether green is
 // the identity in blocks whose samples stay below greenBound; unit, whether
-// every channel has slope 1 and no offset (no multiply, no offset add).
+// every channel has slope 1 and no offset (no multiply, no offset add),
+// and, for a corrected plan on lanes that pick (UnitCorrected), that the
+// plan is pickable.
 template <class Arith, class Blocks>
 std::uint32_t WithWordForms(const simd::LutFormPlan16& plan, std::uint32_t from, Blocks blocks)
 {
     unsigned fastMask = 0;
-    bool unit = true;
+    bool unit = !plan.corrected || !Arith::Vec::kPickGreater || plan.pickable;
     for (unsigned ch = 0; ch < 3; ++ch) {
         unit &= plan.lanes[ch][simd::kLutA][0] == 1 && plan.lanes[ch][simd::kLutOff][0] == 0;
         if (plan.corrected && plan.lanes[ch][simd::kLutK][0] == 0)

@@ -32,6 +32,7 @@ namespace simd {
 
 template <class V>
 struct LutArith {
+    using Vec = V;
     using T = typename V::T;
     static constexpr std::size_t W = V::kBytes;
     using Lanes = std::uint16_t[kLutParamCount][32];

@@ -454,6 +454,10 @@ void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, b
     plan.wide = wide && !exact && !corrected;
     plan.exact = exact;
     plan.corrected = corrected;
+    // h - g <= ceil(i (fh - fg) / 2^16) below the limit, 0 from it on (g(i) >= i).
+    plan.pickable = corrected;
+    for (const LutChannelForm& f : forms)
+        plan.pickable &= f.fg <= f.fh && std::uint32_t(f.limit) * (f.fh - f.fg) < 65536u;
     for (unsigned phase = 0; phase < 3; ++phase)
         for (unsigned j = 0; j < 32; ++j) {
             const LutChannelForm& f = forms[(j + phase) % 3];

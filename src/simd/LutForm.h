@@ -173,6 +173,11 @@ struct LutFormPlan16 {
     bool general, wide, exact, corrected;
     bool identity[3];
     std::uint32_t identityBelow[3];
+    // Corrected plans: h and g differ by at most one at every index (every
+    // channel's limit times fh - fg is below 2^16), so r = h - min(h - g,
+    // sat(x ^ h - h)) is g where x ^ h > h and h elsewhere, which kernels
+    // may compute with a compare and a select instead.
+    bool pickable;
 };
 
 // RGB 5:6:5 words keep the top five bits of red and blue and the top six

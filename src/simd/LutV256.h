@@ -33,6 +33,8 @@ struct V256 {
     static T MulLo(T a, T b) { return _mm256_mullo_epi16(a, b); }
     static T MulHi(T a, T b) { return _mm256_mulhi_epu16(a, b); }
     static T Min(T a, T b) { return _mm256_min_epu16(a, b); }
+    // No unsigned 16-bit compare: corrected forms take back min(h - g, ...).
+    static constexpr bool kPickGreater = false;
     static T AddS8(T a, T b) { return _mm256_adds_epu8(a, b); }
     static T Greater(T a, T b) { return _mm256_cmpgt_epi16(a, b); }
     static T Select(T mask, T a, T b) { return _mm256_blendv_epi8(b, a, mask); }

@@ -39,6 +39,12 @@ struct V512 {
     static T MulLo(T a, T b) { return _mm512_mullo_epi16(a, b); }
     static T MulHi(T a, T b) { return _mm512_mulhi_epu16(a, b); }
     static T Min(T a, T b) { return _mm512_min_epu16(a, b); }
+    // ifGreater where a > b (unsigned), else otherwise.
+    static constexpr bool kPickGreater = true;
+    static T PickGreater(T a, T b, T ifGreater, T otherwise)
+    {
+        return _mm512_mask_mov_epi16(otherwise, _mm512_cmpgt_epu16_mask(a, b), ifGreater);
+    }
     static T Or(T a, T b) { return _mm512_or_si512(a, b); }
     static T Xor(T a, T b) { return _mm512_xor_si512(a, b); }
     static T IfNonZero(T d, T x) { return _mm512_maskz_mov_epi16(_mm512_test_epi16_mask(d, d), x); }

@@ -204,6 +204,21 @@ TEST(LutPasses, MultiplierTablePlansMatchLookups)
                     return;
                 EXPECT_EQ(plan->corrected, c.form16 == MultiplierCase::kCorrected);
                 EXPECT_EQ(plan->exact, c.form16 == MultiplierCase::kExact);
+                // A pickable plan's h and g lie at most one apart at every index.
+                EXPECT_EQ(plan->pickable, plan->corrected);
+                for (unsigned ch = 0; ch < 3 && plan->pickable; ++ch) {
+                    zo::simd::LutChannelForm h{}, g{};
+                    h.a = g.a = plan->channel[ch][zo::simd::kLutA][0];
+                    h.off = g.off = plan->channel[ch][zo::simd::kLutOff][0];
+                    h.limit = g.limit = plan->channel[ch][zo::simd::kLutLimit][0];
+                    h.fh = h.fg = plan->channel[ch][zo::simd::kLutFh][0];
+                    g.fh = g.fg = plan->channel[ch][zo::simd::kLutFl][0];
+                    for (std::uint32_t i = 0; i < 65536; ++i) {
+                        const auto index = static_cast<std::uint16_t>(i);
+                        const int apart = zo::simd::EvalLutCorrected(h, index) - zo::simd::EvalLutCorrected(g, index);
+                        ASSERT_TRUE(apart == 0 || apart == 1) << "channel " << ch << " at " << i;
+                    }
+                }
                 for (std::uint32_t count : {1u, 3u, 7u, 17u, 33u, 1001u, 21846u}) {
                     std::vector<std::uint8_t> line =
                         count == 21846u ? everyValue : zotest::RandomBytes(std::size_t(count) * 6 + 64, rng);
