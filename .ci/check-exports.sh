@@ -5,10 +5,10 @@
 #
 #   bash .ci/check-exports.sh [LIBRARY...]
 #
-# A .so is read with `nm -D --defined-only`. A .dll is read with
-# `x86_64-w64-mingw32-objdump -p`, and must besides export nothing but the
-# flat functions and the library's own classes (no C++ runtime internals),
-# and import no MinGW runtime DLL.
+# A .so is read with `nm -D --defined-only`, a .dll with
+# `x86_64-w64-mingw32-objdump -p`. Both must besides export nothing but the
+# flat functions and the library's own classes (no C++ runtime internals);
+# a .dll must import no MinGW runtime DLL.
 # Without arguments: checks <repo>/build/libZoImgLib64.so (the usual native
 # build) or, when there is none, builds the shared library alone in
 # $ZO_EXPORTS_BUILD_DIR (default <repo>/build-exports); and checks
@@ -43,9 +43,12 @@ missing_from() {
 }
 
 check_so() {
-    local lib=$1 missing
+    local lib=$1 missing others
     missing=$(nm -D --defined-only "$lib" | awk '$2 == "T" { print $3 }' | missing_from)
     [ -z "$missing" ] || fail "$lib does not export: $(echo $missing)"
+    others=$(nm -D --defined-only "$lib" | awk '{ print $3 }' | grep -vxF -f <(printf '%s\n' "${flat[@]}") |
+        grep -vE "$own_class" || true)
+    [ -z "$others" ] || fail "$lib exports more than the flat functions and the library's classes: $(echo $others | head -c 2000)"
 }
 
 # Mangled names of the library's own classes (members, vtables, type info,
