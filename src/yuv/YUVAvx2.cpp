@@ -239,10 +239,10 @@ inline __m256i BytePair(std::int32_t low, std::int32_t high)
 }
 
 // The constants of Transform422BytePairs. The loops read them from memory,
-// through Transform422ConstantsInMemory: with sixteen vector registers a
-// loop cannot keep them all, and GCC then rebuilds the ones it gives up (a
-// move and a broadcast each, five a step) instead of reading them, while
-// read as operands of the multiply-adds and adds they cost nothing.
+// through InMemory: with sixteen vector registers a loop cannot keep them
+// all, and GCC then rebuilds the ones it gives up (a move and a broadcast
+// each, five a step) instead of reading them, while read as operands of
+// the multiply-adds and adds they cost nothing.
 struct Transform422Constants {
     __m256i pickU, pickV;                   // the (Y, U) and (Y, V) byte pairs
     __m256i rs, gsv, gsu, bs, rw, gw, bw;   // byte-pair coefficients
@@ -273,11 +273,12 @@ inline Transform422Constants MakeTransform422Constants()
     return k;
 }
 
-// The constants behind a pointer the compiler cannot see through, so that
-// loops read them from memory (see above); `k` must outlive the loop.
-inline const Transform422Constants* Transform422ConstantsInMemory(const Transform422Constants& k)
+// `v` behind a pointer the compiler cannot see through, so that loops read
+// it from memory (see above); `v` must outlive the loop.
+template <class T>
+inline const T* InMemory(const T& v)
 {
-    const Transform422Constants* p = &k;
+    const T* p = &v;
     __asm__("" : "+r"(p) : : "memory");
     return p;
 }
@@ -294,7 +295,8 @@ inline __attribute__((always_inline)) void Transform422BytePairs(__m256i x, cons
     const __m256i yu = _mm256_shuffle_epi8(x, k.pickU);
     const __m256i yv = _mm256_shuffle_epi8(x, k.pickV);
     const __m256i rs = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.rs), k.rso);
-    const __m256i gs = _mm256_add_epi16(_mm256_add_epi16(_mm256_maddubs_epi16(yv, k.gsv), _mm256_maddubs_epi16(yu, k.gsu)), k.gso);
+    const __m256i gs =
+        _mm256_add_epi16(_mm256_add_epi16(_mm256_maddubs_epi16(yv, k.gsv), _mm256_maddubs_epi16(yu, k.gsu)), k.gso);
     const __m256i bs = _mm256_add_epi16(_mm256_maddubs_epi16(yu, k.bs), k.bso);
     const __m256i rw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.rw), k.rwo);
     const __m256i gw = _mm256_add_epi16(_mm256_maddubs_epi16(yv, k.gw), k.gwo);
@@ -329,7 +331,7 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
 {
     constexpr std::uint32_t kPairBytes = Reader::kGroupBytes / 16;
     const Transform422Constants constants = MakeTransform422Constants();
-    const Transform422Constants* c = Transform422ConstantsInMemory(constants);
+    const Transform422Constants* c = InMemory(constants);
     auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         __m256i x[2];
         reader.Load2(s, x[0], x[1]);
@@ -409,7 +411,7 @@ std::uint32_t Pairs422To32Formed(const unsigned char* src, unsigned char* dst, s
     };
     const std::uint32_t steps = pairs / 8;
     const Transform422Constants constants = MakeTransform422Constants();
-    const Transform422Constants* k = Transform422ConstantsInMemory(constants);
+    const Transform422Constants* k = InMemory(constants);
     for (std::uint32_t i = 0; i < steps; ++i, src += 32, dst += 64) {
         __m256i r, g, b;
         Transform422BytePairs(_mm256_permute4x64_epi64(Load(src), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
@@ -475,13 +477,13 @@ std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, s
         }
     };
     const Transform422Constants constants = MakeTransform422Constants();
-    const Transform422Constants* k = Transform422ConstantsInMemory(constants);
-    const ScaledChannels* forms = &channels;
-    __asm__("" : "+r"(forms) : : "memory");
+    const Transform422Constants* k = InMemory(constants);
+    const ScaledChannels* forms = InMemory(channels);
     auto convert = [&](const unsigned char* s, unsigned char* d, auto streaming) __attribute__((always_inline)) {
         for (int half = 0; half < 2; ++half) {
             __m256i r, g, b;
-            Transform422BytePairs(_mm256_permute4x64_epi64(Load(s + 32 * half), _MM_SHUFFLE(3, 1, 2, 0)), *k, r, g, b);
+            const __m256i x = _mm256_permute4x64_epi64(Load(s + 32 * half), _MM_SHUFFLE(3, 1, 2, 0));
+            Transform422BytePairs(x, *k, r, g, b);
             r = eval(r, forms->red, std::integral_constant<int, Red>{});
             g = eval(g, forms->green, std::integral_constant<int, Green>{});
             b = eval(b, forms->blue, std::integral_constant<int, Blue>{});
