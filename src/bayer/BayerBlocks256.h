@@ -25,14 +25,23 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "bayer/BayerBilinear.h"
+
 namespace zo {
 namespace {
 
-inline __m256i Pick(__m256i evenValue, __m256i oddValue)
-{
-    const __m256i even = _mm256_set1_epi32(0x0000FFFF);
-    return _mm256_or_si256(_mm256_and_si256(even, evenValue), _mm256_andnot_si256(even, oddValue));
-}
+// The lanes of bayer/BayerBilinear.h: sixteen words.
+struct Avx2Words {
+    using T = __m256i;
+    static T Add(T a, T b) { return _mm256_add_epi16(a, b); }
+    template <int N>
+    static T Shift(T a) { return _mm256_srli_epi16(a, N); }
+    static T Pick(T evenValue, T oddValue)
+    {
+        const T even = _mm256_set1_epi32(0x0000FFFF);
+        return _mm256_or_si256(_mm256_and_si256(even, evenValue), _mm256_andnot_si256(even, oddValue));
+    }
+};
 
 // Sixteen pixels of each 128-bit lane as 16-bit lanes (see BayerHalf).
 // Always inlined into the 8-bit block: a call passes its nine registers
@@ -42,26 +51,7 @@ inline __attribute__((always_inline)) void HalfInlined(__m256i a0, __m256i a1, _
                                                        __m256i c2, __m256i b0, __m256i b1, __m256i b2, int phase,
                                                        __m256i& r, __m256i& g, __m256i& b)
 {
-    const __m256i v = _mm256_add_epi16(a1, b1);
-    const __m256i h = _mm256_add_epi16(c0, c2);
-    const __m256i d = _mm256_add_epi16(_mm256_add_epi16(a0, a2), _mm256_add_epi16(b0, b2));
-    const __m256i rowAverage = _mm256_srli_epi16(h, 1);
-    const __m256i columnAverage = _mm256_srli_epi16(v, 1);
-    const __m256i cross = _mm256_srli_epi16(_mm256_add_epi16(v, h), 2);
-    const __m256i diagonal = _mm256_srli_epi16(d, 2);
-    if (phase < 2) {
-        const __m256i rowColour = Pick(rowAverage, c1);
-        const __m256i columnColour = Pick(columnAverage, diagonal);
-        g = Pick(c1, cross);
-        r = phase == 0 ? rowColour : columnColour;
-        b = phase == 0 ? columnColour : rowColour;
-    } else {
-        const __m256i own = Pick(c1, rowAverage);
-        const __m256i other = Pick(diagonal, columnAverage);
-        g = Pick(cross, c1);
-        r = phase == 2 ? own : other;
-        b = phase == 2 ? other : own;
-    }
+    Bilinear<Avx2Words>(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
 inline void Half(__m256i a0, __m256i a1, __m256i a2, __m256i c0, __m256i c1, __m256i c2, __m256i b0, __m256i b1,

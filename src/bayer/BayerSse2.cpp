@@ -8,6 +8,8 @@
 
 #include <cstring>
 
+#include "bayer/BayerBilinear.h"
+
 // The block helpers below must melt into their loops.
 #if defined(__GNUC__)
 #define ZO_BAYER_INLINE inline __attribute__((always_inline))
@@ -18,48 +20,31 @@
 namespace zo {
 namespace {
 
-// Per pixel of a block, in 16-bit lanes (lane i = pixel x + i, x even):
-//   C  own sample             V  above + below
-//   H  left + right           D  sum of the four diagonals
-// A green site takes (H >> 1) for its row's colour and (V >> 1) for its
-// column's; a red or blue site takes (V + H) >> 2 for green and D >> 2 for
-// the opposite colour. Even lanes and odd lanes are then picked by phase.
+// A block's red, green and blue in 16-bit lanes (bayer/BayerBilinear.h).
 struct BayerBlock16 {
     __m128i red, green, blue;  // 16 bytes each
 };
 
-ZO_BAYER_INLINE __m128i BayerPick(__m128i evenValue, __m128i oddValue)
-{
-    const __m128i even = _mm_set1_epi32(0x0000FFFF);
-    return _mm_or_si128(_mm_and_si128(even, evenValue), _mm_andnot_si128(even, oddValue));
-}
+// The lanes of bayer/BayerBilinear.h: eight words, or (Bits 32) four dwords
+// for sums that need more than 16 bits.
+template <int Bits>
+struct Sse2Lanes {
+    using T = __m128i;
+    static T Add(T a, T b) { return Bits == 16 ? _mm_add_epi16(a, b) : _mm_add_epi32(a, b); }
+    template <int N>
+    static T Shift(T a) { return Bits == 16 ? _mm_srli_epi16(a, N) : _mm_srli_epi32(a, N); }
+    static T Pick(T evenValue, T oddValue)
+    {
+        const T even = Bits == 16 ? _mm_set1_epi32(0x0000FFFF) : _mm_set1_epi64x(0xFFFFFFFF);
+        return _mm_or_si128(_mm_and_si128(even, evenValue), _mm_andnot_si128(even, oddValue));
+    }
+};
 
 // Eight pixels (one half of a block) as 16-bit lanes of red, green, blue.
 ZO_BAYER_INLINE void BayerHalf(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1, __m128i c2, __m128i b0,
                       __m128i b1, __m128i b2, int phase, __m128i& r, __m128i& g, __m128i& b)
 {
-    const __m128i v = _mm_add_epi16(a1, b1);
-    const __m128i h = _mm_add_epi16(c0, c2);
-    const __m128i d = _mm_add_epi16(_mm_add_epi16(a0, a2), _mm_add_epi16(b0, b2));
-    const __m128i rowAverage = _mm_srli_epi16(h, 1);
-    const __m128i columnAverage = _mm_srli_epi16(v, 1);
-    const __m128i cross = _mm_srli_epi16(_mm_add_epi16(v, h), 2);
-    const __m128i diagonal = _mm_srli_epi16(d, 2);
-    if (phase < 2) {
-        // Even: green; odd: red (phase 0) or blue (phase 1).
-        const __m128i rowColour = BayerPick(rowAverage, c1);
-        const __m128i columnColour = BayerPick(columnAverage, diagonal);
-        g = BayerPick(c1, cross);
-        r = phase == 0 ? rowColour : columnColour;
-        b = phase == 0 ? columnColour : rowColour;
-    } else {
-        // Even: red (phase 2) or blue (phase 3); odd: green.
-        const __m128i own = BayerPick(c1, rowAverage);
-        const __m128i other = BayerPick(diagonal, columnAverage);
-        g = BayerPick(cross, c1);
-        r = phase == 2 ? own : other;
-        b = phase == 2 ? other : own;
-    }
+    Bilinear<Sse2Lanes<16>>(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
 ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
@@ -146,35 +131,10 @@ std::uint32_t InterpolateBlocksSse2(const unsigned char* line, std::ptrdiff_t ab
 // sample). For 8-bit layouts each value is shifted right by `shift` and its
 // low 8 bits kept; RGB48 keeps the 16-bit values.
 
-ZO_BAYER_INLINE __m128i BayerPick32(__m128i evenValue, __m128i oddValue)
-{
-    const __m128i even = _mm_set_epi32(0, -1, 0, -1);
-    return _mm_or_si128(_mm_and_si128(even, evenValue), _mm_andnot_si128(even, oddValue));
-}
-
 ZO_BAYER_INLINE void BayerQuarter(__m128i a0, __m128i a1, __m128i a2, __m128i c0, __m128i c1, __m128i c2, __m128i b0,
                          __m128i b1, __m128i b2, int phase, __m128i& r, __m128i& g, __m128i& b)
 {
-    const __m128i v = _mm_add_epi32(a1, b1);
-    const __m128i h = _mm_add_epi32(c0, c2);
-    const __m128i d = _mm_add_epi32(_mm_add_epi32(a0, a2), _mm_add_epi32(b0, b2));
-    const __m128i rowAverage = _mm_srli_epi32(h, 1);
-    const __m128i columnAverage = _mm_srli_epi32(v, 1);
-    const __m128i cross = _mm_srli_epi32(_mm_add_epi32(v, h), 2);
-    const __m128i diagonal = _mm_srli_epi32(d, 2);
-    if (phase < 2) {
-        const __m128i rowColour = BayerPick32(rowAverage, c1);
-        const __m128i columnColour = BayerPick32(columnAverage, diagonal);
-        g = BayerPick32(c1, cross);
-        r = phase == 0 ? rowColour : columnColour;
-        b = phase == 0 ? columnColour : rowColour;
-    } else {
-        const __m128i own = BayerPick32(c1, rowAverage);
-        const __m128i other = BayerPick32(diagonal, columnAverage);
-        g = BayerPick32(cross, c1);
-        r = phase == 2 ? own : other;
-        b = phase == 2 ? other : own;
-    }
+    Bilinear<Sse2Lanes<32>>(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
 // Eight pixels at word pointers a, c, b (above, current, below): red, green

@@ -20,6 +20,7 @@
 
 #include "simd/LutArith.h"
 #include "simd/LutV512.h"
+#include "bayer/BayerBilinear.h"
 #include "bayer/BayerWords48Forms.h"
 
 namespace zo {
@@ -28,36 +29,20 @@ namespace {
 using V = simd::V512;
 using Arith = simd::LutArith<V>;
 
-// Even word lanes (even pixels) from evenValue, odd ones from oddValue.
-inline __m512i Pick(__m512i evenValue, __m512i oddValue)
-{
-    return _mm512_mask_blend_epi16(0x55555555u, oddValue, evenValue);
-}
+// The lanes of bayer/BayerBilinear.h: thirty-two words.
+struct Avx512Words {
+    using T = __m512i;
+    static T Add(T a, T b) { return _mm512_add_epi16(a, b); }
+    template <int N>
+    static T Shift(T a) { return _mm512_srli_epi16(a, N); }
+    static T Pick(T evenValue, T oddValue) { return _mm512_mask_blend_epi16(0x55555555u, oddValue, evenValue); }
+};
 
-// The bilinear red, green and blue of 32 pixels (see BayerHalf).
+// The bilinear red, green and blue of 32 pixels.
 inline void Interpolate(__m512i a0, __m512i a1, __m512i a2, __m512i c0, __m512i c1, __m512i c2, __m512i b0,
                         __m512i b1, __m512i b2, int phase, __m512i& r, __m512i& g, __m512i& b)
 {
-    const __m512i v = _mm512_add_epi16(a1, b1);
-    const __m512i h = _mm512_add_epi16(c0, c2);
-    const __m512i d = _mm512_add_epi16(_mm512_add_epi16(a0, a2), _mm512_add_epi16(b0, b2));
-    const __m512i rowAverage = _mm512_srli_epi16(h, 1);
-    const __m512i columnAverage = _mm512_srli_epi16(v, 1);
-    const __m512i cross = _mm512_srli_epi16(_mm512_add_epi16(v, h), 2);
-    const __m512i diagonal = _mm512_srli_epi16(d, 2);
-    if (phase < 2) {
-        const __m512i rowColour = Pick(rowAverage, c1);
-        const __m512i columnColour = Pick(columnAverage, diagonal);
-        g = Pick(c1, cross);
-        r = phase == 0 ? rowColour : columnColour;
-        b = phase == 0 ? columnColour : rowColour;
-    } else {
-        const __m512i own = Pick(c1, rowAverage);
-        const __m512i other = Pick(diagonal, columnAverage);
-        g = Pick(cross, c1);
-        r = phase == 2 ? own : other;
-        b = phase == 2 ? other : own;
-    }
+    Bilinear<Avx512Words>(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
 // Word permutes that interleave 32 pixels' red, green and blue (one
