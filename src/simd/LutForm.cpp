@@ -245,15 +245,71 @@ bool ChooseScales(LutChannelForm (&forms)[3], Match match)
     return true;
 }
 
-struct Cache8 {
-    bool filled = false;
-    bool has = false;
-    unsigned pixelBytes = 0;
-    std::uint8_t tables[3][256];
-    LutFormPlan8 plan;
+// What was derived from three byte tables, kept per thread for the last
+// few sets of tables (keyed by their contents and one more number, the
+// pixel size): a thread that alternates between filters, two cameras
+// converted on one thread for instance, finds each one's plan again
+// instead of deriving it anew on every call (7-10 us a derivation). The
+// entry used last is tried first; a miss takes the slot used longest ago.
+template <class Value, unsigned kSlots = 4>
+class TableCache {
+public:
+    struct Entry {
+        bool has;  // a value was derived (else the tables have none)
+        Value value;
+    };
+
+    // The entry of these tables and `extra`; `found` false: a new entry,
+    // its key set and nothing else (the caller derives the value).
+    Entry& Find(const std::uint8_t* const (&tables)[3], unsigned extra, bool& found)
+    {
+        auto matches = [&](const Slot& s) {
+            return s.filled && s.extra == extra && std::memcmp(s.tables[0], tables[0], 256) == 0 &&
+                   std::memcmp(s.tables[1], tables[1], 256) == 0 && std::memcmp(s.tables[2], tables[2], 256) == 0;
+        };
+        ++mClock;
+        found = true;
+        if (matches(mSlots[mLast]))
+            return Use(mLast);
+        unsigned oldest = 0;
+        for (unsigned i = 0; i < kSlots; ++i) {
+            if (matches(mSlots[i]))
+                return Use(i);
+            if (mSlots[i].used < mSlots[oldest].used)
+                oldest = i;
+        }
+        found = false;
+        Slot& s = mSlots[oldest];
+        s.filled = true;
+        s.extra = extra;
+        for (unsigned c = 0; c < 3; ++c)
+            std::memcpy(s.tables[c], tables[c], 256);
+        s.entry.has = false;
+        return Use(oldest);
+    }
+
+private:
+    struct Slot {
+        bool filled = false;
+        unsigned extra = 0;
+        std::uint64_t used = 0;
+        std::uint8_t tables[3][256];
+        Entry entry;
+    };
+
+    Entry& Use(unsigned i)
+    {
+        mLast = i;
+        mSlots[i].used = mClock;
+        return mSlots[i].entry;
+    }
+
+    Slot mSlots[kSlots];
+    unsigned mLast = 0;
+    std::uint64_t mClock = 0;
 };
 
-thread_local Cache8 tCache8;
+thread_local TableCache<LutFormPlan8> tCache8;
 thread_local LutForm16Scope* tScope16 = nullptr;
 
 }  // namespace
@@ -481,16 +537,12 @@ void FillFormPlan16(const LutChannelForm (&forms)[3], bool general, bool wide, b
 
 const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
 {
-    Cache8& cache = tCache8;
     const std::uint8_t* const tables[3] = {t.byte0, t.byte1, t.byte2};
-    if (cache.filled && cache.pixelBytes == pixelBytes && std::memcmp(cache.tables[0], tables[0], 256) == 0 &&
-        std::memcmp(cache.tables[1], tables[1], 256) == 0 && std::memcmp(cache.tables[2], tables[2], 256) == 0)
-        return cache.has ? &cache.plan : nullptr;
-    cache.filled = true;
-    cache.has = false;
-    cache.pixelBytes = pixelBytes;
-    for (unsigned c = 0; c < 3; ++c)
-        std::memcpy(cache.tables[c], tables[c], 256);
+    bool found = false;
+    auto& cache = tCache8.Find(tables, pixelBytes, found);
+    if (found)
+        return cache.has ? &cache.value : nullptr;
+    LutFormPlan8& plan = cache.value;
     LutChannelForm forms[3];
     bool fixed = false, general = false, wide = false;
     if (!DeriveAll(tables, 256, forms, fixed, general, wide))
@@ -522,21 +574,21 @@ const LutFormPlan8* FormPlan8(const LutTables8& t, unsigned pixelBytes)
     for (unsigned c = 0; c < 3 && saturating; ++c)
         for (unsigned i = 0; i < 256 && saturating; ++i)
             saturating = EvalLutSaturating8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
-    FillFormPlan8(forms, pixelBytes, general, corrected, cache.plan);
-    cache.plan.saturating = saturating;
+    FillFormPlan8(forms, pixelBytes, general, corrected, plan);
+    plan.saturating = saturating;
     for (unsigned c = 0; c < 3; ++c) {
         unsigned i = 0;
         while (i < 256 && tables[c][i] == i)
             ++i;
-        cache.plan.identity[c] = i == 256;
+        plan.identity[c] = i == 256;
         bool unit = saturating && forms[c].a == 1 && forms[c].off == 0;
         for (i = 0; i < 256 && unit; ++i)
             unit = EvalLutUnit8(forms[c], corrected, static_cast<std::uint8_t>(i)) == tables[c][i];
-        cache.plan.unit[c] = unit;
-        DeriveLutScaledForm(tables[c], cache.plan.scaled[c]);
+        plan.unit[c] = unit;
+        DeriveLutScaledForm(tables[c], plan.scaled[c]);
     }
     cache.has = true;
-    return &cache.plan;
+    return &plan;
 }
 
 bool PackedUnitFraction(const std::uint8_t* table, unsigned dropBits, std::uint16_t& fraction)
@@ -573,38 +625,29 @@ bool PackedUnitFraction(const std::uint8_t* table, unsigned dropBits, std::uint1
 
 namespace {
 
-struct CacheRgb16 {
-    bool filled = false;
-    bool has = false;
-    std::uint8_t tables[3][256];
-    LutRgb16Forms forms;
-};
-
-thread_local CacheRgb16 tCacheRgb16;
+thread_local TableCache<LutRgb16Forms> tCacheRgb16;
 
 }  // namespace
 
 const LutRgb16Forms* Rgb16Forms(const LutTables8& t)
 {
-    CacheRgb16& cache = tCacheRgb16;
     const std::uint8_t* const tables[3] = {t.byte0, t.byte1, t.byte2};
-    if (cache.filled && std::memcmp(cache.tables[0], tables[0], 256) == 0 &&
-        std::memcmp(cache.tables[1], tables[1], 256) == 0 && std::memcmp(cache.tables[2], tables[2], 256) == 0)
-        return cache.has ? &cache.forms : nullptr;
-    cache.filled = true;
+    bool found = false;
+    auto& cache = tCacheRgb16.Find(tables, 0, found);
+    if (found)
+        return cache.has ? &cache.value : nullptr;
     cache.has = true;
     static constexpr unsigned kDropBits[3] = {3, 2, 3};
     for (unsigned c = 0; c < 3; ++c) {
-        std::memcpy(cache.tables[c], tables[c], 256);
         unsigned i = 0;
         while (i < 256 && tables[c][i] == i)
             ++i;
-        cache.forms.identity[c] = i == 256;
-        cache.forms.fraction[c] = 0;
-        if (!cache.forms.identity[c] && !PackedUnitFraction(tables[c], kDropBits[c], cache.forms.fraction[c]))
+        cache.value.identity[c] = i == 256;
+        cache.value.fraction[c] = 0;
+        if (!cache.value.identity[c] && !PackedUnitFraction(tables[c], kDropBits[c], cache.value.fraction[c]))
             cache.has = false;
     }
-    return cache.has ? &cache.forms : nullptr;
+    return cache.has ? &cache.value : nullptr;
 }
 
 namespace {

@@ -44,14 +44,15 @@
 // table there: any table, multiplier-built or written entry by entry, gives
 // the bytes its lookups give, or no form at all (and the lookups run).
 //
-// Where the checks run: 8-bit tables (768 entries) in a small per-thread
-// cache keyed by the tables' contents, compared whole on every line (a
-// table edited between calls misses the cache); 16-bit tables (3 x 65536
-// entries, too many to compare per line) once per area conversion, through
-// a scope the converter opens for the call (the filter must not change while
-// a conversion through it runs), at the indices below the filter's entry
-// count and the first one past it (entries past the count hold the last
-// entry and cannot be set).
+// Where the checks run: 8-bit tables (768 entries) in a per-thread cache of
+// the last four sets, keyed by their contents and compared whole on every
+// line (a table edited between calls misses the cache; a thread that
+// alternates between a few filters finds each one's plan again); 16-bit
+// tables (3 x 65536 entries, too many to compare per line) once per area
+// conversion, through a scope the converter opens for the call (the filter
+// must not change while a conversion through it runs), at the indices below
+// the filter's entry count and the first one past it (entries past the
+// count hold the last entry and cannot be set).
 #ifndef ZO_SIMD_LUT_FORM_H
 #define ZO_SIMD_LUT_FORM_H
 

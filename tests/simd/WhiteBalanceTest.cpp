@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <random>
 #include <utility>
@@ -323,6 +324,68 @@ TEST(LutPasses, PlansFollowTablesEditedBetweenCalls)
             const std::vector<std::uint8_t> actual = convert48(filter);
             ASSERT_TRUE(actual == AtScalarLevel([&] { return convert48(filter); }));
         });
+    }
+}
+
+// Plans of several sets of tables asked for in turn on one thread (more sets
+// than the thread keeps): each answer is the plan its own tables gave when
+// first asked, never that of another set, whatever was asked in between.
+TEST(LutPasses, PlansOfAlternatingTablesStayTheirOwn)
+{
+    const double gains[][3] = {{1.8, 1.0, 1.4}, {1.8, 1.0, 1.6}, {1.0, 1.0, 1.0},
+                               {1.2, 1.0, 0.8}, {1.8, 1.0, 1.4}, {1.05, 1.3, 1.99}};
+    std::vector<std::unique_ptr<ZoRGBFilter>> filters;
+    for (const auto& g : gains) {
+        filters.push_back(std::make_unique<ZoRGBFilter>(8));
+        ASSERT_EQ(filters.back()->SetMultipliers(g[0], g[1], g[2]), ZO_OK);
+    }
+    ASSERT_EQ(filters.back()->SetBlueValue(77, 3), ZO_OK);  // no form: no plan
+    struct Answer {
+        bool has;
+        zo::simd::LutFormPlan8 plan;
+        bool hasRgb16;
+        zo::simd::LutRgb16Forms rgb16;
+    };
+    auto ask = [&](std::size_t key) {
+        const ZoRGBFilter& f = *filters[key / 2];
+        const zo::simd::LutTables8 t{f.RedTable8(), f.GreenTable8(), f.BlueTable8()};
+        Answer a{};
+        const zo::simd::LutFormPlan8* plan = zo::simd::FormPlan8(t, key % 2 ? 4 : 3);
+        a.has = plan != nullptr;
+        if (plan)
+            a.plan = *plan;
+        const zo::simd::LutRgb16Forms* rgb16 = zo::simd::Rgb16Forms(t);
+        a.hasRgb16 = rgb16 != nullptr;
+        if (rgb16)
+            a.rgb16 = *rgb16;
+        return a;
+    };
+    auto same = [](const Answer& a, const Answer& b) {
+        if (a.has != b.has || a.hasRgb16 != b.hasRgb16)
+            return false;
+        const auto& p = a.plan;
+        const auto& q = b.plan;
+        bool equal = !a.has || (std::memcmp(p.lanes, q.lanes, sizeof p.lanes) == 0 &&
+                                p.pixelBytes == q.pixelBytes && p.general == q.general &&
+                                p.corrected == q.corrected && p.saturating == q.saturating);
+        for (unsigned c = 0; c < 3 && a.has; ++c)
+            equal &= p.identity[c] == q.identity[c] && p.unit[c] == q.unit[c] &&
+                     p.scaled[c].valid == q.scaled[c].valid && p.scaled[c].high == q.scaled[c].high &&
+                     p.scaled[c].low == q.scaled[c].low && p.scaled[c].cross == q.scaled[c].cross;
+        for (unsigned c = 0; c < 3 && a.hasRgb16; ++c)
+            equal &= a.rgb16.fraction[c] == b.rgb16.fraction[c] && a.rgb16.identity[c] == b.rgb16.identity[c];
+        return equal;
+    };
+    const std::size_t keys = 2 * filters.size();
+    std::vector<Answer> first;
+    for (std::size_t k = 0; k < keys; ++k)
+        first.push_back(ask(k));
+    EXPECT_TRUE(first[0].has && !first.back().has && !same(first[0], first[2]) && !same(first[0], first[1]));
+    EXPECT_TRUE(same(first[0], first[8]));  // equal tables, the same plan
+    std::mt19937 rng(5);
+    for (int round = 0; round < 200; ++round) {
+        const std::size_t k = rng() % keys;
+        ASSERT_TRUE(same(ask(k), first[k])) << "key " << k << ", round " << round;
     }
 }
 
