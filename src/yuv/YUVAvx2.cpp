@@ -18,6 +18,7 @@
 #include "simd/LutArith.h"
 #include "simd/LutV256.h"
 #include "yuv/YUVLineEnd.h"
+#include "yuv/YUVScaledModes.h"
 #include "yuv/YUVSimdTransform.h"
 
 namespace zo {
@@ -494,52 +495,47 @@ std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, s
     return Pairs422To32<RedIndex>(src, dst, pairs, Read8Bit{0}, stream, apply);
 }
 
-// Through the scaled forms (every table must have one): green left as it
-// is where its table is the identity (white balance mostly), red and blue
-// each fast or corrected; else all three in the corrected loop.
+// Through the scaled forms (every table must have one).
 template <unsigned RedIndex>
 std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                         const simd::LutFormPlan8& plan, bool stream)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
-    const simd::LutScaledForm& red = plan.scaled[RedIndex];
-    const simd::LutScaledForm& green = plan.scaled[1];
-    const simd::LutScaledForm& blue = plan.scaled[2 - RedIndex];
-    alignas(32) const ScaledChannels channels{ScaledLanes(red), ScaledLanes(green), ScaledLanes(blue)};
-    using Skip = std::integral_constant<int, -1>;
-    using Fast = std::integral_constant<int, 0>;
-    using Corrected = std::integral_constant<int, 1>;
-    auto run = [&](auto r, auto g, auto b) {
+    alignas(32) const ScaledChannels channels{ScaledLanes(plan.scaled[RedIndex]), ScaledLanes(plan.scaled[1]),
+                                              ScaledLanes(plan.scaled[2 - RedIndex])};
+    return WithScaledModes(plan, RedIndex, [&](auto r, auto g, auto b) {
         return Pairs422To32Scaled<RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
             src, dst, pairs, channels, stream);
-    };
-    if (!plan.identity[1])
-        return run(Corrected{}, Corrected{}, Corrected{});
-    if (red.corrected)
-        return blue.corrected ? run(Corrected{}, Skip{}, Corrected{}) : run(Corrected{}, Skip{}, Fast{});
-    return blue.corrected ? run(Fast{}, Skip{}, Corrected{}) : run(Fast{}, Skip{}, Fast{});
+    });
 }
 
-// 8-bit samples into 32-bit layouts only; 0 (the line's pair loop looks the
-// channels up) for anything else. Through the scaled forms where every
-// table has one (each gain from 1.00 to 1.99 does), streamed where `stream`
-// says, every pair of the line; else through the unit and plan forms with
-// ordinary stores, whole steps only.
+// 8-bit samples into 32-bit layouts only, every table with a scaled form;
+// 0 (the line's pair loop looks the channels up) for anything else.
+// Streamed where `stream` says, every pair of the line.
 //
 // YUYV -> BGRA through gains 1.8, 1.0, 1.4 at ZOIMG_CPU=avx2 (cold frames,
 // 1920 x 1080, one run alternating with the unit forms' loop): 0.61 ms a
 // frame against 0.66; lines in the cache, 0.264 ns a pixel against 0.302.
 // Streamed or not measured the same (0.59-0.63 ms against 0.61): the forms'
 // arithmetic bounds it; it streams as the identity path does.
-std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+std::uint32_t Pairs8ScaledAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool stream)
 {
+    if (sampleBytes != 1 || dstBytes != 4 || !HasScaledForms(plan))
+        return 0;
+    return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan, stream)
+                    : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan, stream);
+}
+
+// The same through the unit and plan forms (tables without a scaled form),
+// with ordinary stores, whole steps only.
+std::uint32_t Pairs8FormedAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                               const simd::LutFormPlan8& plan, bool)
+{
     if (sampleBytes != 1 || dstBytes != 4)
         return 0;
-    if (plan.scaled[0].valid && plan.scaled[1].valid && plan.scaled[2].valid)
-        return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan, stream)
-                        : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan, stream);
     return redIndex ? Pairs422To32FormedAnyMode<2>(src, dst, pairs, plan)
                     : Pairs422To32FormedAnyMode<0>(src, dst, pairs, plan);
 }
@@ -622,8 +618,8 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX2 = {"AVX2", Pairs8AVX2, Pairs10AVX2, Pixels444AVX2,
-                                      Pairs8FormedAVX2, nullptr};
+const YUVVectorPaths kYUVPathsAVX2 = {"AVX2",           Pairs8AVX2,       Pairs10AVX2, Pixels444AVX2,
+                                      Pairs8ScaledAVX2, Pairs8FormedAVX2, nullptr};
 
 }  // namespace zo
 

@@ -245,8 +245,8 @@ std::uint32_t Pairs8LutAVX512(const unsigned char* src, unsigned char* dst, std:
 
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512, nullptr,
-                                        Pairs8LutAVX512};
+const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512,
+                                        nullptr,   nullptr,      Pairs8LutAVX512};
 
 }  // namespace zo
 

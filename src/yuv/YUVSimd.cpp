@@ -7,6 +7,7 @@
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
 #include "yuv/YUVKernels.h"
+#include "yuv/YUVScaledModes.h"
 
 namespace zo {
 namespace {
@@ -27,7 +28,7 @@ std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, s
     return 0;
 }
 
-const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr, nullptr};
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr, nullptr, nullptr};
 
 const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
@@ -80,7 +81,8 @@ bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::ui
                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                            const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done)
 {
-    const auto formed = YUVActivePaths().pairs8Formed;
+    const YUVVectorPaths& paths = YUVActivePaths();
+    const auto formed = paths.pairs8Scaled && HasScaledForms(plan) ? paths.pairs8Scaled : paths.pairs8Formed;
     if (!formed || sampleBytes != 1 || dstBytes != 4)
         return false;
     done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);

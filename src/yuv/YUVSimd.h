@@ -5,9 +5,8 @@
 // every line and are the reference these paths are tested against.
 //
 // The AVX2 and AVX-512 4:2:2 paths into 32-bit layouts (pairs8, the
-// AVX-512 pairs8Lut and the AVX2 pairs8Formed where the tables have scaled
-// forms) convert every pair of the line, the last ones through a buffer
-// (yuv/YUVLineEnd.h). `stream` (the 8-bit 4:2:2 entries): the line may
+// AVX-512 pairs8Lut and the AVX2 pairs8Scaled) convert every pair of the
+// line, the last ones through a buffer (yuv/YUVLineEnd.h). `stream` (the 8-bit 4:2:2 entries): the line may
 // write its destination with streaming stores (core/StreamStores.h says
 // when). Those paths then stream every whole 64-byte line from the first
 // one they can fill whole (core/StreamGroups.h); every other path ignores
@@ -33,11 +32,17 @@ struct YUVVectorPaths {
     std::uint32_t (*pixels444)(const unsigned char* src, unsigned char* dst, std::uint32_t count,
                                std::uint32_t pixelBytes, std::uint32_t yOffset, std::uint32_t uOffset,
                                std::uint32_t vOffset, std::uint32_t dstBytes, std::uint32_t redIndex);
-    // Filtered 8-bit 4:2:2 through tables that have an arithmetic form
-    // (`plan`, simd/LutForm.h, in byte order of the layout), evaluated before
-    // the store: as pairs8 with the filter applied; null where the set has
-    // none (filtered lines take the identity path and the table pass) or
-    // where its lookups below are faster (AVX-512 VBMI).
+    // Filtered 8-bit 4:2:2 through tables that have arithmetic forms
+    // (`plan`, simd/LutForm.h, in byte order of the layout), evaluated on
+    // the transform's 16-bit results before the pack: as pairs8 with the
+    // filter applied. pairs8Scaled takes plans whose three tables all have
+    // scaled forms (each gain from 1.00 to 1.99 has one), pairs8Formed any
+    // plan. Null where the set has no such path (filtered lines then take
+    // the identity path and the table pass) or where its lookups below are
+    // faster (AVX-512 VBMI).
+    std::uint32_t (*pairs8Scaled)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                  std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                  const simd::LutFormPlan8& plan, bool stream);
     std::uint32_t (*pairs8Formed)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                   const simd::LutFormPlan8& plan, bool stream);
