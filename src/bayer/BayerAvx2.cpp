@@ -13,6 +13,7 @@
 
 #include "bayer/BayerBlocks256.h"
 #include "simd/LutArith.h"
+#include "simd/LutScaled.h"
 #include "simd/LutV256.h"
 #include "bayer/BayerWords48Forms.h"
 
@@ -95,6 +96,42 @@ std::uint32_t BayerBytesFormedAvx2(unsigned bytes, bool blueFirst, const unsigne
                          : FormedBlocks<4, false>(line, above, below, dst, from, to, phase, plan);
     return blueFirst ? FormedBlocks<3, true>(line, above, below, dst, from, to, phase, plan)
                      : FormedBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
+}
+
+// 32 pixels a step through the scaled forms of tables that all have one
+// (simd/LutScaled.h), the rest as BayerBytesFormedAvx2.
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t ScaledBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                           std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: blue first for BGR.
+    const simd::ScaledLanes256 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
+        blue(plan.scaled[BlueFirst ? 0 : 2]);
+    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto r, auto g, auto b) {
+        constexpr int kRed = decltype(r)::value, kGreen = decltype(g)::value, kBlue = decltype(b)::value;
+        return Blocks256<Bytes, BlueFirst>(
+            line, above, below, dst, from, to, phase,
+            [&](__m256i& rl, __m256i& gl, __m256i& bl, __m256i& rh, __m256i& gh, __m256i& bh) {
+                using simd::EvalScaled;
+                rl = EvalScaled<kRed>(rl, red), rh = EvalScaled<kRed>(rh, red);
+                gl = EvalScaled<kGreen>(gl, green), gh = EvalScaled<kGreen>(gh, green);
+                bl = EvalScaled<kBlue>(bl, blue), bh = EvalScaled<kBlue>(bh, blue);
+            },
+            KeepPacked{});
+    });
+}
+
+std::uint32_t BayerBytesScaledAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, const simd::LutFormPlan8& plan)
+{
+    if (!simd::HasScaledForms(plan))
+        return from;
+    if (bytes == 4)
+        return blueFirst ? ScaledBlocks<4, true>(line, above, below, dst, from, to, phase, plan)
+                         : ScaledBlocks<4, false>(line, above, below, dst, from, to, phase, plan);
+    return blueFirst ? ScaledBlocks<3, true>(line, above, below, dst, from, to, phase, plan)
+                     : ScaledBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
 }
 
 // ---- RGB48 through 16-bit table forms ----
@@ -231,7 +268,7 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
 }  // namespace
 
 const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Avx2,
-                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2, nullptr};
+                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2, nullptr, BayerBytesScaledAvx2};
 
 }  // namespace zo
 #endif

@@ -14,6 +14,7 @@
 #include "bayer/BayerPaths.h"
 #include "core/PixelIO.h"
 #include "simd/LutForm.h"
+#include "simd/LutScaled.h"
 
 namespace zo {
 
@@ -410,8 +411,10 @@ struct BayerInteriorFormed {
     static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                              unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
     {
-        return BayerActivePaths().bytesFormed(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase,
-                                              *out.plan);
+        const BayerPaths& paths = BayerActivePaths();
+        const BayerBytesFormedPath formed =
+            paths.bytesScaled && simd::HasScaledForms(*out.plan) ? paths.bytesScaled : paths.bytesFormed;
+        return formed(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase, *out.plan);
     }
 };
 // Only chosen where the level has the lookup path (BayerTablePass.h).

@@ -69,9 +69,14 @@ struct BayerPaths {
     // Null below AVX-512 VBMI; where set, filtered 8-bit lines take it
     // before bytesFormed (BayerTablePass.h).
     BayerBytesLookupPath bytesLookup;
+    // As bytesFormed for plans whose tables all have scaled forms (simd/
+    // LutScaled.h; each gain from 1.00 to 1.99 has one), taken before
+    // bytesFormed where set (SSE2 has no bytesFormed).
+    BayerBytesFormedPath bytesScaled;
 };
 
-// BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step;
+// BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step, and
+// 8-bit samples through scaled table forms sixteen;
 // BayerAvx2.cpp: 8-bit samples 32 pixels a step, then the SSE2 path, and the
 // SSE2 paths for 16-bit samples; 8-bit samples through table forms 32 pixels
 // a step and RGB48 through table forms sixteen (the only formed paths).

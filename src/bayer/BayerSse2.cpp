@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "bayer/BayerBilinear.h"
+#include "simd/LutScaled.h"
 
 // The block helpers below must melt into their loops.
 #if defined(__GNUC__)
@@ -47,7 +48,10 @@ ZO_BAYER_INLINE void BayerHalf(__m128i a0, __m128i a1, __m128i a2, __m128i c0, _
     Bilinear<Sse2Lanes<16>>(a0, a1, a2, c0, c1, c2, b0, b1, b2, phase, r, g, b);
 }
 
-ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
+// Sixteen pixels as 16-bit lanes of red, green and blue (l: pixels 0-7,
+// h: 8-15), every value 0-255.
+ZO_BAYER_INLINE void BayerBlockLanes(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase,
+                                     __m128i& rl, __m128i& gl, __m128i& bl, __m128i& rh, __m128i& gh, __m128i& bh)
 {
     const __m128i zero = _mm_setzero_si128();
     const __m128i a0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a - 1));
@@ -59,7 +63,6 @@ ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned c
     const __m128i b0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b - 1));
     const __m128i b1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b));
     const __m128i b2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + 1));
-    __m128i rl, gl, bl, rh, gh, bh;
     BayerHalf(_mm_unpacklo_epi8(a0, zero), _mm_unpacklo_epi8(a1, zero), _mm_unpacklo_epi8(a2, zero),
               _mm_unpacklo_epi8(c0, zero), _mm_unpacklo_epi8(c1, zero), _mm_unpacklo_epi8(c2, zero),
               _mm_unpacklo_epi8(b0, zero), _mm_unpacklo_epi8(b1, zero), _mm_unpacklo_epi8(b2, zero), phase, rl, gl,
@@ -68,6 +71,12 @@ ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned c
               _mm_unpackhi_epi8(c0, zero), _mm_unpackhi_epi8(c1, zero), _mm_unpackhi_epi8(c2, zero),
               _mm_unpackhi_epi8(b0, zero), _mm_unpackhi_epi8(b1, zero), _mm_unpackhi_epi8(b2, zero), phase, rh, gh,
               bh);
+}
+
+ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
+{
+    __m128i rl, gl, bl, rh, gh, bh;
+    BayerBlockLanes(a, c, b, phase, rl, gl, bl, rh, gh, bh);
     return {_mm_packus_epi16(rl, rh), _mm_packus_epi16(gl, gh), _mm_packus_epi16(bl, bh)};
 }
 
@@ -123,6 +132,41 @@ std::uint32_t InterpolateBlocksSse2(const unsigned char* line, std::ptrdiff_t ab
         BayerStoreBlock<Bytes, BlueFirst>(BayerBlock(line + above + x, line + x, line + below + x, phase),
                                           dst + static_cast<std::size_t>(x) * Bytes);
     return x;
+}
+
+// As InterpolateBlocksSse2 through 8-bit tables that all have scaled forms
+// (simd/LutScaled.h), each channel evaluated on its 16-bit lanes before the
+// pack (Red, Green, Blue: the forms' modes).
+template <unsigned Bytes, bool BlueFirst, int Red, int Green, int Blue>
+std::uint32_t ScaledBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                               unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                               const simd::LutFormPlan8& plan)
+{
+    using simd::EvalScaled;
+    // The plan is in byte order of the layout: blue first for BGR.
+    const simd::ScaledLanes128 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
+        blue(plan.scaled[BlueFirst ? 0 : 2]);
+    std::uint32_t x = from;
+    for (; x + 16 <= to; x += 16) {
+        __m128i rl, gl, bl, rh, gh, bh;
+        BayerBlockLanes(line + above + x, line + x, line + below + x, phase, rl, gl, bl, rh, gh, bh);
+        const BayerBlock16 block{_mm_packus_epi16(EvalScaled<Red>(rl, red), EvalScaled<Red>(rh, red)),
+                                 _mm_packus_epi16(EvalScaled<Green>(gl, green), EvalScaled<Green>(gh, green)),
+                                 _mm_packus_epi16(EvalScaled<Blue>(bl, blue), EvalScaled<Blue>(bh, blue))};
+        BayerStoreBlock<Bytes, BlueFirst>(block, dst + static_cast<std::size_t>(x) * Bytes);
+    }
+    return x;
+}
+
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t ScaledBlocksAnyModeSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                      unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                      const simd::LutFormPlan8& plan)
+{
+    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto r, auto g, auto b) {
+        return ScaledBlocksSse2<Bytes, BlueFirst, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
+            line, above, below, dst, from, to, phase, plan);
+    });
 }
 
 // ---- 16-bit samples: eight pixels per pass in 32-bit lanes -----------------
@@ -262,8 +306,21 @@ std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, 
     return InterpolateWordBlocks48Sse2(line, above, below, dst, from, to, phase);
 }
 
-const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2, BayerWords48Sse2, nullptr,
-                                    nullptr, nullptr};
+std::uint32_t BayerBytesScaledSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, const simd::LutFormPlan8& plan)
+{
+    if (!simd::HasScaledForms(plan))
+        return from;
+    if (bytes == 4)
+        return blueFirst ? ScaledBlocksAnyModeSse2<4, true>(line, above, below, dst, from, to, phase, plan)
+                         : ScaledBlocksAnyModeSse2<4, false>(line, above, below, dst, from, to, phase, plan);
+    return blueFirst ? ScaledBlocksAnyModeSse2<3, true>(line, above, below, dst, from, to, phase, plan)
+                     : ScaledBlocksAnyModeSse2<3, false>(line, above, below, dst, from, to, phase, plan);
+}
+
+const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2,      BayerWords48Sse2, nullptr,
+                                    nullptr, nullptr,        BayerBytesScaledSse2};
 
 }  // namespace zo
 

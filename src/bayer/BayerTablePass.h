@@ -5,13 +5,16 @@
 // AVX-512 level on CPUs with VBMI (the Bayer paths' bytesLookup),
 // interpolated lines of 8-bit samples into 24/32-bit layouts look each
 // channel's packed bytes up in its table inside the block (any table, form
-// or not); otherwise, at the AVX2 level and up (the Bayer paths' bytesFormed and words48Formed),
-// interpolated lines of 8-bit samples into 24/32-bit layouts, and of 16-bit
-// samples into RGB48, whose tables have an arithmetic form (simd/LutForm.h:
-// 8-bit tables checked through the per-thread cache on every line, 16-bit
-// ones once per area conversion) evaluate it on the 16-bit channel lanes
-// just before the kernel packs and stores them; the scalar edges and the
-// last pixels of the line look the channels up (the same bytes). Measured
+// or not); otherwise, at the AVX2 level and up (the Bayer paths'
+// bytesScaled, bytesFormed and words48Formed), interpolated lines of 8-bit
+// samples into 24/32-bit layouts, and of 16-bit samples into RGB48, whose
+// tables have an arithmetic form (simd/LutForm.h: 8-bit tables checked
+// through the per-thread cache on every line, 16-bit ones once per area
+// conversion) evaluate it on the 16-bit channel lanes just before the kernel
+// packs and stores them; the scalar edges and the last pixels of the line
+// look the channels up (the same bytes). At the SSE2 and SSSE3 levels 8-bit
+// lines do the same where every table has a scaled form (bytesScaled,
+// simd/LutScaled.h). Measured
 // against the identity line plus the pass (wb/id, 1080p / 4096 x 3000,
 // gains 1.8, 1.0, 1.4, one run each, load about 6.5): host Bayer 8 -> RGB24
 // 1.32 / 1.34 -> 1.24 / 1.26, -> BGRA 1.31 / 1.39 -> 1.16 / 1.23, 12-bit ->
@@ -19,8 +22,8 @@
 // 1.31, 1.77 / 1.63 -> 1.26 / 1.24 and 1.49 / 1.33 -> 1.22 / 1.07 (more in
 // simd/Lut.h). Everything else below keeps the identity line and the pass:
 // replicating lines, 16-bit samples into 8-bit layouts, the upper bytes of
-// 16-bit containers, tables without a form (below VBMI), and levels below
-// AVX2.
+// 16-bit containers, tables without a form (below VBMI), and below AVX2
+// RGB48 and tables without scaled forms.
 //
 // Both Bayer families apply the filter to the final red, green and blue of a
 // pixel just before the writer stores it (Filtered8, Filtered48), and their
@@ -47,6 +50,7 @@
 #include "ZoRGBFilter.h"
 #include "bayer/BayerKernels.h"
 #include "simd/Lut.h"
+#include "simd/LutScaled.h"
 
 namespace zo {
 
@@ -94,7 +98,8 @@ bool WithTablePass(const ZoRGBFilter& filter, Run run)
 // Runs run(out) with the output of one pass for an interpolated line of
 // 8-bit samples through `filter` and returns true; false (nothing run) for
 // the identity filter, a layout without a pass, a level without a fused
-// vector path, or (below VBMI) tables without an arithmetic form. With the
+// vector path, or (below VBMI) tables without an arithmetic form (below
+// AVX2, without scaled forms). With the
 // lookup path (AVX-512 VBMI) every table takes it, Looked8: the lookups beat
 // the forms even for plain gains, whose form is the cheapest (wb/id, 1080p /
 // 4096 x 3000, one run, load about 8: gains 1.6 1.04 / 1.00 against
@@ -116,12 +121,12 @@ bool WithFusedLine(const ZoRGBFilter& filter, Run run)
             run(Looked8<Writer>{{red, green, blue, 0}});
             return true;
         }
-        if (!paths.bytesFormed)
+        if (!paths.bytesFormed && !paths.bytesScaled)
             return false;
         const simd::LutFormPlan8* plan =
             simd::FormPlan8(simd::LutTablesInByteOrder(red, green, blue, L::kRedIndex), L::kPixelBytes);
-        if (!plan)
-            return false;
+        if (!plan || (!paths.bytesFormed && !simd::HasScaledForms(*plan)))
+            return false;  // SSE2: no path for this plan
         run(Formed8<Writer>{{red, green, blue, 0}, plan});
         return true;
     } else {

@@ -16,9 +16,9 @@
 
 #include "core/StreamGroups.h"
 #include "simd/LutArith.h"
+#include "simd/LutScaled.h"
 #include "simd/LutV256.h"
 #include "yuv/YUVLineEnd.h"
-#include "yuv/YUVScaledModes.h"
 #include "yuv/YUVSimdTransform.h"
 
 namespace zo {
@@ -447,21 +447,11 @@ std::uint32_t Pairs422To32FormedAnyMode(const unsigned char* src, unsigned char*
     return done;
 }
 
-// The scaled forms of a plan's tables (simd/LutForm.h) in every lane, read
-// from memory in the loop as the transform's constants are.
-struct ScaledChannel {
-    __m256i high, low, cross;
-};
+// The scaled forms of a plan's tables (simd/LutScaled.h) in every lane,
+// read from memory in the loop as the transform's constants are.
 struct ScaledChannels {
-    ScaledChannel red, green, blue;
+    simd::ScaledLanes256 red, green, blue;
 };
-
-// (A fast form has cross = 0, so the corrected loop never picks its g.)
-inline ScaledChannel ScaledLanes(const simd::LutScaledForm& f)
-{
-    const auto lanes = [](std::uint16_t b) { return _mm256_set1_epi16(static_cast<short>(b)); };
-    return {lanes(f.high), lanes(f.low), lanes(f.cross)};
-}
 
 // As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
 // through the scaled form of its table on the transform's unclamped
@@ -470,27 +460,11 @@ template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                  const ScaledChannels& channels, bool stream)
 {
-    auto eval = [](__m256i v, const ScaledChannel& c, auto mode) __attribute__((always_inline)) {
-        constexpr int kMode = decltype(mode)::value;
-        if constexpr (kMode < 0) {
-            return v;
-        } else {
-            const __m256i x = _mm256_slli_epi16(v, 2);
-            const __m256i h = _mm256_mulhi_epi16(x, c.high);
-            if constexpr (kMode == 0) {
-                return h;
-            } else {
-                const __m256i l = _mm256_mulhi_epi16(x, c.cross);
-                return _mm256_blendv_epi8(h, _mm256_mulhi_epi16(x, c.low),
-                                          _mm256_cmpgt_epi16(l, _mm256_xor_si256(l, h)));
-            }
-        }
-    };
     const ScaledChannels* forms = InMemory(channels);
     auto apply = [&](__m256i& r, __m256i& g, __m256i& b) __attribute__((always_inline)) {
-        r = eval(r, forms->red, std::integral_constant<int, Red>{});
-        g = eval(g, forms->green, std::integral_constant<int, Green>{});
-        b = eval(b, forms->blue, std::integral_constant<int, Blue>{});
+        r = simd::EvalScaled<Red>(r, forms->red);
+        g = simd::EvalScaled<Green>(g, forms->green);
+        b = simd::EvalScaled<Blue>(b, forms->blue);
     };
     return Pairs422To32<RedIndex>(src, dst, pairs, Read8Bit{0}, stream, apply);
 }
@@ -501,9 +475,10 @@ std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char*
                                         const simd::LutFormPlan8& plan, bool stream)
 {
     // The plan is in byte order of the layout: red at byte RedIndex.
-    alignas(32) const ScaledChannels channels{ScaledLanes(plan.scaled[RedIndex]), ScaledLanes(plan.scaled[1]),
-                                              ScaledLanes(plan.scaled[2 - RedIndex])};
-    return WithScaledModes(plan, RedIndex, [&](auto r, auto g, auto b) {
+    alignas(32) const ScaledChannels channels{simd::ScaledLanes256(plan.scaled[RedIndex]),
+                                              simd::ScaledLanes256(plan.scaled[1]),
+                                              simd::ScaledLanes256(plan.scaled[2 - RedIndex])};
+    return simd::WithScaledModes(plan, RedIndex, [&](auto r, auto g, auto b) {
         return Pairs422To32Scaled<RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
             src, dst, pairs, channels, stream);
     });
@@ -522,7 +497,7 @@ std::uint32_t Pairs8ScaledAVX2(const unsigned char* src, unsigned char* dst, std
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool stream)
 {
-    if (sampleBytes != 1 || dstBytes != 4 || !HasScaledForms(plan))
+    if (sampleBytes != 1 || dstBytes != 4 || !simd::HasScaledForms(plan))
         return 0;
     return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan, stream)
                     : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan, stream);

@@ -7,7 +7,7 @@
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
 #include "yuv/YUVKernels.h"
-#include "yuv/YUVScaledModes.h"
+#include "simd/LutScaled.h"
 
 namespace zo {
 namespace {
@@ -82,7 +82,7 @@ bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::ui
                            const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done)
 {
     const YUVVectorPaths& paths = YUVActivePaths();
-    const auto formed = paths.pairs8Scaled && HasScaledForms(plan) ? paths.pairs8Scaled : paths.pairs8Formed;
+    const auto formed = paths.pairs8Scaled && simd::HasScaledForms(plan) ? paths.pairs8Scaled : paths.pairs8Formed;
     if (!formed || sampleBytes != 1 || dstBytes != 4)
         return false;
     done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);

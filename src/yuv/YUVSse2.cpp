@@ -8,7 +8,7 @@
 // the clamp to 0..255.
 #include "yuv/YUVSimd.h"
 
-#include "yuv/YUVScaledModes.h"
+#include "simd/LutScaled.h"
 #include "yuv/YUVSimdTransform.h"
 
 #if defined(__SSE2__)
@@ -289,54 +289,23 @@ std::uint32_t Pixels444SSE2(const unsigned char* src, unsigned char* dst, std::u
 
 // ---- Filtered: scaled table forms before the pack ----
 
-// One channel's scaled form (simd/LutForm.h) in every lane.
-struct ScaledChannel {
-    __m128i high, low, cross;
-    explicit ScaledChannel(const simd::LutScaledForm& f)
-        : high(_mm_set1_epi16(static_cast<short>(f.high))),
-          low(_mm_set1_epi16(static_cast<short>(f.low))),
-          cross(_mm_set1_epi16(static_cast<short>(f.cross)))
-    {
-    }
-};
-
-// The form on the unclamped 16-bit results v (Mode -1: v itself, 0 fast,
-// 1 corrected); the pack then clamps as the table's ends do.
-template <int Mode>
-inline __m128i Scaled(__m128i v, const ScaledChannel& c)
-{
-    if constexpr (Mode < 0) {
-        return v;
-    } else {
-        const __m128i x = _mm_slli_epi16(v, 2);
-        const __m128i h = _mm_mulhi_epi16(x, c.high);
-        if constexpr (Mode == 0) {
-            return h;
-        } else {
-            // g where l reaches h's top bit (SSE2 has no byte blend).
-            const __m128i l = _mm_mulhi_epi16(x, c.cross);
-            const __m128i pick = _mm_cmpgt_epi16(l, _mm_xor_si128(l, h));
-            const __m128i g = _mm_mulhi_epi16(x, c.low);
-            return _mm_xor_si128(h, _mm_and_si128(pick, _mm_xor_si128(h, g)));
-        }
-    }
-}
-
 // As Pairs422 into 32-bit pixels from 8-bit samples, each channel through
 // its scaled form between the transform and the pack.
 template <unsigned RedIndex, int Red, int Green, int Blue>
 std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                  const simd::LutFormPlan8& plan)
 {
-    const ScaledChannel red(plan.scaled[RedIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - RedIndex]);
+    using simd::EvalScaled;
+    const simd::ScaledLanes128 red(plan.scaled[RedIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - RedIndex]);
     const std::uint32_t groups = pairs / 8;
     for (std::uint32_t i = 0; i < groups; ++i, src += Read8Bit::kGroupBytes, dst += 16 * 4) {
         __m128i x0, x1, r0, g0, b0, r1, g1, b1;
         Read8Bit{0}.Load(src, x0, x1);
         Transform422(x0, r0, g0, b0);
         Transform422(x1, r1, g1, b1);
-        Store32<RedIndex>::Put(dst, Clamp16(Scaled<Red>(r0, red), Scaled<Green>(g0, green), Scaled<Blue>(b0, blue),
-                                            Scaled<Red>(r1, red), Scaled<Green>(g1, green), Scaled<Blue>(b1, blue)));
+        Store32<RedIndex>::Put(dst, Clamp16(EvalScaled<Red>(r0, red), EvalScaled<Green>(g0, green),
+                                            EvalScaled<Blue>(b0, blue), EvalScaled<Red>(r1, red),
+                                            EvalScaled<Green>(g1, green), EvalScaled<Blue>(b1, blue)));
     }
     return groups * 8;
 }
@@ -347,9 +316,9 @@ std::uint32_t Pairs8ScaledSSE2(const unsigned char* src, unsigned char* dst, std
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool)
 {
-    if (sampleBytes != 1 || dstBytes != 4 || !HasScaledForms(plan))
+    if (sampleBytes != 1 || dstBytes != 4 || !simd::HasScaledForms(plan))
         return 0;
-    return WithScaledModes(plan, redIndex, [&](auto r, auto g, auto b) {
+    return simd::WithScaledModes(plan, redIndex, [&](auto r, auto g, auto b) {
         constexpr int kRed = decltype(r)::value, kGreen = decltype(g)::value, kBlue = decltype(b)::value;
         return redIndex ? Pairs422To32Scaled<2, kRed, kGreen, kBlue>(src, dst, pairs, plan)
                         : Pairs422To32Scaled<0, kRed, kGreen, kBlue>(src, dst, pairs, plan);
