@@ -6,6 +6,7 @@
 #ifndef ZO_SIMD_LUT_SCALED_H
 #define ZO_SIMD_LUT_SCALED_H
 
+#include <cstdint>
 #include <type_traits>
 
 #include "simd/LutForm.h"
@@ -55,69 +56,66 @@ inline auto WithScaledModes(const LutFormPlan8& plan, unsigned redIndex, Run run
     return blue ? run(Fast{}, Skip{}, Corrected{}) : run(Fast{}, Skip{}, Fast{});
 }
 
+// The lane operations the scaled forms take, per register width.
 #if defined(__SSE2__)
-// One channel's scaled form in every lane of a 128-bit register.
-struct ScaledLanes128 {
-    __m128i high, low, cross;
-    explicit ScaledLanes128(const LutScaledForm& f)
-        : high(_mm_set1_epi16(static_cast<short>(f.high))),
-          low(_mm_set1_epi16(static_cast<short>(f.low))),
-          cross(_mm_set1_epi16(static_cast<short>(f.cross)))
+struct ScaledOps128 {
+    using T = __m128i;
+    static T Set(std::uint16_t b) { return _mm_set1_epi16(static_cast<short>(b)); }
+    static T Times4(T v) { return _mm_slli_epi16(v, 2); }
+    static T MulHi(T a, T b) { return _mm_mulhi_epi16(a, b); }
+    static T Greater(T a, T b) { return _mm_cmpgt_epi16(a, b); }
+    static T Xor(T a, T b) { return _mm_xor_si128(a, b); }
+    // b where mask is set, else a (SSE2 has no byte blend).
+    static T Select(T a, T b, T mask) { return Xor(a, _mm_and_si128(mask, Xor(a, b))); }
+};
+#endif
+
+#if defined(__AVX2__)
+struct ScaledOps256 {
+    using T = __m256i;
+    static T Set(std::uint16_t b) { return _mm256_set1_epi16(static_cast<short>(b)); }
+    static T Times4(T v) { return _mm256_slli_epi16(v, 2); }
+    static T MulHi(T a, T b) { return _mm256_mulhi_epi16(a, b); }
+    static T Greater(T a, T b) { return _mm256_cmpgt_epi16(a, b); }
+    static T Xor(T a, T b) { return _mm256_xor_si256(a, b); }
+    static T Select(T a, T b, T mask) { return _mm256_blendv_epi8(a, b, mask); }
+};
+#endif
+
+// One channel's scaled form in every lane.
+template <class Ops>
+struct ScaledLanes {
+    typename Ops::T high, low, cross;
+    explicit ScaledLanes(const LutScaledForm& f) : high(Ops::Set(f.high)), low(Ops::Set(f.low)), cross(Ops::Set(f.cross))
     {
     }
 };
 
 // The form (Mode as above) on signed 16-bit values v, |v| < 8192; packing
 // with unsigned saturation then gives the table's bytes.
-template <int Mode>
-ZO_SCALED_INLINE __m128i EvalScaled(__m128i v, const ScaledLanes128& c)
+template <int Mode, class Ops>
+ZO_SCALED_INLINE typename Ops::T EvalScaled(typename Ops::T v, const ScaledLanes<Ops>& c)
 {
     if constexpr (Mode < 0) {
         return v;
     } else {
-        const __m128i x = _mm_slli_epi16(v, 2);
-        const __m128i h = _mm_mulhi_epi16(x, c.high);
+        const typename Ops::T x = Ops::Times4(v);
+        const typename Ops::T h = Ops::MulHi(x, c.high);
         if constexpr (Mode == 0) {
             return h;
         } else {
-            // g where l reaches h's top bit (SSE2 has no byte blend).
-            const __m128i l = _mm_mulhi_epi16(x, c.cross);
-            const __m128i pick = _mm_cmpgt_epi16(l, _mm_xor_si128(l, h));
-            const __m128i g = _mm_mulhi_epi16(x, c.low);
-            return _mm_xor_si128(h, _mm_and_si128(pick, _mm_xor_si128(h, g)));
+            // g where l reaches h's top bit.
+            const typename Ops::T l = Ops::MulHi(x, c.cross);
+            return Ops::Select(h, Ops::MulHi(x, c.low), Ops::Greater(l, Ops::Xor(l, h)));
         }
     }
 }
+
+#if defined(__SSE2__)
+using ScaledLanes128 = ScaledLanes<ScaledOps128>;
 #endif
-
 #if defined(__AVX2__)
-// The same on 256-bit registers (files compiled for AVX2).
-struct ScaledLanes256 {
-    __m256i high, low, cross;
-    explicit ScaledLanes256(const LutScaledForm& f)
-        : high(_mm256_set1_epi16(static_cast<short>(f.high))),
-          low(_mm256_set1_epi16(static_cast<short>(f.low))),
-          cross(_mm256_set1_epi16(static_cast<short>(f.cross)))
-    {
-    }
-};
-
-template <int Mode>
-ZO_SCALED_INLINE __m256i EvalScaled(__m256i v, const ScaledLanes256& c)
-{
-    if constexpr (Mode < 0) {
-        return v;
-    } else {
-        const __m256i x = _mm256_slli_epi16(v, 2);
-        const __m256i h = _mm256_mulhi_epi16(x, c.high);
-        if constexpr (Mode == 0) {
-            return h;
-        } else {
-            const __m256i l = _mm256_mulhi_epi16(x, c.cross);
-            return _mm256_blendv_epi8(h, _mm256_mulhi_epi16(x, c.low), _mm256_cmpgt_epi16(l, _mm256_xor_si256(l, h)));
-        }
-    }
-}
+using ScaledLanes256 = ScaledLanes<ScaledOps256>;
 #endif
 
 }  // namespace
