@@ -43,6 +43,10 @@ std::uint32_t Nearest16(const BayerLineCall& call, const ZoRGBFilter& filter, st
 template <class Writer>
 std::uint32_t Interpolated16(const BayerLineCall& call, const ZoRGBFilter& filter, std::uint32_t shift)
 {
+    // One pass where the level's vector path evaluates the tables' forms.
+    if (WithFusedWordsLine<Writer>(filter, shift < 31 ? shift : 31,
+                                   [&](const auto& out) { InterpolateCall<Samples16>(call, out); }))
+        return ZO_OK;
     if (WithTablePass<Writer>(filter, [&](const simd::LutPass8& pass) {  // as above
             With16<Writer>(filter, true, shift, [&](const auto& out) { InterpolateCall<Samples16>(call, out); });
             pass.Apply(call.destination, call.count);

@@ -268,7 +268,8 @@ std::uint32_t BayerWords48FormedAvx2(const unsigned char* line, std::ptrdiff_t a
 }  // namespace
 
 const BayerPaths kBayerPathsAVX2 = {"AVX2", BayerBytesAvx2, BayerWordsSse2, BayerWords48Avx2,
-                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2, nullptr, BayerBytesScaledAvx2};
+                                    BayerBytesFormedAvx2, BayerWords48FormedAvx2, nullptr, BayerBytesScaledAvx2,
+                                    BayerWordsScaledSse2};
 
 }  // namespace zo
 #endif

@@ -83,6 +83,14 @@ struct Formed8 : Filtered8<Writer, false> {
     const simd::LutFormPlan8* plan;
 };
 
+// The same for 16-bit samples into 8-bit layouts through tables that all
+// have scaled forms (the Bayer paths' wordsScaled): the scalar loops look
+// the shifted values up, the vector path evaluates the forms.
+template <class Writer>
+struct ScaledWords8 : Filtered8<Writer, true> {
+    const simd::LutFormPlan8* plan;
+};
+
 // The same for 8-bit samples where the level's vector path looks the
 // channels up itself (the Bayer paths' bytesLookup): the same lookups in
 // the scalar loops and in the vector path.
@@ -440,6 +448,21 @@ template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Looked8<Write24<RedIndex>>> : BayerInteriorLooked<RedIndex, 3> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Looked8<Write32<RedIndex>>> : BayerInteriorLooked<RedIndex, 4> {};
+// Only chosen where the level has the path (BayerTablePass.h).
+template <unsigned RedIndex, unsigned Bytes>
+struct BayerInteriorWordsScaled {
+    template <class Out>
+    static std::uint32_t Run(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                             unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
+    {
+        return BayerActivePaths().wordsScaled(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase,
+                                              out.shift, *out.plan);
+    }
+};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples16, ScaledWords8<Write24<RedIndex>>> : BayerInteriorWordsScaled<RedIndex, 3> {};
+template <unsigned RedIndex>
+struct BayerInteriorSimd<Samples16, ScaledWords8<Write32<RedIndex>>> : BayerInteriorWordsScaled<RedIndex, 4> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples16, Identity8<Write24<RedIndex>, true>> : BayerInteriorWords<RedIndex, 3> {};
 template <unsigned RedIndex>

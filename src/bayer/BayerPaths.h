@@ -43,6 +43,15 @@ using BayerBytesFormedPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, c
                                                std::uint32_t from, std::uint32_t to, int phase,
                                                const simd::LutFormPlan8& plan);
 
+// 16-bit samples into a 3- or 4-byte layout through 8-bit tables that all
+// have scaled forms (simd/LutScaled.h, `plan` in byte order of the layout):
+// each value (v >> shift) & 0xFF evaluated through its channel's form
+// before it is stored.
+using BayerWordsScaledPath = std::uint32_t (*)(unsigned bytes, bool blueFirst, const unsigned char* line,
+                                               std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
+                                               std::uint32_t from, std::uint32_t to, int phase, unsigned shift,
+                                               const simd::LutFormPlan8& plan);
+
 // 16-bit samples into RGB48 through 16-bit tables that have an arithmetic
 // form (`plan`, red, green, blue): the same, evaluated before the store.
 using BayerWords48FormedPath = std::uint32_t (*)(const unsigned char* line, std::ptrdiff_t above,
@@ -73,6 +82,9 @@ struct BayerPaths {
     // LutScaled.h; each gain from 1.00 to 1.99 has one), taken before
     // bytesFormed where set (SSE2 has no bytesFormed).
     BayerBytesFormedPath bytesScaled;
+    // Null: 16-bit samples into 8-bit layouts take the identity line and the
+    // table pass (AVX-512 VBMI, whose pass looks the tables up).
+    BayerWordsScaledPath wordsScaled;
 };
 
 // BayerSse2.cpp: every form, sixteen (RGB48: eight) pixels a step, and
@@ -86,6 +98,9 @@ std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char
 std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
                              std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
                              unsigned shift);
+std::uint32_t BayerWordsScaledSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, unsigned shift, const simd::LutFormPlan8& plan);
 std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase);
 // BayerAvx512.cpp: 8-bit samples through tables, 32 pixels a step (the

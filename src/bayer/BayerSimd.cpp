@@ -22,7 +22,7 @@ std::uint32_t NoWords48(const unsigned char*, std::ptrdiff_t, std::ptrdiff_t, un
     return from;
 }
 
-const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr, nullptr, nullptr};
+const BayerPaths kBayerPathsScalar = {"scalar", NoBytes, NoWords, NoWords48, nullptr, nullptr, nullptr, nullptr, nullptr};
 
 #if ZO_SIMD_X86
 // AVX2's paths with the VBMI lookups inside the 8-bit block and the
@@ -35,6 +35,7 @@ const BayerPaths* Avx512Paths()
         p.bytesLookup = BayerBytesLookupAvx512;
         p.words48 = BayerWords48Avx512;
         p.words48Formed = BayerWords48FormedAvx512;
+        p.wordsScaled = nullptr;  // the table pass looks the tables up
         return p;
     }();
     return &paths;

@@ -225,10 +225,12 @@ ZO_BAYER_INLINE void BayerWords8(const unsigned char* a, const unsigned char* c,
 // sixteen pixels from `from` (even) while they fit before `to` (at most
 // count - 1). A 24-bit block writes two bytes past its last pixel, which the
 // caller writes afterwards.
-template <unsigned Bytes, bool BlueFirst>
+// `forms(r, g, b)` maps the values (v >> shift) & 0xFF in 16-bit lanes
+// before they are packed (the identity line: it does nothing).
+template <unsigned Bytes, bool BlueFirst, class Forms>
 std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
                                         unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
-                                        unsigned shift)
+                                        unsigned shift, Forms forms)
 {
     const __m128i count = _mm_cvtsi32_si128(static_cast<int>(shift));
     const __m128i low8 = _mm_set1_epi16(0xFF);
@@ -236,16 +238,44 @@ std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_
     std::uint32_t x = from;
     for (; x + 16 <= to; x += 16) {
         const unsigned char* c = line + 2 * static_cast<std::ptrdiff_t>(x);
-        __m128i r0, g0, b0, r1, g1, b1;
-        BayerWords8(c + above, c, c + below, phase, r0, g0, b0);
-        BayerWords8(c + 16 + above, c + 16, c + 16 + below, phase, r1, g1, b1);
+        __m128i r[2], g[2], b[2];
+        BayerWords8(c + above, c, c + below, phase, r[0], g[0], b[0]);
+        BayerWords8(c + 16 + above, c + 16, c + 16 + below, phase, r[1], g[1], b[1]);
+        for (int k = 0; k < 2; ++k) {
+            r[k] = bytes(r[k]), g[k] = bytes(g[k]), b[k] = bytes(b[k]);
+            forms(r[k], g[k], b[k]);
+        }
         BayerBlock16 block;
-        block.red = _mm_packus_epi16(bytes(r0), bytes(r1));
-        block.green = _mm_packus_epi16(bytes(g0), bytes(g1));
-        block.blue = _mm_packus_epi16(bytes(b0), bytes(b1));
+        block.red = _mm_packus_epi16(r[0], r[1]);
+        block.green = _mm_packus_epi16(g[0], g[1]);
+        block.blue = _mm_packus_epi16(b[0], b[1]);
         BayerStoreBlock<Bytes, BlueFirst>(block, dst + static_cast<std::size_t>(x) * Bytes);
     }
     return x;
+}
+
+struct NoForms {
+    void operator()(__m128i&, __m128i&, __m128i&) const {}
+};
+
+// The same through the scaled forms of a plan whose tables all have one.
+template <unsigned Bytes, bool BlueFirst>
+std::uint32_t ScaledWordBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
+                                   unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
+                                   unsigned shift, const simd::LutFormPlan8& plan)
+{
+    // The plan is in byte order of the layout: blue first for BGR.
+    const simd::ScaledLanes128 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
+        blue(plan.scaled[BlueFirst ? 0 : 2]);
+    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto rm, auto gm, auto bm) {
+        constexpr int kRed = decltype(rm)::value, kGreen = decltype(gm)::value, kBlue = decltype(bm)::value;
+        return InterpolateWordBlocksSse2<Bytes, BlueFirst>(
+            line, above, below, dst, from, to, phase, shift, [&](__m128i& r, __m128i& g, __m128i& b) {
+                r = simd::EvalScaled<kRed>(r, red);
+                g = simd::EvalScaled<kGreen>(g, green);
+                b = simd::EvalScaled<kBlue>(b, blue);
+            });
+    });
 }
 
 // 16-bit samples into RGB48 (identity filter): each pixel stored as eight
@@ -294,10 +324,23 @@ std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char
                              unsigned shift)
 {
     if (bytes == 4)
-        return blueFirst ? InterpolateWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift)
-                         : InterpolateWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift);
-    return blueFirst ? InterpolateWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift)
-                     : InterpolateWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift);
+        return blueFirst ? InterpolateWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift, NoForms{})
+                         : InterpolateWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift, NoForms{});
+    return blueFirst ? InterpolateWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift, NoForms{})
+                     : InterpolateWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift, NoForms{});
+}
+
+std::uint32_t BayerWordsScaledSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
+                                   std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
+                                   int phase, unsigned shift, const simd::LutFormPlan8& plan)
+{
+    if (!simd::HasScaledForms(plan))
+        return from;
+    if (bytes == 4)
+        return blueFirst ? ScaledWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift, plan)
+                         : ScaledWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift, plan);
+    return blueFirst ? ScaledWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift, plan)
+                     : ScaledWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift, plan);
 }
 
 std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
@@ -319,8 +362,8 @@ std::uint32_t BayerBytesScaledSse2(unsigned bytes, bool blueFirst, const unsigne
                      : ScaledBlocksAnyModeSse2<3, false>(line, above, below, dst, from, to, phase, plan);
 }
 
-const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2,      BayerWords48Sse2, nullptr,
-                                    nullptr, nullptr,        BayerBytesScaledSse2};
+const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2,       BayerWords48Sse2,    nullptr,
+                                    nullptr, nullptr,        BayerBytesScaledSse2, BayerWordsScaledSse2};
 
 }  // namespace zo
 
