@@ -220,8 +220,15 @@ struct ReadShiftedWord {
     }
 };
 
-template <class Store, class Reader>
-std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
+// forms(r, g, b): maps the unclamped 16-bit channels before they are packed
+// (white balance; the identity line passes NoForms).
+struct NoForms {
+    void operator()(__m256i&, __m256i&, __m256i&) const {}
+};
+
+template <class Store, class Reader, class Forms = NoForms>
+std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
+                       Forms forms = {})
 {
     const std::uint32_t groups = pairs / 16;
     for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 32 * Store::kBytes) {
@@ -229,6 +236,8 @@ std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32
         reader.Load2(src, x0, x1);
         Transform422(x0, r0, g0, b0);
         Transform422(x1, r1, g1, b1);
+        forms(r0, g0, b0);
+        forms(r1, g1, b1);
         Store::Put(dst, Bytes32{_mm256_packus_epi16(r0, r1), _mm256_packus_epi16(g0, g1), _mm256_packus_epi16(b0, b1)});
     }
     return groups * 16;
@@ -326,8 +335,7 @@ inline __attribute__((always_inline)) void Store422To32(unsigned char* d, __m256
 // Sixteen pairs (128 destination bytes) a group, with streaming stores
 // where `stream` says and the destination allows (core/StreamGroups.h);
 // the line's last pairs through ConvertLineEnd. Converts every pair.
-// forms(r, g, b): maps the unclamped 16-bit channels before they are packed
-// (white balance; the identity line passes NoForms).
+// forms(r, g, b): as for Pairs422.
 template <unsigned RedIndex, class Reader, class Forms>
 std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                            bool stream, Forms forms)
@@ -347,10 +355,6 @@ std::uint32_t Pairs422To32(const unsigned char* src, unsigned char* dst, std::ui
     };
     return ConvertPairsLine<16, kPairBytes>(src, dst, pairs, stream, convert, StreamLine);
 }
-
-struct NoForms {
-    void operator()(__m256i&, __m256i&, __m256i&) const {}
-};
 
 template <class Reader>
 std::uint32_t Pairs422ByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
@@ -453,12 +457,13 @@ struct ScaledChannels {
     simd::ScaledLanes256 red, green, blue;
 };
 
-// As Pairs422To32 from 8-bit samples, sixteen pixels a step, each channel
-// through the scaled form of its table on the transform's unclamped
-// results (Mode -1: left as it is; 0 fast, 1 corrected).
-template <unsigned RedIndex, int Red, int Green, int Blue>
-std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                 const ScaledChannels& channels, bool stream)
+// As Pairs422To32 (DstBytes 4, streamed where `stream` says, every pair of
+// the line) or Pairs422 (DstBytes 2 or 3, whole groups) from 8-bit samples,
+// each channel through the scaled form of its table on the transform's
+// unclamped results (Mode -1: left as it is; 0 fast, 1 corrected).
+template <unsigned DstBytes, unsigned RedIndex, int Red, int Green, int Blue>
+std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                             const ScaledChannels& channels, bool stream)
 {
     const ScaledChannels* forms = InMemory(channels);
     auto apply = [&](__m256i& r, __m256i& g, __m256i& b) __attribute__((always_inline)) {
@@ -466,27 +471,34 @@ std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, s
         g = simd::EvalScaled<Green>(g, forms->green);
         b = simd::EvalScaled<Blue>(b, forms->blue);
     };
-    return Pairs422To32<RedIndex>(src, dst, pairs, Read8Bit{0}, stream, apply);
+    if constexpr (DstBytes == 4)
+        return Pairs422To32<RedIndex>(src, dst, pairs, Read8Bit{0}, stream, apply);
+    else if constexpr (DstBytes == 3)
+        return Pairs422<Store24<RedIndex, true>>(src, dst, pairs, Read8Bit{0}, apply);
+    else
+        return Pairs422<Store16<true>>(src, dst, pairs, Read8Bit{0}, apply);
 }
 
 // Through the scaled forms (every table must have one).
-template <unsigned RedIndex>
-std::uint32_t Pairs422To32ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                        const simd::LutFormPlan8& plan, bool stream)
+template <unsigned DstBytes, unsigned RedIndex>
+std::uint32_t Pairs422ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                    const simd::LutFormPlan8& plan, bool stream)
 {
-    // The plan is in byte order of the layout: red at byte RedIndex.
+    // The plan is in byte order of the layout (RGB16: red, green, blue):
+    // red at byte RedIndex.
     alignas(32) const ScaledChannels channels{simd::ScaledLanes256(plan.scaled[RedIndex]),
                                               simd::ScaledLanes256(plan.scaled[1]),
                                               simd::ScaledLanes256(plan.scaled[2 - RedIndex])};
     return simd::WithScaledModes(plan, RedIndex, [&](auto r, auto g, auto b) {
-        return Pairs422To32Scaled<RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
+        return Pairs422Scaled<DstBytes, RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
             src, dst, pairs, channels, stream);
     });
 }
 
-// 8-bit samples into 32-bit layouts only, every table with a scaled form;
-// 0 (the line's pair loop looks the channels up) for anything else.
-// Streamed where `stream` says, every pair of the line.
+// 8-bit samples into 16-, 24- and 32-bit layouts, every table with a
+// scaled form; 0 (the line's pair loop looks the channels up) for anything
+// else. Into 32-bit pixels streamed where `stream` says, every pair of the
+// line; else whole groups.
 //
 // YUYV -> BGRA through gains 1.8, 1.0, 1.4 at ZOIMG_CPU=avx2 (cold frames,
 // 1920 x 1080, one run alternating with the unit forms' loop): 0.61 ms a
@@ -497,10 +509,20 @@ std::uint32_t Pairs8ScaledAVX2(const unsigned char* src, unsigned char* dst, std
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool stream)
 {
-    if (sampleBytes != 1 || dstBytes != 4 || !simd::HasScaledForms(plan))
+    if (sampleBytes != 1 || !simd::HasScaledForms(plan))
         return 0;
-    return redIndex ? Pairs422To32ScaledAnyMode<2>(src, dst, pairs, plan, stream)
-                    : Pairs422To32ScaledAnyMode<0>(src, dst, pairs, plan, stream);
+    switch (dstBytes) {
+    case 2:
+        return Pairs422ScaledAnyMode<2, 0>(src, dst, pairs, plan, stream);
+    case 3:
+        return redIndex ? Pairs422ScaledAnyMode<3, 2>(src, dst, pairs, plan, stream)
+                        : Pairs422ScaledAnyMode<3, 0>(src, dst, pairs, plan, stream);
+    case 4:
+        return redIndex ? Pairs422ScaledAnyMode<4, 2>(src, dst, pairs, plan, stream)
+                        : Pairs422ScaledAnyMode<4, 0>(src, dst, pairs, plan, stream);
+    default:
+        return 0;
+    }
 }
 
 // The same through the unit and plan forms (tables without a scaled form),

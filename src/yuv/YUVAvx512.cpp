@@ -243,10 +243,19 @@ std::uint32_t Pairs8LutAVX512(const unsigned char* src, unsigned char* dst, std:
                       : Pairs8To32Lookup<0, false>(src, dst, pairs, tables, stream);
 }
 
+// The scaled forms through the AVX2 path: 16- and 24-bit layouts (32-bit
+// ones take Pairs8LutAVX512 first).
+std::uint32_t Pairs8ScaledAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                 std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                 const simd::LutFormPlan8& plan, bool stream)
+{
+    return kYUVPathsAVX2.pairs8Scaled(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);
+}
+
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512", Pairs8AVX512, Pairs10AVX512, Pixels444AVX512,
-                                        nullptr,   nullptr,      Pairs8LutAVX512};
+const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512",          Pairs8AVX512, Pairs10AVX512, Pixels444AVX512,
+                                        Pairs8ScaledAVX512, nullptr,      Pairs8LutAVX512};
 
 }  // namespace zo
 

@@ -82,8 +82,9 @@ bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::ui
                            const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done)
 {
     const YUVVectorPaths& paths = YUVActivePaths();
-    const auto formed = paths.pairs8Scaled && simd::HasScaledForms(plan) ? paths.pairs8Scaled : paths.pairs8Formed;
-    if (!formed || sampleBytes != 1 || dstBytes != 4)
+    const bool scaled = paths.pairs8Scaled && simd::HasScaledForms(plan);
+    const auto formed = scaled ? paths.pairs8Scaled : paths.pairs8Formed;
+    if (!formed || sampleBytes != 1 || (!scaled && dstBytes != 4))
         return false;
     done = formed(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);
     return true;

@@ -36,10 +36,12 @@ struct YUVVectorPaths {
     // (`plan`, simd/LutForm.h, in byte order of the layout), evaluated on
     // the transform's 16-bit results before the pack: as pairs8 with the
     // filter applied. pairs8Scaled takes plans whose three tables all have
-    // scaled forms (each gain from 1.00 to 1.99 has one), pairs8Formed any
-    // plan. Null where the set has no such path (filtered lines then take
-    // the identity path and the table pass) or where its lookups below are
-    // faster (AVX-512 VBMI).
+    // scaled forms (each gain from 1.00 to 1.99 has one), into 16-, 24- and
+    // 32-bit layouts (RGB16: a plan in red, green, blue order);
+    // pairs8Formed any plan, into 32-bit layouts. Null where the set has no
+    // such path (filtered lines then take the identity path and the table
+    // pass, or the pair loop's lookups for RGB16). Into 32-bit layouts the
+    // AVX-512 VBMI lookups below come first.
     std::uint32_t (*pairs8Scaled)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                   std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                   const simd::LutFormPlan8& plan, bool stream);

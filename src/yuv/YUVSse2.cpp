@@ -194,8 +194,15 @@ struct ReadShiftedWord {  // 16-bit words, value = low 8 bits of word >> shift
     }
 };
 
-template <class Store, class Reader>
-std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader)
+// forms(r, g, b): maps the unclamped 16-bit channels before they are packed
+// (white balance; the identity line passes NoForms).
+struct NoForms {
+    void operator()(__m128i&, __m128i&, __m128i&) const {}
+};
+
+template <class Store, class Reader, class Forms = NoForms>
+std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
+                       Forms forms = {})
 {
     const std::uint32_t groups = pairs / 8;
     for (std::uint32_t i = 0; i < groups; ++i, src += Reader::kGroupBytes, dst += 16 * Store::kBytes) {
@@ -203,6 +210,8 @@ std::uint32_t Pairs422(const unsigned char* src, unsigned char* dst, std::uint32
         reader.Load(src, x0, x1);
         Transform422(x0, r0, g0, b0);
         Transform422(x1, r1, g1, b1);
+        forms(r0, g0, b0);
+        forms(r1, g1, b1);
         Store::Put(dst, Clamp16(r0, g0, b0, r1, g1, b1));
     }
     return groups * 8;
@@ -289,40 +298,46 @@ std::uint32_t Pixels444SSE2(const unsigned char* src, unsigned char* dst, std::u
 
 // ---- Filtered: scaled table forms before the pack ----
 
-// As Pairs422 into 32-bit pixels from 8-bit samples, each channel through
-// its scaled form between the transform and the pack.
-template <unsigned RedIndex, int Red, int Green, int Blue>
-std::uint32_t Pairs422To32Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                 const simd::LutFormPlan8& plan)
+// As Pairs422 from 8-bit samples, each channel through its scaled form
+// between the transform and the pack. Store: a writer of this file; the plan
+// is in byte order of its layout (RGB16: red, green, blue), red at byte
+// RedIndex.
+template <class Store, unsigned RedIndex>
+std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                             const simd::LutFormPlan8& plan)
 {
-    using simd::EvalScaled;
     const simd::ScaledLanes128 red(plan.scaled[RedIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - RedIndex]);
-    const std::uint32_t groups = pairs / 8;
-    for (std::uint32_t i = 0; i < groups; ++i, src += Read8Bit::kGroupBytes, dst += 16 * 4) {
-        __m128i x0, x1, r0, g0, b0, r1, g1, b1;
-        Read8Bit{0}.Load(src, x0, x1);
-        Transform422(x0, r0, g0, b0);
-        Transform422(x1, r1, g1, b1);
-        Store32<RedIndex>::Put(dst, Clamp16(EvalScaled<Red>(r0, red), EvalScaled<Green>(g0, green),
-                                            EvalScaled<Blue>(b0, blue), EvalScaled<Red>(r1, red),
-                                            EvalScaled<Green>(g1, green), EvalScaled<Blue>(b1, blue)));
-    }
-    return groups * 8;
+    return simd::WithScaledModes(plan, RedIndex, [&](auto rm, auto gm, auto bm) {
+        constexpr int kRed = decltype(rm)::value, kGreen = decltype(gm)::value, kBlue = decltype(bm)::value;
+        return Pairs422<Store>(src, dst, pairs, Read8Bit{0}, [&](__m128i& r, __m128i& g, __m128i& b) {
+            r = simd::EvalScaled<kRed>(r, red);
+            g = simd::EvalScaled<kGreen>(g, green);
+            b = simd::EvalScaled<kBlue>(b, blue);
+        });
+    });
 }
 
-// 8-bit samples into 32-bit layouts, every table with a scaled form; 0
-// (the line's pair loop looks the channels up) for anything else.
+// 8-bit samples into 16-, 24- and 32-bit layouts, every table with a
+// scaled form; 0 (the line's pair loop looks the channels up) for anything
+// else.
 std::uint32_t Pairs8ScaledSSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool)
 {
-    if (sampleBytes != 1 || dstBytes != 4 || !simd::HasScaledForms(plan))
+    if (sampleBytes != 1 || !simd::HasScaledForms(plan))
         return 0;
-    return simd::WithScaledModes(plan, redIndex, [&](auto r, auto g, auto b) {
-        constexpr int kRed = decltype(r)::value, kGreen = decltype(g)::value, kBlue = decltype(b)::value;
-        return redIndex ? Pairs422To32Scaled<2, kRed, kGreen, kBlue>(src, dst, pairs, plan)
-                        : Pairs422To32Scaled<0, kRed, kGreen, kBlue>(src, dst, pairs, plan);
-    });
+    switch (dstBytes) {
+    case 2:
+        return Pairs422Scaled<Store16, 0>(src, dst, pairs, plan);
+    case 3:
+        return redIndex ? Pairs422Scaled<Store24<2>, 2>(src, dst, pairs, plan)
+                        : Pairs422Scaled<Store24<0>, 0>(src, dst, pairs, plan);
+    case 4:
+        return redIndex ? Pairs422Scaled<Store32<2>, 2>(src, dst, pairs, plan)
+                        : Pairs422Scaled<Store32<0>, 0>(src, dst, pairs, plan);
+    default:
+        return 0;
+    }
 }
 
 }  // namespace
