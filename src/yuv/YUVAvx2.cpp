@@ -458,11 +458,11 @@ struct ScaledChannels {
 };
 
 // As Pairs422To32 (DstBytes 4, streamed where `stream` says, every pair of
-// the line) or Pairs422 (DstBytes 2 or 3, whole groups) from 8-bit samples,
-// each channel through the scaled form of its table on the transform's
-// unclamped results (Mode -1: left as it is; 0 fast, 1 corrected).
-template <unsigned DstBytes, unsigned RedIndex, int Red, int Green, int Blue>
-std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+// the line) or Pairs422 (DstBytes 2 or 3, whole groups), each channel
+// through the scaled form of its table on the transform's unclamped results
+// (Mode -1: left as it is; 0 fast, 1 corrected).
+template <unsigned DstBytes, unsigned RedIndex, int Red, int Green, int Blue, class Reader>
+std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                              const ScaledChannels& channels, bool stream)
 {
     const ScaledChannels* forms = InMemory(channels);
@@ -472,17 +472,17 @@ std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::
         b = simd::EvalScaled<Blue>(b, forms->blue);
     };
     if constexpr (DstBytes == 4)
-        return Pairs422To32<RedIndex>(src, dst, pairs, Read8Bit{0}, stream, apply);
+        return Pairs422To32<RedIndex>(src, dst, pairs, reader, stream, apply);
     else if constexpr (DstBytes == 3)
-        return Pairs422<Store24<RedIndex, true>>(src, dst, pairs, Read8Bit{0}, apply);
+        return Pairs422<Store24<RedIndex, true>>(src, dst, pairs, reader, apply);
     else
-        return Pairs422<Store16<true>>(src, dst, pairs, Read8Bit{0}, apply);
+        return Pairs422<Store16<true>>(src, dst, pairs, reader, apply);
 }
 
 // Through the scaled forms (every table must have one).
-template <unsigned DstBytes, unsigned RedIndex>
+template <unsigned DstBytes, unsigned RedIndex, class Reader>
 std::uint32_t Pairs422ScaledAnyMode(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                                    const simd::LutFormPlan8& plan, bool stream)
+                                    const Reader& reader, const simd::LutFormPlan8& plan, bool stream)
 {
     // The plan is in byte order of the layout (RGB16: red, green, blue):
     // red at byte RedIndex.
@@ -491,14 +491,36 @@ std::uint32_t Pairs422ScaledAnyMode(const unsigned char* src, unsigned char* dst
                                               simd::ScaledLanes256(plan.scaled[2 - RedIndex])};
     return simd::WithScaledModes(plan, RedIndex, [&](auto r, auto g, auto b) {
         return Pairs422Scaled<DstBytes, RedIndex, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
-            src, dst, pairs, channels, stream);
+            src, dst, pairs, reader, channels, stream);
     });
 }
 
-// 8-bit samples into 16-, 24- and 32-bit layouts, every table with a
-// scaled form; 0 (the line's pair loop looks the channels up) for anything
-// else. Into 32-bit pixels streamed where `stream` says, every pair of the
-// line; else whole groups.
+// Into 16-, 24- and 32-bit layouts, every table with a scaled form; 0 (the
+// line's pair loop looks the channels up) for anything else. Into 32-bit
+// pixels streamed where `stream` says, every pair of the line; else whole
+// groups.
+template <class Reader>
+std::uint32_t Pairs422ScaledByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                     const Reader& reader, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                     const simd::LutFormPlan8& plan, bool stream)
+{
+    if (!simd::HasScaledForms(plan))
+        return 0;
+    switch (dstBytes) {
+    case 2:
+        return Pairs422ScaledAnyMode<2, 0>(src, dst, pairs, reader, plan, stream);
+    case 3:
+        return redIndex ? Pairs422ScaledAnyMode<3, 2>(src, dst, pairs, reader, plan, stream)
+                        : Pairs422ScaledAnyMode<3, 0>(src, dst, pairs, reader, plan, stream);
+    case 4:
+        return redIndex ? Pairs422ScaledAnyMode<4, 2>(src, dst, pairs, reader, plan, stream)
+                        : Pairs422ScaledAnyMode<4, 0>(src, dst, pairs, reader, plan, stream);
+    default:
+        return 0;
+    }
+}
+
+// 8-bit samples.
 //
 // YUYV -> BGRA through gains 1.8, 1.0, 1.4 at ZOIMG_CPU=avx2 (cold frames,
 // 1920 x 1080, one run alternating with the unit forms' loop): 0.61 ms a
@@ -509,20 +531,18 @@ std::uint32_t Pairs8ScaledAVX2(const unsigned char* src, unsigned char* dst, std
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const simd::LutFormPlan8& plan, bool stream)
 {
-    if (sampleBytes != 1 || !simd::HasScaledForms(plan))
+    if (sampleBytes != 1)
         return 0;
-    switch (dstBytes) {
-    case 2:
-        return Pairs422ScaledAnyMode<2, 0>(src, dst, pairs, plan, stream);
-    case 3:
-        return redIndex ? Pairs422ScaledAnyMode<3, 2>(src, dst, pairs, plan, stream)
-                        : Pairs422ScaledAnyMode<3, 0>(src, dst, pairs, plan, stream);
-    case 4:
-        return redIndex ? Pairs422ScaledAnyMode<4, 2>(src, dst, pairs, plan, stream)
-                        : Pairs422ScaledAnyMode<4, 0>(src, dst, pairs, plan, stream);
-    default:
+    return Pairs422ScaledByLayout(src, dst, pairs, Read8Bit{0}, dstBytes, redIndex, plan, stream);
+}
+
+// 10-bit samples (16-bit words), ordinary stores.
+std::uint32_t Pairs10ScaledAVX2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
+                                std::uint32_t dstBytes, std::uint32_t redIndex, const simd::LutFormPlan8& plan)
+{
+    if (shift > 15)
         return 0;
-    }
+    return Pairs422ScaledByLayout(src, dst, pairs, ReadShiftedWord{shift}, dstBytes, redIndex, plan, false);
 }
 
 // The same through the unit and plan forms (tables without a scaled form),
@@ -616,7 +636,7 @@ std::uint32_t Pixels444AVX2(const unsigned char* src, unsigned char* dst, std::u
 }  // namespace
 
 const YUVVectorPaths kYUVPathsAVX2 = {"AVX2",           Pairs8AVX2,       Pairs10AVX2, Pixels444AVX2,
-                                      Pairs8ScaledAVX2, Pairs8FormedAVX2, nullptr};
+                                      Pairs8ScaledAVX2, Pairs8FormedAVX2, nullptr,     Pairs10ScaledAVX2};
 
 }  // namespace zo
 

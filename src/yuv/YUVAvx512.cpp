@@ -252,10 +252,17 @@ std::uint32_t Pairs8ScaledAVX512(const unsigned char* src, unsigned char* dst, s
     return kYUVPathsAVX2.pairs8Scaled(src, dst, pairs, sampleBytes, dstBytes, redIndex, plan, stream);
 }
 
+std::uint32_t Pairs10ScaledAVX512(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                  std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                  const simd::LutFormPlan8& plan)
+{
+    return kYUVPathsAVX2.pairs10Scaled(src, dst, pairs, shift, dstBytes, redIndex, plan);
+}
+
 }  // namespace
 
-const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512",          Pairs8AVX512, Pairs10AVX512, Pixels444AVX512,
-                                        Pairs8ScaledAVX512, nullptr,      Pairs8LutAVX512};
+const YUVVectorPaths kYUVPathsAVX512 = {"AVX-512",          Pairs8AVX512, Pairs10AVX512,  Pixels444AVX512,
+                                        Pairs8ScaledAVX512, nullptr,      Pairs8LutAVX512, Pairs10ScaledAVX512};
 
 }  // namespace zo
 

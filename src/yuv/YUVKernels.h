@@ -111,6 +111,10 @@ std::uint32_t YUV10PairsToRGBVector(const unsigned char* src, unsigned char* dst
 bool YUV8PairsFormedVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                            std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                            const simd::LutFormPlan8& plan, bool stream, std::uint32_t& done);
+// The same from 10-bit samples, where every table has a scaled form.
+bool YUV10PairsScaledVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
+                            std::uint32_t dstBytes, std::uint32_t redIndex, const simd::LutFormPlan8& plan,
+                            std::uint32_t& done);
 // The same through any 8-bit tables (in byte order of the layout), looked
 // up inside the vector path before the store.
 bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
@@ -173,10 +177,10 @@ inline std::uint32_t YUV422Vector(const unsigned char* src, unsigned char* dst, 
 // layouts at AVX-512 VBMI the vector path looks every table up itself
 // before it stores (any tables); at AVX2, where the tables have an
 // arithmetic form, it evaluates the form before it stores; and at every
-// vector level, into 16-, 24- and 32-bit layouts, where every table has a
-// scaled form (simd/LutScaled.h; YUYV -> RGB16 through gains 1.8, 1.0, 1.4
-// at avx2, 1920 x 32 in the cache: 5.0 -> 1.33 times the identity, RGB24
-// 2.10 -> 1.33).
+// vector level, 8- and 10-bit samples into 16-, 24- and 32-bit layouts,
+// where every table has a scaled form (simd/LutScaled.h; through gains 1.8,
+// 1.0, 1.4 at avx2, 1920 x 32 in the cache, times the identity: YUYV ->
+// RGB16 5.0 -> 1.33, -> RGB24 2.10 -> 1.33; 10-bit -> RGB32 2.45 -> 1.31).
 constexpr std::uint32_t kFilterChunkPixels = 256;
 
 template <class Writer>
@@ -213,7 +217,15 @@ template <class Writer, class Reader>
 inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                           const YUVChannelTables& t, bool stream, std::uint32_t& done)
 {
-    if constexpr ((kTablePassLayout<Writer> || Writer::kBytes == 2) && std::is_same<Reader, YUV8PairReader>::value) {
+    if constexpr ((kTablePassLayout<Writer> || Writer::kBytes == 2) && std::is_same<Reader, YUV10PairReader>::value) {
+        if (t.identity)
+            return false;
+        const simd::LutFormPlan8* plan =
+            simd::FormPlan8(YUVByteOrderTables<Writer>(t), kTablePassLayout<Writer> ? Writer::kBytes : 4);
+        return plan && YUV10PairsScaledVector(src, dst, pairs, reader.shift, Writer::kBytes,
+                                              WriterShape<Writer>::kRedIndex, *plan, done);
+    } else if constexpr ((kTablePassLayout<Writer> || Writer::kBytes == 2) &&
+                         std::is_same<Reader, YUV8PairReader>::value) {
         if (t.identity)
             return false;
         if (kTablePassLayout<Writer> &&

@@ -28,7 +28,7 @@ std::uint32_t NoPixels444(const unsigned char*, unsigned char*, std::uint32_t, s
     return 0;
 }
 
-const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr, nullptr, nullptr};
+const YUVVectorPaths kYUVPathsScalar = {"scalar", NoPairs8, NoPairs10, NoPixels444, nullptr, nullptr, nullptr, nullptr};
 
 const YUVVectorPaths* ChooseYUVPaths(simd::CpuLevel level)
 {
@@ -100,6 +100,17 @@ bool YUV8PairsLutVector(const unsigned char* src, unsigned char* dst, std::uint3
     const std::uint8_t* const bytes[3] = {tables.byte0, tables.byte1, tables.byte2};
     done = lookup(src, dst, pairs, sampleBytes, dstBytes, redIndex, bytes, !simd::IsIdentityTable8(tables.byte1),
                   stream);
+    return true;
+}
+
+bool YUV10PairsScaledVector(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
+                            std::uint32_t dstBytes, std::uint32_t redIndex, const simd::LutFormPlan8& plan,
+                            std::uint32_t& done)
+{
+    const auto scaled = YUVActivePaths().pairs10Scaled;
+    if (!scaled || shift > 15 || !simd::HasScaledForms(plan))
+        return false;
+    done = scaled(src, dst, pairs, shift, dstBytes, redIndex, plan);
     return true;
 }
 

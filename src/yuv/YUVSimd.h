@@ -56,6 +56,10 @@ struct YUVVectorPaths {
     std::uint32_t (*pairs8Lut)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
                                std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
                                const std::uint8_t* const* tables, bool lookMiddle, bool stream);
+    // As pairs8Scaled from 10-bit samples (pairs10's arguments).
+    std::uint32_t (*pairs10Scaled)(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                   std::uint32_t shift, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                   const simd::LutFormPlan8& plan);
 };
 
 // Every path this build and this CPU can run, best last (for tests).

@@ -298,18 +298,17 @@ std::uint32_t Pixels444SSE2(const unsigned char* src, unsigned char* dst, std::u
 
 // ---- Filtered: scaled table forms before the pack ----
 
-// As Pairs422 from 8-bit samples, each channel through its scaled form
-// between the transform and the pack. Store: a writer of this file; the plan
-// is in byte order of its layout (RGB16: red, green, blue), red at byte
-// RedIndex.
-template <class Store, unsigned RedIndex>
-std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+// As Pairs422, each channel through its scaled form between the transform
+// and the pack. Store: a writer of this file; the plan is in byte order of
+// its layout (RGB16: red, green, blue), red at byte RedIndex.
+template <class Store, unsigned RedIndex, class Reader>
+std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                              const simd::LutFormPlan8& plan)
 {
     const simd::ScaledLanes128 red(plan.scaled[RedIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - RedIndex]);
     return simd::WithScaledModes(plan, RedIndex, [&](auto rm, auto gm, auto bm) {
         constexpr int kRed = decltype(rm)::value, kGreen = decltype(gm)::value, kBlue = decltype(bm)::value;
-        return Pairs422<Store>(src, dst, pairs, Read8Bit{0}, [&](__m128i& r, __m128i& g, __m128i& b) {
+        return Pairs422<Store>(src, dst, pairs, reader, [&](__m128i& r, __m128i& g, __m128i& b) {
             r = simd::EvalScaled<kRed>(r, red);
             g = simd::EvalScaled<kGreen>(g, green);
             b = simd::EvalScaled<kBlue>(b, blue);
@@ -317,33 +316,50 @@ std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::
     });
 }
 
-// 8-bit samples into 16-, 24- and 32-bit layouts, every table with a
-// scaled form; 0 (the line's pair loop looks the channels up) for anything
-// else.
-std::uint32_t Pairs8ScaledSSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
-                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
-                               const simd::LutFormPlan8& plan, bool)
+// Into 16-, 24- and 32-bit layouts, every table with a scaled form; 0 (the
+// line's pair loop looks the channels up) for anything else.
+template <class Reader>
+std::uint32_t Pairs422ScaledByLayout(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                                     const Reader& reader, std::uint32_t dstBytes, std::uint32_t redIndex,
+                                     const simd::LutFormPlan8& plan)
 {
-    if (sampleBytes != 1 || !simd::HasScaledForms(plan))
+    if (!simd::HasScaledForms(plan))
         return 0;
     switch (dstBytes) {
     case 2:
-        return Pairs422Scaled<Store16, 0>(src, dst, pairs, plan);
+        return Pairs422Scaled<Store16, 0>(src, dst, pairs, reader, plan);
     case 3:
-        return redIndex ? Pairs422Scaled<Store24<2>, 2>(src, dst, pairs, plan)
-                        : Pairs422Scaled<Store24<0>, 0>(src, dst, pairs, plan);
+        return redIndex ? Pairs422Scaled<Store24<2>, 2>(src, dst, pairs, reader, plan)
+                        : Pairs422Scaled<Store24<0>, 0>(src, dst, pairs, reader, plan);
     case 4:
-        return redIndex ? Pairs422Scaled<Store32<2>, 2>(src, dst, pairs, plan)
-                        : Pairs422Scaled<Store32<0>, 0>(src, dst, pairs, plan);
+        return redIndex ? Pairs422Scaled<Store32<2>, 2>(src, dst, pairs, reader, plan)
+                        : Pairs422Scaled<Store32<0>, 0>(src, dst, pairs, reader, plan);
     default:
         return 0;
     }
 }
 
+std::uint32_t Pairs8ScaledSSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs,
+                               std::uint32_t sampleBytes, std::uint32_t dstBytes, std::uint32_t redIndex,
+                               const simd::LutFormPlan8& plan, bool)
+{
+    if (sampleBytes != 1)
+        return 0;
+    return Pairs422ScaledByLayout(src, dst, pairs, Read8Bit{0}, dstBytes, redIndex, plan);
+}
+
+std::uint32_t Pairs10ScaledSSE2(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, std::uint32_t shift,
+                                std::uint32_t dstBytes, std::uint32_t redIndex, const simd::LutFormPlan8& plan)
+{
+    if (shift > 15)
+        return 0;
+    return Pairs422ScaledByLayout(src, dst, pairs, ReadShiftedWord{shift}, dstBytes, redIndex, plan);
+}
+
 }  // namespace
 
 const YUVVectorPaths kYUVPathsSSE2 = {"SSE2",           Pairs8SSE2, Pairs10SSE2, Pixels444SSE2,
-                                      Pairs8ScaledSSE2, nullptr,    nullptr};
+                                      Pairs8ScaledSSE2, nullptr,    nullptr,     Pairs10ScaledSSE2};
 
 }  // namespace zo
 
