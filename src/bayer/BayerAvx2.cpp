@@ -99,39 +99,25 @@ std::uint32_t BayerBytesFormedAvx2(unsigned bytes, bool blueFirst, const unsigne
 }
 
 // 32 pixels a step through the scaled forms of tables that all have one
-// (simd/LutScaled.h), the rest as BayerBytesFormedAvx2.
-template <unsigned Bytes, bool BlueFirst>
-std::uint32_t ScaledBlocks(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
-                           std::uint32_t from, std::uint32_t to, int phase, const simd::LutFormPlan8& plan)
-{
-    // The plan is in byte order of the layout: blue first for BGR.
-    const simd::ScaledLanes256 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
-        blue(plan.scaled[BlueFirst ? 0 : 2]);
-    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto r, auto g, auto b) {
-        constexpr int kRed = decltype(r)::value, kGreen = decltype(g)::value, kBlue = decltype(b)::value;
-        return Blocks256<Bytes, BlueFirst>(
-            line, above, below, dst, from, to, phase,
-            [&](__m256i& rl, __m256i& gl, __m256i& bl, __m256i& rh, __m256i& gh, __m256i& bh) {
-                using simd::EvalScaled;
-                rl = EvalScaled<kRed>(rl, red), rh = EvalScaled<kRed>(rh, red);
-                gl = EvalScaled<kGreen>(gl, green), gh = EvalScaled<kGreen>(gh, green);
-                bl = EvalScaled<kBlue>(bl, blue), bh = EvalScaled<kBlue>(bh, blue);
-            },
-            KeepPacked{});
-    });
-}
-
+// (simd/LutScaled.h; the plan in byte order of the layout, blue first for
+// BGR), the rest as BayerBytesFormedAvx2; `from` where a table has none.
 std::uint32_t BayerBytesScaledAvx2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
                                    std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
                                    int phase, const simd::LutFormPlan8& plan)
 {
     if (!simd::HasScaledForms(plan))
         return from;
-    if (bytes == 4)
-        return blueFirst ? ScaledBlocks<4, true>(line, above, below, dst, from, to, phase, plan)
-                         : ScaledBlocks<4, false>(line, above, below, dst, from, to, phase, plan);
-    return blueFirst ? ScaledBlocks<3, true>(line, above, below, dst, from, to, phase, plan)
-                     : ScaledBlocks<3, false>(line, above, below, dst, from, to, phase, plan);
+    return simd::WithScaledForms<simd::ScaledOps256>(plan, blueFirst ? 2 : 0, [&](const auto& forms) {
+        auto both = [&](__m256i& rl, __m256i& gl, __m256i& bl, __m256i& rh, __m256i& gh, __m256i& bh) {
+            forms(rl, gl, bl);
+            forms(rh, gh, bh);
+        };
+        if (bytes == 4)
+            return blueFirst ? Blocks256<4, true>(line, above, below, dst, from, to, phase, both, KeepPacked{})
+                             : Blocks256<4, false>(line, above, below, dst, from, to, phase, both, KeepPacked{});
+        return blueFirst ? Blocks256<3, true>(line, above, below, dst, from, to, phase, both, KeepPacked{})
+                         : Blocks256<3, false>(line, above, below, dst, from, to, phase, both, KeepPacked{});
+    });
 }
 
 // ---- RGB48 through 16-bit table forms ----

@@ -73,13 +73,6 @@ ZO_BAYER_INLINE void BayerBlockLanes(const unsigned char* a, const unsigned char
               bh);
 }
 
-ZO_BAYER_INLINE BayerBlock16 BayerBlock(const unsigned char* a, const unsigned char* c, const unsigned char* b, int phase)
-{
-    __m128i rl, gl, bl, rh, gh, bh;
-    BayerBlockLanes(a, c, b, phase, rl, gl, bl, rh, gh, bh);
-    return {_mm_packus_epi16(rl, rh), _mm_packus_epi16(gl, gh), _mm_packus_epi16(bl, bh)};
-}
-
 // Four registers of four pixels each: byte 0 first colour, 1 green, 2 last
 // colour, 3 zero.
 ZO_BAYER_INLINE void BayerQuads(const BayerBlock16& block, bool blueFirst, __m128i q[4])
@@ -119,54 +112,30 @@ ZO_BAYER_INLINE void BayerStoreBlock(const BayerBlock16& block, unsigned char* d
     }
 }
 
+// `forms(r, g, b)`: maps a block's red, green and blue 16-bit lanes before
+// they are packed (white balance; the identity line passes NoForms).
+struct NoForms {
+    void operator()(__m128i&, __m128i&, __m128i&) const {}
+};
+
 // Pixels x = from, from + 16, ... while a whole block fits before `to`
 // (`to` at most count - 1, so that the loads at x + 1 stay inside the line).
 // Returns where it stopped. A 24-bit block stores two bytes past its last
 // pixel, which the caller writes afterwards.
-template <unsigned Bytes, bool BlueFirst>
+template <unsigned Bytes, bool BlueFirst, class Forms>
 std::uint32_t InterpolateBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                                    unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
+                                    unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, Forms forms)
 {
-    std::uint32_t x = from;
-    for (; x + 16 <= to; x += 16)
-        BayerStoreBlock<Bytes, BlueFirst>(BayerBlock(line + above + x, line + x, line + below + x, phase),
-                                          dst + static_cast<std::size_t>(x) * Bytes);
-    return x;
-}
-
-// As InterpolateBlocksSse2 through 8-bit tables that all have scaled forms
-// (simd/LutScaled.h), each channel evaluated on its 16-bit lanes before the
-// pack (Red, Green, Blue: the forms' modes).
-template <unsigned Bytes, bool BlueFirst, int Red, int Green, int Blue>
-std::uint32_t ScaledBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                               unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
-                               const simd::LutFormPlan8& plan)
-{
-    using simd::EvalScaled;
-    // The plan is in byte order of the layout: blue first for BGR.
-    const simd::ScaledLanes128 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
-        blue(plan.scaled[BlueFirst ? 0 : 2]);
     std::uint32_t x = from;
     for (; x + 16 <= to; x += 16) {
         __m128i rl, gl, bl, rh, gh, bh;
         BayerBlockLanes(line + above + x, line + x, line + below + x, phase, rl, gl, bl, rh, gh, bh);
-        const BayerBlock16 block{_mm_packus_epi16(EvalScaled<Red>(rl, red), EvalScaled<Red>(rh, red)),
-                                 _mm_packus_epi16(EvalScaled<Green>(gl, green), EvalScaled<Green>(gh, green)),
-                                 _mm_packus_epi16(EvalScaled<Blue>(bl, blue), EvalScaled<Blue>(bh, blue))};
+        forms(rl, gl, bl);
+        forms(rh, gh, bh);
+        const BayerBlock16 block{_mm_packus_epi16(rl, rh), _mm_packus_epi16(gl, gh), _mm_packus_epi16(bl, bh)};
         BayerStoreBlock<Bytes, BlueFirst>(block, dst + static_cast<std::size_t>(x) * Bytes);
     }
     return x;
-}
-
-template <unsigned Bytes, bool BlueFirst>
-std::uint32_t ScaledBlocksAnyModeSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                                      unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
-                                      const simd::LutFormPlan8& plan)
-{
-    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto r, auto g, auto b) {
-        return ScaledBlocksSse2<Bytes, BlueFirst, decltype(r)::value, decltype(g)::value, decltype(b)::value>(
-            line, above, below, dst, from, to, phase, plan);
-    });
 }
 
 // ---- 16-bit samples: eight pixels per pass in 32-bit lanes -----------------
@@ -254,30 +223,6 @@ std::uint32_t InterpolateWordBlocksSse2(const unsigned char* line, std::ptrdiff_
     return x;
 }
 
-struct NoForms {
-    void operator()(__m128i&, __m128i&, __m128i&) const {}
-};
-
-// The same through the scaled forms of a plan whose tables all have one.
-template <unsigned Bytes, bool BlueFirst>
-std::uint32_t ScaledWordBlocksSse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
-                                   unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase,
-                                   unsigned shift, const simd::LutFormPlan8& plan)
-{
-    // The plan is in byte order of the layout: blue first for BGR.
-    const simd::ScaledLanes128 red(plan.scaled[BlueFirst ? 2 : 0]), green(plan.scaled[1]),
-        blue(plan.scaled[BlueFirst ? 0 : 2]);
-    return simd::WithScaledModes(plan, BlueFirst ? 2 : 0, [&](auto rm, auto gm, auto bm) {
-        constexpr int kRed = decltype(rm)::value, kGreen = decltype(gm)::value, kBlue = decltype(bm)::value;
-        return InterpolateWordBlocksSse2<Bytes, BlueFirst>(
-            line, above, below, dst, from, to, phase, shift, [&](__m128i& r, __m128i& g, __m128i& b) {
-                r = simd::EvalScaled<kRed>(r, red);
-                g = simd::EvalScaled<kGreen>(g, green);
-                b = simd::EvalScaled<kBlue>(b, blue);
-            });
-    });
-}
-
 // 16-bit samples into RGB48 (identity filter): each pixel stored as eight
 // bytes, the last two of which the next pixel overwrites; the block's last
 // store writes two bytes past it, which the caller writes afterwards.
@@ -313,10 +258,10 @@ std::uint32_t BayerBytesSse2(unsigned bytes, bool blueFirst, const unsigned char
                              std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase)
 {
     if (bytes == 4)
-        return blueFirst ? InterpolateBlocksSse2<4, true>(line, above, below, dst, from, to, phase)
-                         : InterpolateBlocksSse2<4, false>(line, above, below, dst, from, to, phase);
-    return blueFirst ? InterpolateBlocksSse2<3, true>(line, above, below, dst, from, to, phase)
-                     : InterpolateBlocksSse2<3, false>(line, above, below, dst, from, to, phase);
+        return blueFirst ? InterpolateBlocksSse2<4, true>(line, above, below, dst, from, to, phase, NoForms{})
+                         : InterpolateBlocksSse2<4, false>(line, above, below, dst, from, to, phase, NoForms{});
+    return blueFirst ? InterpolateBlocksSse2<3, true>(line, above, below, dst, from, to, phase, NoForms{})
+                     : InterpolateBlocksSse2<3, false>(line, above, below, dst, from, to, phase, NoForms{});
 }
 
 std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
@@ -330,17 +275,22 @@ std::uint32_t BayerWordsSse2(unsigned bytes, bool blueFirst, const unsigned char
                      : InterpolateWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift, NoForms{});
 }
 
+// The scaled-form lines: the plan is in byte order of the layout, blue
+// first for BGR; `from` (nothing done) where a table has no scaled form.
 std::uint32_t BayerWordsScaledSse2(unsigned bytes, bool blueFirst, const unsigned char* line, std::ptrdiff_t above,
                                    std::ptrdiff_t below, unsigned char* dst, std::uint32_t from, std::uint32_t to,
                                    int phase, unsigned shift, const simd::LutFormPlan8& plan)
 {
     if (!simd::HasScaledForms(plan))
         return from;
-    if (bytes == 4)
-        return blueFirst ? ScaledWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift, plan)
-                         : ScaledWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift, plan);
-    return blueFirst ? ScaledWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift, plan)
-                     : ScaledWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift, plan);
+    return simd::WithScaledForms<simd::ScaledOps128>(plan, blueFirst ? 2 : 0, [&](const auto& forms) {
+        if (bytes == 4)
+            return blueFirst
+                       ? InterpolateWordBlocksSse2<4, true>(line, above, below, dst, from, to, phase, shift, forms)
+                       : InterpolateWordBlocksSse2<4, false>(line, above, below, dst, from, to, phase, shift, forms);
+        return blueFirst ? InterpolateWordBlocksSse2<3, true>(line, above, below, dst, from, to, phase, shift, forms)
+                         : InterpolateWordBlocksSse2<3, false>(line, above, below, dst, from, to, phase, shift, forms);
+    });
 }
 
 std::uint32_t BayerWords48Sse2(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below,
@@ -355,11 +305,13 @@ std::uint32_t BayerBytesScaledSse2(unsigned bytes, bool blueFirst, const unsigne
 {
     if (!simd::HasScaledForms(plan))
         return from;
-    if (bytes == 4)
-        return blueFirst ? ScaledBlocksAnyModeSse2<4, true>(line, above, below, dst, from, to, phase, plan)
-                         : ScaledBlocksAnyModeSse2<4, false>(line, above, below, dst, from, to, phase, plan);
-    return blueFirst ? ScaledBlocksAnyModeSse2<3, true>(line, above, below, dst, from, to, phase, plan)
-                     : ScaledBlocksAnyModeSse2<3, false>(line, above, below, dst, from, to, phase, plan);
+    return simd::WithScaledForms<simd::ScaledOps128>(plan, blueFirst ? 2 : 0, [&](const auto& forms) {
+        if (bytes == 4)
+            return blueFirst ? InterpolateBlocksSse2<4, true>(line, above, below, dst, from, to, phase, forms)
+                             : InterpolateBlocksSse2<4, false>(line, above, below, dst, from, to, phase, forms);
+        return blueFirst ? InterpolateBlocksSse2<3, true>(line, above, below, dst, from, to, phase, forms)
+                         : InterpolateBlocksSse2<3, false>(line, above, below, dst, from, to, phase, forms);
+    });
 }
 
 const BayerPaths kBayerPathsSSE2 = {"SSE2",  BayerBytesSse2, BayerWordsSse2,       BayerWords48Sse2,    nullptr,

@@ -118,6 +118,32 @@ using ScaledLanes128 = ScaledLanes<ScaledOps128>;
 using ScaledLanes256 = ScaledLanes<ScaledOps256>;
 #endif
 
+// Red, green and blue registers through their forms (the modes of
+// WithScaledModes), for the hook a kernel calls before it packs.
+template <class Ops, int Red, int Green, int Blue>
+struct ScaledTriple {
+    const ScaledLanes<Ops>& red;
+    const ScaledLanes<Ops>& green;
+    const ScaledLanes<Ops>& blue;
+    ZO_SCALED_INLINE void operator()(typename Ops::T& r, typename Ops::T& g, typename Ops::T& b) const
+    {
+        r = EvalScaled<Red>(r, red);
+        g = EvalScaled<Green>(g, green);
+        b = EvalScaled<Blue>(b, blue);
+    }
+};
+
+// Returns run(forms) with the ScaledTriple of the plan's variant (every
+// table must have a scaled form; red at byte `redIndex` of the plan).
+template <class Ops, class Run>
+inline auto WithScaledForms(const LutFormPlan8& plan, unsigned redIndex, Run run)
+{
+    const ScaledLanes<Ops> red(plan.scaled[redIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - redIndex]);
+    return WithScaledModes(plan, redIndex, [&](auto r, auto g, auto b) {
+        return run(ScaledTriple<Ops, decltype(r)::value, decltype(g)::value, decltype(b)::value>{red, green, blue});
+    });
+}
+
 }  // namespace
 }  // namespace simd
 }  // namespace zo

@@ -305,15 +305,8 @@ template <class Store, unsigned RedIndex, class Reader>
 std::uint32_t Pairs422Scaled(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                              const simd::LutFormPlan8& plan)
 {
-    const simd::ScaledLanes128 red(plan.scaled[RedIndex]), green(plan.scaled[1]), blue(plan.scaled[2 - RedIndex]);
-    return simd::WithScaledModes(plan, RedIndex, [&](auto rm, auto gm, auto bm) {
-        constexpr int kRed = decltype(rm)::value, kGreen = decltype(gm)::value, kBlue = decltype(bm)::value;
-        return Pairs422<Store>(src, dst, pairs, reader, [&](__m128i& r, __m128i& g, __m128i& b) {
-            r = simd::EvalScaled<kRed>(r, red);
-            g = simd::EvalScaled<kGreen>(g, green);
-            b = simd::EvalScaled<kBlue>(b, blue);
-        });
-    });
+    return simd::WithScaledForms<simd::ScaledOps128>(
+        plan, RedIndex, [&](const auto& forms) { return Pairs422<Store>(src, dst, pairs, reader, forms); });
 }
 
 // Into 16-, 24- and 32-bit layouts, every table with a scaled form; 0 (the
