@@ -112,6 +112,8 @@ std::uint32_t BayerBytesScaledAvx2(unsigned bytes, bool blueFirst, const unsigne
             forms(rl, gl, bl);
             forms(rh, gh, bh);
         };
+        if (bytes == 2)
+            return Blocks256<2, false>(line, above, below, dst, from, to, phase, both, KeepPacked{});
         if (bytes == 4)
             return blueFirst ? Blocks256<4, true>(line, above, below, dst, from, to, phase, both, KeepPacked{})
                              : Blocks256<4, false>(line, above, below, dst, from, to, phase, both, KeepPacked{});

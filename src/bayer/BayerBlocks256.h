@@ -64,7 +64,8 @@ inline __m256i Load(const unsigned char* p) { return _mm256_loadu_si256(reinterp
 
 // Converts pixels from, from + 32, ... while a block fits before `to` (and
 // one block ending there, see below) and returns where it stopped (see
-// BayerPaths.h; an even number of pixels past `from`).
+// BayerPaths.h; an even number of pixels past `from`). Bytes: 2 (RGB16,
+// BlueFirst false), 3 or 4.
 template <unsigned Bytes, bool BlueFirst, class Widened, class Packed>
 std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::ptrdiff_t below, unsigned char* dst,
                         std::uint32_t from, std::uint32_t to, int phase, Widened widened, Packed packed)
@@ -98,6 +99,23 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
         __m256i green = _mm256_packus_epi16(gl, gh);
         __m256i blue = _mm256_packus_epi16(bl, bh);
         packed(red, green, blue);
+        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
+        if constexpr (Bytes == 2) {
+            // RGB16 words as PackRGB16 makes them; lane 0 holds pixels 0-15,
+            // lane 1 pixels 16-31, eight per half.
+            auto words = [&](__m256i r, __m256i g, __m256i b) {
+                const __m256i high = _mm256_and_si256(_mm256_slli_epi16(r, 8), _mm256_set1_epi16(static_cast<short>(0xF800)));
+                const __m256i middle = _mm256_slli_epi16(_mm256_and_si256(g, _mm256_set1_epi16(0xFC)), 3);
+                return _mm256_or_si256(_mm256_or_si256(high, middle), _mm256_srli_epi16(b, 3));
+            };
+            const __m256i lo = words(_mm256_unpacklo_epi8(red, zero), _mm256_unpacklo_epi8(green, zero),
+                                     _mm256_unpacklo_epi8(blue, zero));
+            const __m256i hi = words(_mm256_unpackhi_epi8(red, zero), _mm256_unpackhi_epi8(green, zero),
+                                     _mm256_unpackhi_epi8(blue, zero));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), _mm256_permute2x128_si256(lo, hi, 0x20));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(d + 32), _mm256_permute2x128_si256(lo, hi, 0x31));
+            return;
+        }
         const __m256i first = BlueFirst ? blue : red;
         const __m256i last = BlueFirst ? red : blue;
         const __m256i fgLow = _mm256_unpacklo_epi8(first, green), fgHigh = _mm256_unpackhi_epi8(first, green);
@@ -105,7 +123,6 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
         // Lane 0 holds pixels 0-15, lane 1 pixels 16-31, four per register.
         const __m256i q[4] = {_mm256_unpacklo_epi16(fgLow, lzLow), _mm256_unpackhi_epi16(fgLow, lzLow),
                               _mm256_unpacklo_epi16(fgHigh, lzHigh), _mm256_unpackhi_epi16(fgHigh, lzHigh)};
-        unsigned char* d = dst + static_cast<std::size_t>(x) * Bytes;
         if (Bytes == 4) {
             __m256i* out = reinterpret_cast<__m256i*>(d);
             _mm256_storeu_si256(out + 0, _mm256_permute2x128_si256(q[0], q[1], 0x20));

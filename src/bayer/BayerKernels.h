@@ -420,8 +420,10 @@ struct BayerInteriorFormed {
                              unsigned char* dst, std::uint32_t from, std::uint32_t to, int phase, const Out& out)
     {
         const BayerPaths& paths = BayerActivePaths();
-        const BayerBytesFormedPath formed =
-            paths.bytesScaled && simd::HasScaledForms(*out.plan) ? paths.bytesScaled : paths.bytesFormed;
+        // RGB16 (Bytes 2): only chosen where the scaled path takes the plan.
+        const BayerBytesFormedPath formed = Bytes == 2 || (paths.bytesScaled && simd::HasScaledForms(*out.plan))
+                                                ? paths.bytesScaled
+                                                : paths.bytesFormed;
         return formed(Bytes, RedIndex == 2, line, above, below, dst, from, to, phase, *out.plan);
     }
 };
@@ -444,6 +446,8 @@ template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Formed8<Write24<RedIndex>>> : BayerInteriorFormed<RedIndex, 3> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Formed8<Write32<RedIndex>>> : BayerInteriorFormed<RedIndex, 4> {};
+template <>
+struct BayerInteriorSimd<Samples8, Formed8<WriteRGB16>> : BayerInteriorFormed<0, 2> {};
 template <unsigned RedIndex>
 struct BayerInteriorSimd<Samples8, Looked8<Write24<RedIndex>>> : BayerInteriorLooked<RedIndex, 3> {};
 template <unsigned RedIndex>

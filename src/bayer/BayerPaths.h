@@ -80,7 +80,9 @@ struct BayerPaths {
     BayerBytesLookupPath bytesLookup;
     // As bytesFormed for plans whose tables all have scaled forms (simd/
     // LutScaled.h; each gain from 1.00 to 1.99 has one), taken before
-    // bytesFormed where set (SSE2 has no bytesFormed).
+    // bytesFormed where set (SSE2 has no bytesFormed); also into RGB16
+    // (bytes 2, a plan in red, green, blue order), which bytesFormed does
+    // not take.
     BayerBytesFormedPath bytesScaled;
     // Null: 16-bit samples into 8-bit layouts take the identity line and the
     // table pass (AVX-512 VBMI, whose pass looks the tables up).

@@ -88,11 +88,27 @@ ZO_BAYER_INLINE void BayerQuads(const BayerBlock16& block, bool blueFirst, __m12
     q[3] = _mm_unpackhi_epi16(fgHigh, lzHigh);
 }
 
-// Stores a block of sixteen pixels in a 3- or 4-byte layout. A 24-bit block
-// writes two bytes past its last pixel.
+// Stores a block of sixteen pixels in a 2-, 3- or 4-byte layout (2: RGB16
+// words, as PackRGB16 makes them). A 24-bit block writes two bytes past its
+// last pixel.
 template <unsigned Bytes, bool BlueFirst>
 ZO_BAYER_INLINE void BayerStoreBlock(const BayerBlock16& block, unsigned char* d)
 {
+    if constexpr (Bytes == 2) {
+        const __m128i zero = _mm_setzero_si128();
+        auto words = [](__m128i r, __m128i g, __m128i b) {
+            const __m128i red = _mm_and_si128(_mm_slli_epi16(r, 8), _mm_set1_epi16(static_cast<short>(0xF800)));
+            const __m128i green = _mm_slli_epi16(_mm_and_si128(g, _mm_set1_epi16(0xFC)), 3);
+            return _mm_or_si128(_mm_or_si128(red, green), _mm_srli_epi16(b, 3));
+        };
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
+                         words(_mm_unpacklo_epi8(block.red, zero), _mm_unpacklo_epi8(block.green, zero),
+                               _mm_unpacklo_epi8(block.blue, zero)));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16),
+                         words(_mm_unpackhi_epi8(block.red, zero), _mm_unpackhi_epi8(block.green, zero),
+                               _mm_unpackhi_epi8(block.blue, zero)));
+        return;
+    }
     __m128i q[4];
     BayerQuads(block, BlueFirst, q);
     if (Bytes == 4) {
@@ -306,6 +322,8 @@ std::uint32_t BayerBytesScaledSse2(unsigned bytes, bool blueFirst, const unsigne
     if (!simd::HasScaledForms(plan))
         return from;
     return simd::WithScaledForms<simd::ScaledOps128>(plan, blueFirst ? 2 : 0, [&](const auto& forms) {
+        if (bytes == 2)
+            return InterpolateBlocksSse2<2, false>(line, above, below, dst, from, to, phase, forms);
         if (bytes == 4)
             return blueFirst ? InterpolateBlocksSse2<4, true>(line, above, below, dst, from, to, phase, forms)
                              : InterpolateBlocksSse2<4, false>(line, above, below, dst, from, to, phase, forms);

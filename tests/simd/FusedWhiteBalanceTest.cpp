@@ -107,6 +107,7 @@ TEST(FusedWhiteBalance, EightBitLinesMatchTheScalarLevelInEveryMode)
         {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB32, 0}, {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_BGR32, 0},
         {ZO_PT_RGB24 | ZO_PIXEL_PACKED, ZO_PT_RGB16, 0}, {ZO_PT_RGB32, ZO_PT_RGB16, 0},
         {ZO_PT_BAYER_RGB12, ZO_PT_RGB24, kBilinear}, {ZO_PT_BAYER_RGB12, ZO_PT_BGR32, kBilinear},
+        {ZO_PT_BAYER_RGB8, ZO_PT_RGB16, kBilinear},
     };
     for (const Gains& g : kGains) {
         ZoRGBFilter filter(8);
