@@ -26,6 +26,7 @@
 #include <cstdint>
 
 #include "bayer/BayerBilinear.h"
+#include "simd/Rgb16Words.h"
 
 namespace zo {
 namespace {
@@ -103,15 +104,10 @@ std::uint32_t Blocks256(const unsigned char* line, std::ptrdiff_t above, std::pt
         if constexpr (Bytes == 2) {
             // RGB16 words as PackRGB16 makes them; lane 0 holds pixels 0-15,
             // lane 1 pixels 16-31, eight per half.
-            auto words = [&](__m256i r, __m256i g, __m256i b) {
-                const __m256i high = _mm256_and_si256(_mm256_slli_epi16(r, 8), _mm256_set1_epi16(static_cast<short>(0xF800)));
-                const __m256i middle = _mm256_slli_epi16(_mm256_and_si256(g, _mm256_set1_epi16(0xFC)), 3);
-                return _mm256_or_si256(_mm256_or_si256(high, middle), _mm256_srli_epi16(b, 3));
-            };
-            const __m256i lo = words(_mm256_unpacklo_epi8(red, zero), _mm256_unpacklo_epi8(green, zero),
-                                     _mm256_unpacklo_epi8(blue, zero));
-            const __m256i hi = words(_mm256_unpackhi_epi8(red, zero), _mm256_unpackhi_epi8(green, zero),
-                                     _mm256_unpackhi_epi8(blue, zero));
+            const __m256i lo = simd::PackRGB16Words(_mm256_unpacklo_epi8(red, zero), _mm256_unpacklo_epi8(green, zero),
+                                                    _mm256_unpacklo_epi8(blue, zero));
+            const __m256i hi = simd::PackRGB16Words(_mm256_unpackhi_epi8(red, zero), _mm256_unpackhi_epi8(green, zero),
+                                                    _mm256_unpackhi_epi8(blue, zero));
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(d), _mm256_permute2x128_si256(lo, hi, 0x20));
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(d + 32), _mm256_permute2x128_si256(lo, hi, 0x31));
             return;

@@ -10,6 +10,7 @@
 
 #include "bayer/BayerBilinear.h"
 #include "simd/LutScaled.h"
+#include "simd/Rgb16Words.h"
 
 // The block helpers below must melt into their loops.
 #if defined(__GNUC__)
@@ -95,18 +96,7 @@ template <unsigned Bytes, bool BlueFirst>
 ZO_BAYER_INLINE void BayerStoreBlock(const BayerBlock16& block, unsigned char* d)
 {
     if constexpr (Bytes == 2) {
-        const __m128i zero = _mm_setzero_si128();
-        auto words = [](__m128i r, __m128i g, __m128i b) {
-            const __m128i red = _mm_and_si128(_mm_slli_epi16(r, 8), _mm_set1_epi16(static_cast<short>(0xF800)));
-            const __m128i green = _mm_slli_epi16(_mm_and_si128(g, _mm_set1_epi16(0xFC)), 3);
-            return _mm_or_si128(_mm_or_si128(red, green), _mm_srli_epi16(b, 3));
-        };
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
-                         words(_mm_unpacklo_epi8(block.red, zero), _mm_unpacklo_epi8(block.green, zero),
-                               _mm_unpacklo_epi8(block.blue, zero)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16),
-                         words(_mm_unpackhi_epi8(block.red, zero), _mm_unpackhi_epi8(block.green, zero),
-                               _mm_unpackhi_epi8(block.blue, zero)));
+        simd::StoreRGB16x16(d, block.red, block.green, block.blue);
         return;
     }
     __m128i q[4];

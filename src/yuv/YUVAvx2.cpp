@@ -17,6 +17,7 @@
 #include "core/StreamGroups.h"
 #include "simd/LutArith.h"
 #include "simd/LutScaled.h"
+#include "simd/Rgb16Words.h"
 #include "simd/LutV256.h"
 #include "yuv/YUVLineEnd.h"
 #include "yuv/YUVSimdTransform.h"
@@ -140,20 +141,14 @@ struct Store24 {
 template <bool Packed>
 struct Store16 {
     static constexpr std::uint32_t kBytes = 2;
-    static __m256i Words(__m256i r, __m256i g, __m256i b)
-    {
-        const __m256i red = _mm256_and_si256(_mm256_slli_epi16(r, 8), _mm256_set1_epi16(static_cast<short>(0xF800)));
-        const __m256i green = _mm256_slli_epi16(_mm256_and_si256(g, _mm256_set1_epi16(0xFC)), 3);
-        return _mm256_or_si256(_mm256_or_si256(red, green), _mm256_srli_epi16(b, 3));
-    }
     static void Put(unsigned char* d, const Bytes32& p)
     {
         const __m256i zero = _mm256_setzero_si256();
         // Natural order: w0 0-7 | 16-23, w1 8-15 | 24-31; packed: w0 0-15, w1 16-31.
-        const __m256i w0 = Words(_mm256_unpacklo_epi8(p.r, zero), _mm256_unpacklo_epi8(p.g, zero),
-                                 _mm256_unpacklo_epi8(p.b, zero));
-        const __m256i w1 = Words(_mm256_unpackhi_epi8(p.r, zero), _mm256_unpackhi_epi8(p.g, zero),
-                                 _mm256_unpackhi_epi8(p.b, zero));
+        const __m256i w0 = simd::PackRGB16Words(_mm256_unpacklo_epi8(p.r, zero), _mm256_unpacklo_epi8(p.g, zero),
+                                                _mm256_unpacklo_epi8(p.b, zero));
+        const __m256i w1 = simd::PackRGB16Words(_mm256_unpackhi_epi8(p.r, zero), _mm256_unpackhi_epi8(p.g, zero),
+                                                _mm256_unpackhi_epi8(p.b, zero));
         Store(d, Packed ? w0 : _mm256_permute2x128_si256(w0, w1, 0x20));
         Store(d + 32, Packed ? w1 : _mm256_permute2x128_si256(w0, w1, 0x31));
     }

@@ -9,6 +9,7 @@
 #include "yuv/YUVSimd.h"
 
 #include "simd/LutScaled.h"
+#include "simd/Rgb16Words.h"
 #include "yuv/YUVSimdTransform.h"
 
 #if defined(__SSE2__)
@@ -129,22 +130,7 @@ struct Store24 {
 
 struct Store16 {
     static constexpr std::uint32_t kBytes = 2;
-    static __m128i Words(__m128i r, __m128i g, __m128i b)
-    {
-        const __m128i red = _mm_and_si128(_mm_slli_epi16(r, 8), _mm_set1_epi16(static_cast<short>(0xF800)));
-        const __m128i green = _mm_slli_epi16(_mm_and_si128(g, _mm_set1_epi16(0xFC)), 3);
-        return _mm_or_si128(_mm_or_si128(red, green), _mm_srli_epi16(b, 3));
-    }
-    static void Put(unsigned char* d, const Bytes16& p)
-    {
-        const __m128i zero = _mm_setzero_si128();
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d),
-                         Words(_mm_unpacklo_epi8(p.r, zero), _mm_unpacklo_epi8(p.g, zero),
-                               _mm_unpacklo_epi8(p.b, zero)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + 16),
-                         Words(_mm_unpackhi_epi8(p.r, zero), _mm_unpackhi_epi8(p.g, zero),
-                               _mm_unpackhi_epi8(p.b, zero)));
-    }
+    static void Put(unsigned char* d, const Bytes16& p) { simd::StoreRGB16x16(d, p.r, p.g, p.b); }
 };
 
 // --- readers: sixteen 4:2:2 pixels as two registers of 8-bit samples -------
