@@ -104,6 +104,23 @@ bool WithTablePass(const ZoRGBFilter& filter, Run run)
     }
 }
 
+// The plan of the filter's 8-bit tables for this layout (byte order of a
+// 24/32-bit layout; RGB16: red, green, blue, made for 4-byte pixels) where
+// every table has a scaled form (simd/LutScaled.h), else null.
+template <class Writer>
+const simd::LutFormPlan8* ScaledPlan8(const ZoRGBFilter& filter)
+{
+    unsigned redIndex = 0, pixelBytes = 4;
+    if constexpr (!std::is_same<Writer, WriteRGB16>::value) {
+        redIndex = TablePassLayout<Writer>::kRedIndex;
+        pixelBytes = TablePassLayout<Writer>::kPixelBytes;
+    }
+    const simd::LutFormPlan8* plan = simd::FormPlan8(
+        simd::LutTablesInByteOrder(filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), redIndex),
+        pixelBytes);
+    return plan && simd::HasScaledForms(*plan) ? plan : nullptr;
+}
+
 // Runs run(out) with the output of one pass for an interpolated line of
 // 8-bit samples through `filter` and returns true; false (nothing run) for
 // the identity filter, a layout without a pass, a level without a fused
@@ -120,17 +137,14 @@ bool WithFusedLine(const ZoRGBFilter& filter, Run run)
 {
     using L = TablePassLayout<Writer>;
     if constexpr (std::is_same<Writer, WriteRGB16>::value) {
-        // RGB16: the scaled forms only (a plan in red, green, blue order),
-        // at every level that has them; no level looks RGB16 up.
+        // RGB16: the scaled forms only, at every level that has them; no
+        // level looks RGB16 up.
         if (filter.IsIdentity8() || !BayerActivePaths().bytesScaled)
             return false;
-        const std::uint8_t* const red = filter.RedTable8();
-        const std::uint8_t* const green = filter.GreenTable8();
-        const std::uint8_t* const blue = filter.BlueTable8();
-        const simd::LutFormPlan8* plan = simd::FormPlan8(simd::LutTablesInByteOrder(red, green, blue, 0), 4);
-        if (!plan || !simd::HasScaledForms(*plan))
+        const simd::LutFormPlan8* plan = ScaledPlan8<Writer>(filter);
+        if (!plan)
             return false;
-        run(Formed8<Writer>{{red, green, blue, 0}, plan});
+        run(Formed8<Writer>{{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), 0}, plan});
         return true;
     } else if constexpr (L::kUses) {
         if (filter.IsIdentity8())
@@ -167,18 +181,13 @@ bool WithFusedLine(const ZoRGBFilter& filter, Run run)
 template <class Writer, class Run>
 bool WithFusedWordsLine(const ZoRGBFilter& filter, unsigned shift, Run run)
 {
-    using L = TablePassLayout<Writer>;
-    if constexpr (L::kUses) {
+    if constexpr (TablePassLayout<Writer>::kUses) {
         if (filter.IsIdentity8() || !BayerActivePaths().wordsScaled)
             return false;
-        const std::uint8_t* const red = filter.RedTable8();
-        const std::uint8_t* const green = filter.GreenTable8();
-        const std::uint8_t* const blue = filter.BlueTable8();
-        const simd::LutFormPlan8* plan =
-            simd::FormPlan8(simd::LutTablesInByteOrder(red, green, blue, L::kRedIndex), L::kPixelBytes);
-        if (!plan || !simd::HasScaledForms(*plan))
+        const simd::LutFormPlan8* plan = ScaledPlan8<Writer>(filter);
+        if (!plan)
             return false;
-        run(ScaledWords8<Writer>{{red, green, blue, shift}, plan});
+        run(ScaledWords8<Writer>{{filter.RedTable8(), filter.GreenTable8(), filter.BlueTable8(), shift}, plan});
         return true;
     } else {
         (void)filter, (void)shift, (void)run;

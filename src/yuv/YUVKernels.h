@@ -209,10 +209,19 @@ inline void YUVTablePass(unsigned char* dst, std::uint32_t pixels, const YUVChan
     simd::ApplyLut8(dst, pixels, Writer::kBytes, YUVByteOrderTables<Writer>(t));
 }
 
-// Filtered 8-bit lines into 24/32-bit layouts: the vector path looks the
-// tables up before it stores where the level has such lookups, else
-// evaluates the tables' form (checked as the table pass checks them) where
-// they have one and the level has that path. False: not taken.
+// The plan of the tables for this layout: in its byte order, RGB16 in red,
+// green, blue order made for 4-byte pixels.
+template <class Writer>
+inline const simd::LutFormPlan8* YUVFormPlan(const YUVChannelTables& t)
+{
+    return simd::FormPlan8(YUVByteOrderTables<Writer>(t), kTablePassLayout<Writer> ? Writer::kBytes : 4);
+}
+
+// Filtered 8- and 10-bit lines into 16-, 24- and 32-bit layouts: the
+// vector path looks the tables up before it stores where the level has such
+// lookups (8-bit samples into 24/32-bit layouts), else evaluates the
+// tables' form (checked as the table pass checks them) where they have one
+// and the level has that path. False: not taken.
 template <class Writer, class Reader>
 inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uint32_t pairs, const Reader& reader,
                           const YUVChannelTables& t, bool stream, std::uint32_t& done)
@@ -220,8 +229,7 @@ inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uin
     if constexpr ((kTablePassLayout<Writer> || Writer::kBytes == 2) && std::is_same<Reader, YUV10PairReader>::value) {
         if (t.identity)
             return false;
-        const simd::LutFormPlan8* plan =
-            simd::FormPlan8(YUVByteOrderTables<Writer>(t), kTablePassLayout<Writer> ? Writer::kBytes : 4);
+        const simd::LutFormPlan8* plan = YUVFormPlan<Writer>(t);
         return plan && YUV10PairsScaledVector(src, dst, pairs, reader.shift, Writer::kBytes,
                                               WriterShape<Writer>::kRedIndex, *plan, done);
     } else if constexpr ((kTablePassLayout<Writer> || Writer::kBytes == 2) &&
@@ -232,9 +240,7 @@ inline bool YUV422OnePass(const unsigned char* src, unsigned char* dst, std::uin
             YUV8PairsLutVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes, WriterShape<Writer>::kRedIndex,
                                YUVByteOrderTables<Writer>(t), stream, done))
             return true;
-        // RGB16: a plan made for 4-byte pixels in red, green, blue order.
-        const simd::LutFormPlan8* plan =
-            simd::FormPlan8(YUVByteOrderTables<Writer>(t), kTablePassLayout<Writer> ? Writer::kBytes : 4);
+        const simd::LutFormPlan8* plan = YUVFormPlan<Writer>(t);
         return plan && YUV8PairsFormedVector(src, dst, pairs, reader.sampleBytes, Writer::kBytes,
                                              WriterShape<Writer>::kRedIndex, *plan, stream, done);
     } else {

@@ -6,8 +6,8 @@
 
 #include "simd/Cpu.h"
 #include "simd/Lut.h"
-#include "yuv/YUVKernels.h"
 #include "simd/LutScaled.h"
+#include "yuv/YUVKernels.h"
 
 namespace zo {
 namespace {
